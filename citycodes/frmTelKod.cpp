@@ -1,0 +1,38 @@
+#include "citycodes/frmTelKod.h"
+
+#include "citycodes/frmTelKodFilter.h"
+#include "shell/Declaration.h"
+
+namespace {
+
+constexpr int NameWidth = 5000;
+
+forms::Design WindowDesign() {
+    forms::Design design;
+    design.name = QStringLiteral("frmTelKod");
+    design.caption = QStringLiteral("Коды городов");
+    design.size = QSize(840, 420);
+    return design;
+}
+
+forms::ListDesign TownList() {
+    forms::ListDesign list;
+    list.gridName = QStringLiteral("gridTelKod");
+    list.contextMenu = QStringLiteral("mnuTelKod");
+    list.defaultStatement =
+        QStringLiteral("SELECT * FROM t02, t03 WHERE t02rcid = t03code ORDER BY t02cval, t03cval");
+    list.columns = {{QStringLiteral("Регион"), QStringLiteral("t02cval"), NameWidth},
+                    {QStringLiteral("Город"), QStringLiteral("t03cval"), NameWidth},
+                    {QStringLiteral("Код"), QStringLiteral("t03numb")}};
+    return list;
+}
+
+} // namespace
+
+frmTelKod::frmTelKod()
+    : ListForm(WindowDesign(), TownList(), [] { return gDatabase; }) {
+}
+
+std::shared_ptr<forms::FilterForm> frmTelKod::MakeFilter() {
+    return Create<frmTelKodFilter>();
+}

@@ -1,0 +1,66 @@
+#include "database/SeedData.h"
+#include "platform/engine/Database.h"
+#include "platform/forms/MsgBox.h"
+#include "shell/General.h"
+
+namespace {
+
+QString Text(const char16_t* text) {
+    return QString::fromUtf16(text);
+}
+
+/// Writes the towns of the regions, each under the number that its region has in `t02`. False, after a box,
+/// if a region is not there.
+bool FillTowns(engine::Database& db, std::span<const seed::Region> regions) {
+    engine::Recordset rows = db.OpenRecordset(QStringLiteral("SELECT * FROM t02"), engine::dbOpenDynaset);
+    for (const seed::Region& region : regions) {
+        const QString name = Text(region.name);
+        rows.FindFirst(QStringLiteral("t02cval= '") + name + u'\'');
+        if (rows.NoMatch()) {
+            forms::MsgBox(QStringLiteral("Ошибка целостности базы данных: отсутствует регион '") + name +
+                              QStringLiteral("'."),
+                          forms::Icon::Critical);
+            return false;
+        }
+        const QString number = QString::number(rows.Fields(u"t02rcid").Value().Long());
+        for (const seed::Town& town : region.towns)
+            db.Execute(QStringLiteral("INSERT INTO t03 (t03code, t03cval, t03numb) VALUES (") + number +
+                           QStringLiteral(", '") + Text(town.name) + QStringLiteral("', ") +
+                           QString::number(town.code) + u')',
+                       engine::dbFailOnError);
+    }
+    return true;
+}
+
+} // namespace
+
+bool General::FillRegions(engine::Database& db) {
+    try {
+        for (const seed::Region& region : seed::AllRegions())
+            db.Execute(QStringLiteral("INSERT INTO t02 (t02cval) VALUES ('") + Text(region.name) +
+                           QStringLiteral("')"),
+                       engine::dbFailOnError);
+        return true;
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("General функция FillRegions:"), failure);
+        return false;
+    }
+}
+
+bool General::FillCity(engine::Database& db) {
+    try {
+        return FillTowns(db, seed::FirstRegions()) && FillCity1(db);
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("General функция FillCity:"), failure);
+        return false;
+    }
+}
+
+bool General::FillCity1(engine::Database& db) {
+    try {
+        return FillTowns(db, seed::LastRegions());
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("General функция FillCity1:"), failure);
+        return false;
+    }
+}

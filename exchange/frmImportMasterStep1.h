@@ -1,0 +1,64 @@
+#pragma once
+
+#include "exchange/clsRecord.h"
+#include "platform/forms/Form.h"
+
+#include <array>
+#include <functional>
+#include <vector>
+
+class QLayout;
+class QLineEdit;
+class QListWidget;
+class QListWidgetItem;
+class QPushButton;
+class QTabWidget;
+
+namespace exchange {
+class DelimiterChoice;
+}
+
+/// The master that imports a delimited text file: file, delimiter, columns.
+class frmImportMasterStep1 : public forms::Form {
+    Q_OBJECT
+
+public:
+    frmImportMasterStep1();
+
+protected:
+    void CreateControls(QWidget* surface) override;
+
+private:
+    /// What a run over the file came to.
+    struct Outcome {
+        runtime::Int16 lines; ///< the header counts
+        runtime::Int16 errors;
+    };
+
+    QWidget* MakeFilePage();
+    QWidget* MakeDelimiterPage();
+    QWidget* MakeParameterPage();
+    QLayout* MakeButtonRow();
+
+    void cmdSelect_Click();
+    void tabImport_Click();
+    void lstParameter_ItemCheck(const QListWidgetItem& item);
+    void cmdImport_Click();
+
+    void AskForFile(const QString& message);
+    void FillParameters();
+    std::vector<int> CheckedItems() const;
+    Outcome ImportFile(const std::vector<int>& items);
+    /// Runs a handler and shows its failure under the routine's name.
+    static void Guard(const QString& routine, const std::function<void()>& handler);
+
+    QTabWidget* tabImport = nullptr;
+    QLineEdit* txtFile = nullptr;
+    exchange::DelimiterChoice* optDelimiter = nullptr;
+    QListWidget* lstParameter = nullptr;
+    QPushButton* cmdImport = nullptr;
+
+    /// For each item of lstParameter the place of its column in the file, both counted from 0.
+    std::array<std::uint8_t, 151> bytColumnMap{};
+    clsRecord objRecord;
+};

@@ -1,0 +1,73 @@
+#include "exchange/frmSelectDelimiter.h"
+
+#include "exchange/DelimiterChoice.h"
+#include "platform/forms/Controls.h"
+#include "platform/forms/MsgBox.h"
+
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QVBoxLayout>
+
+frmSelectDelimiter::frmSelectDelimiter()
+    : Form({.name = QStringLiteral("frmSelectDelimiter"),
+            .caption = QStringLiteral("Выбор разделителя"),
+            .kind = forms::Kind::Dialog,
+            .border = forms::Border::Fixed,
+            .tag = QStringLiteral("0")}) {
+}
+
+void frmSelectDelimiter::CreateControls(QWidget* surface) {
+    auto* label1 =
+        forms::MakeLabel(QStringLiteral("Label1"), QStringLiteral("Выберите разделитель значений в файле:"));
+    auto* label2 = forms::MakeLabel(QStringLiteral("Label2"),
+                                    QStringLiteral("Выберите параметры, которые Вы хотите экспортировать:"));
+    optDelimiter = new exchange::DelimiterChoice;
+    label1->setBuddy(optDelimiter->First());
+    lstParameter = new QListWidget;
+    forms::NameField(lstParameter, QStringLiteral("lstParameter"), label2);
+    auto* cmdOk = forms::MakeButton(QStringLiteral("cmdOk"), QStringLiteral("OK"));
+    auto* cmdCancel = forms::MakeButton(QStringLiteral("cmdCancel"), QStringLiteral("Отмена"));
+
+    auto* layout = new QVBoxLayout(surface);
+    layout->addWidget(label1);
+    layout->addWidget(optDelimiter);
+    layout->addWidget(label2);
+    layout->addWidget(lstParameter);
+    layout->addLayout(forms::ButtonRow({cmdOk, cmdCancel}));
+
+    SetDefaultButton(cmdOk);
+    SetCancelButton(cmdCancel);
+    On(cmdOk, &QPushButton::clicked, [this] { cmdOk_Click(); });
+    On(cmdCancel, &QPushButton::clicked, [this] { cmdCancel_Click(); });
+}
+
+void frmSelectDelimiter::Form_Load() {
+    lstParameter->clear();
+    lstParameter->addItems({QStringLiteral("Фамилия"), QStringLiteral("Имя"), QStringLiteral("Отчество"),
+                            QStringLiteral("ФИО"), QStringLiteral("Домашний телефон"),
+                            QStringLiteral("Мобильный телефон"), QStringLiteral("Рабочий телефон"),
+                            QStringLiteral("Заметка")});
+    for (int item = 0; item < lstParameter->count(); ++item)
+        lstParameter->item(item)->setCheckState(Qt::Checked);
+    // All of them in sight.
+    lstParameter->setMinimumHeight(lstParameter->sizeHintForRow(0) * lstParameter->count() +
+                                   2 * lstParameter->frameWidth());
+}
+
+QChar frmSelectDelimiter::Delimiter() const {
+    return optDelimiter->Delimiter();
+}
+
+bool frmSelectDelimiter::IsChecked(int item) const {
+    return lstParameter->item(item - 1)->checkState() == Qt::Checked;
+}
+
+void frmSelectDelimiter::cmdOk_Click() {
+    SetTag(QStringLiteral("1"));
+    SetVisible(false);
+}
+
+void frmSelectDelimiter::cmdCancel_Click() {
+    if (forms::AskNo(QStringLiteral("Вы действительно хотите прервать процесс экспорта данных в файл CSV?")))
+        SetVisible(false);
+}

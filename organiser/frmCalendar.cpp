@@ -1,0 +1,231 @@
+#include "organiser/frmCalendar.h"
+
+#include "organiser/EventDates.h"
+#include "platform/forms/Controls.h"
+#include "platform/forms/FlexGrid.h"
+#include "platform/forms/MdiForm.h"
+#include "platform/forms/MonthView.h"
+#include "platform/forms/MsgBox.h"
+#include "platform/forms/Twips.h"
+#include "platform/runtime/Dates.h"
+#include "platform/runtime/Numbers.h"
+#include "shell/Declaration.h"
+#include "shell/General.h"
+
+#include <QGridLayout>
+#include <QLabel>
+
+namespace {
+
+constexpr int GridWidth = 5655; // twips
+constexpr int NoEvent = -1;     // what a birthday has in the column of event numbers
+
+enum Column { ColId, ColName, ColKind };
+
+forms::Design WindowDesign() {
+    forms::Design design;
+    design.name = QStringLiteral("frmCalendar");
+    design.caption = QStringLiteral("Органайзер");
+    design.border = forms::Border::Fixed;
+    return design;
+}
+
+engine::Recordset OpenBirthdays() {
+    return gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM a01 WHERE a01bith IS NOT NULL"),
+                                    engine::dbOpenDynaset);
+}
+
+/// Goes through all rows and hands over their date texts, empty ones left out. The counter is a 16-bit
+/// number: a longer table is an overflow before its first row.
+template <class Visitor>
+void ForEachDateText(engine::Recordset& rows, QStringView dateField, Visitor visit) {
+    if (rows.RecordCount() == 0)
+        return;
+    rows.MoveLast();
+    rows.MoveFirst();
+    const runtime::Int16 count(rows.RecordCount());
+    const engine::Field date = rows.Fields(dateField);
+    for (int row = 1; row <= count; ++row) {
+        const QString text = date.Text();
+        if (!text.isEmpty())
+            visit(text);
+        rows.MoveNext();
+    }
+}
+
+} // namespace
+
+frmCalendar::frmCalendar()
+    : Form(WindowDesign()) {
+}
+
+void frmCalendar::CreateControls(QWidget* surface) {
+    mnvCalendar = forms::Named(new forms::MonthView(surface), QStringLiteral("mnvCalendar"));
+    mnvCalendar->setAccessibleName(QStringLiteral("Календарь"));
+
+    QLabel* Label1 = forms::MakeLabel(
+        QStringLiteral("Label1"),
+        QStringLiteral("Выберите дату на элементе слева. Если за этой датой закреплены какие-либо события, "
+                       "то они будут отражены в таблице снизу. Чтобы отредактировать имеющееся или добавить "
+                       "новое событие, щелкните правой кнопкой на таблице снизу."),
+        surface);
+    Label1->setWordWrap(true);
+    Label1->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    Label1->setBuddy(mnvCalendar);
+    // The hint fills the row up to the width of the table, but stays readable beside a calendar of large
+    // letters.
+    constexpr int LeastLetters = 24;
+    constexpr int Gap = 9;
+    const int room = forms::ToPixels(GridWidth) - mnvCalendar->sizeHint().width() - Gap;
+    const int width = std::max(room, Label1->fontMetrics().averageCharWidth() * LeastLetters);
+    Label1->setFixedWidth(width);
+    Label1->setMinimumHeight(Label1->heightForWidth(width));
+
+    gridEvent = forms::Named(new forms::FlexGrid(2, 3, surface), QStringLiteral("gridEvent"));
+    gridEvent->setAccessibleName(QStringLiteral("События выбранного дня"));
+    gridEvent->setFixedWidth(forms::ToPixels(GridWidth));
+    gridEvent->setMinimumHeight(gridEvent->fontMetrics().height() * 11);
+
+    auto* layout = new QGridLayout(surface);
+    layout->setSpacing(Gap);
+    layout->addWidget(mnvCalendar, 0, 0, Qt::AlignTop);
+    layout->addWidget(Label1, 0, 1, Qt::AlignTop);
+    layout->addWidget(gridEvent, 1, 0, 1, 2, Qt::AlignHCenter);
+
+    SetGridHeader();
+    On(mnvCalendar, &forms::MonthView::SelChange, [this] { Refresh(); });
+    On(mnvCalendar, &forms::MonthView::MouseUp, [this] { Refresh(); });
+    On(gridEvent, &forms::FlexGrid::ContextMenuRequested,
+       [](QPoint position) { forms::PopupMenu(QStringLiteral("mnuCalendar"), position); });
+}
+
+void frmCalendar::Form_Activate() {
+    mnvCalendar->SetValue(runtime::Today());
+    Refresh();
+}
+
+void frmCalendar::Refresh() {
+    FillDaysBold();
+    FillGrid();
+}
+
+void frmCalendar::FillDaysBold() {
+    try {
+        MarkDaysOfMonth();
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmCalendar функция FillDaysBold:"), failure);
+    }
+}
+
+void frmCalendar::MarkDaysOfMonth() {
+    const int year = mnvCalendar->Year();
+    const int month = mnvCalendar->Month();
+    const QDate first(year, month, 1);
+    for (QDate day = first; day.month() == month; day = day.addDays(1))
+        mnvCalendar->SetDayBold(day, false);
+
+    engine::Recordset births = OpenBirthdays();
+    engine::Recordset events =
+        gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM a03"), engine::dbOpenDynaset);
+
+    // A text that is no date and a day that the shown year lacks mark nothing.
+    ForEachDateText(births, u"a01bith", [&](const QString& text) {
+        const auto birth = runtime::TryTextToDate(text);
+        if (birth && birth->date().month() == month)
+            mnvCalendar->SetDayBold(QDate(year, month, birth->date().day()), true);
+    });
+    const auto markEvent = [&, period = events.Fields(u"a03evpr")](const QString& text) {
+        const auto time = runtime::TryTextToDate(text);
+        if (!time || time->date().month() != month)
+            return;
+        if (FallsInYear(time->date().year(), Periodicity(period.Value().Long()), year))
+            mnvCalendar->SetDayBold(QDate(year, month, time->date().day()), true);
+    };
+    ForEachDateText(events, u"a03evdt", markEvent);
+}
+
+void frmCalendar::SetGridHeader() {
+    const int columns = gridEvent->Cols() - 1;
+    const int width = static_cast<int>(runtime::RoundHalfEven((GridWidth - 350.0) / columns));
+    gridEvent->SetColWidth(ColId, 0);
+    for (int column = 1; column <= columns; ++column)
+        gridEvent->SetColWidth(column, width);
+    gridEvent->SetTextMatrix(0, ColId, u"ИД события");
+    gridEvent->SetTextMatrix(0, ColName, u"Название");
+    gridEvent->SetTextMatrix(0, ColKind, u"Событие");
+}
+
+void frmCalendar::FillGrid() {
+    try {
+        ListDay();
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmCalendar функция FillGrid:"), failure);
+    }
+}
+
+void frmCalendar::ListDay() {
+    engine::Recordset births = OpenBirthdays();
+    engine::Recordset events =
+        gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM a03 ORDER BY a03evnm"), engine::dbOpenDynaset);
+    const forms::FlexGrid::Filling filling(*gridEvent);
+    gridEvent->Clear();
+    gridEvent->SetRows(2);
+    SetGridHeader();
+
+    runtime::Int16 row; // the first match fills the blank row
+    const auto putRow = [&](const QString& id, const QString& name, QStringView kind) {
+        ++row;
+        if (row > 1)
+            gridEvent->SetRows(gridEvent->Rows() + 1);
+        gridEvent->SetTextMatrix(row, ColId, id);
+        gridEvent->SetTextMatrix(row, ColName, name);
+        gridEvent->SetTextMatrix(row, ColKind, kind);
+    };
+
+    const QDate shown = mnvCalendar->Value();
+    ForEachDateText(births, u"a01bith", [&](const QString& text) {
+        const QDate birth = runtime::TextToDate(text).date();
+        if (birth.day() != shown.day() || birth.month() != shown.month())
+            return;
+        const QString name = births.Fields(u"a01last").Text() + u' ' + births.Fields(u"a01frst").Text() +
+                             u' ' + births.Fields(u"a01midl").Text();
+        putRow(QString::number(NoEvent), name, u"День рожденья");
+    });
+    ForEachDateText(events, u"a03evdt", [&](const QString& text) {
+        const QDate date = runtime::TextToDate(text).date();
+        const auto periodicity = Periodicity(events.Fields(u"a03evpr").Value().Long());
+        if (date.day() != shown.day() || date.month() != shown.month() ||
+            !FallsInYear(date.year(), periodicity, shown.year()))
+            return;
+        putRow(events.Fields(u"a03evid").Text(), events.Fields(u"a03evnm").Text(),
+               periodicity == Periodicity::OneOff ? u"Разовое" : u"Периодическое");
+    });
+}
+
+void frmCalendar::EditEvent(int nType) {
+    if (nType != 0) {
+        General::ShowEventDialog(QStringLiteral("Добавление события"), mnvCalendar->Value(), NoEvent);
+    } else {
+        const QString id = gridEvent->TextMatrix(gridEvent->Row(), ColId);
+        if (!id.isEmpty() && runtime::TextToLong(id) > NoEvent) {
+            General::ShowEventDialog(QStringLiteral("Редактирование события"), mnvCalendar->Value(),
+                                     runtime::TextToLong(id));
+        }
+    }
+    Refresh();
+}
+
+void frmCalendar::DeleteEvent() {
+    try {
+        const QString id = gridEvent->TextMatrix(gridEvent->Row(), ColId);
+        if (id.isEmpty() || runtime::TextToLong(id) <= NoEvent)
+            return;
+        if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить это событие?")))
+            return;
+        gDatabase->Execute(QStringLiteral("DELETE FROM a03 WHERE a03evid = ") + id, engine::dbFailOnError);
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmCalendar функция DeleteEvent:"), failure);
+        return;
+    }
+    Refresh();
+}

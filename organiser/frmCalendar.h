@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/forms/Form.h"
+
+namespace forms {
+class FlexGrid;
+class MonthView;
+} // namespace forms
+
+/// The organiser: a month with bold days, and a table of what falls on the selected one. Both are built anew
+/// from the database at every refresh.
+class frmCalendar : public forms::Form {
+    Q_OBJECT
+
+public:
+    frmCalendar();
+
+    /// Adds an event on the selected date, or, with 0, changes the event of the table's current row.
+    Q_INVOKABLE void EditEvent(int nType);
+    /// Deletes the event of the table's current row after asking.
+    Q_INVOKABLE void DeleteEvent();
+
+protected:
+    void CreateControls(QWidget* surface) override;
+    void Form_Activate() override;
+
+private:
+    void FillDaysBold();
+    void FillGrid();
+    void SetGridHeader();
+    void Refresh();
+    void MarkDaysOfMonth();
+    void ListDay();
+
+    forms::MonthView* mnvCalendar = nullptr;
+    forms::FlexGrid* gridEvent = nullptr;
+};

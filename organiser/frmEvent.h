@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/forms/Form.h"
+
+#include <QDate>
+
+class QLineEdit;
+class QRadioButton;
+
+namespace forms {
+class DTPicker;
+}
+
+/// The dialog of one event. Its Tag tells what to do: -1 a new event, else the number of the event to change.
+class frmEvent : public forms::Form {
+    Q_OBJECT
+
+public:
+    frmEvent();
+
+    void SetEventDate(QDate date);
+
+protected:
+    void CreateControls(QWidget* surface) override;
+    void Form_Activate() override;
+
+private:
+    void cmdSaveEvent_Click();
+    void cmdCancelEvent_Click();
+    void LoadEvent();
+    void SaveEvent();
+
+    forms::DTPicker* dtpEventDate = nullptr;
+    QLineEdit* txtEventName = nullptr;
+    QRadioButton* optEventPeriod[2] = {};
+};

@@ -1,0 +1,144 @@
+#pragma once
+
+#include "platform/engine/Catalog.h"
+#include "platform/engine/Counters.h"
+#include "platform/engine/KeyIndexes.h"
+#include "platform/engine/Transactions.h"
+#include "platform/engine/sql/Plan.h"
+
+#include <QHash>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <unordered_set>
+
+namespace runtime {
+class OpenDatabaseFile;
+}
+
+namespace engine {
+
+class RecordsetImpl;
+
+/// A translated statement and what SQLite has compiled of it so far.
+struct CachedPlan {
+    sql::Plan plan;
+    Statement text;
+    Statement ignoreText;
+    Statement keyedText;
+    Statement keyedIgnoreText;
+    Statement keyedRowText;
+    Statement rowText;
+    std::uint64_t lastUse = 0;
+};
+
+/// A plan together with the literals of the text at hand.
+struct BoundPlan {
+    std::shared_ptr<CachedPlan> cached;
+    sql::Scanned scanned;
+};
+
+/// One open database file: the SQLite connection, the cache of statements, and what the layer knows of the
+/// file. Everything but the constructor's parts may throw runtime::Failure with the engine's numbers.
+class Connection {
+public:
+    /// Opens and checks an existing file; failures as Workspace::OpenDatabase.
+    explicit Connection(const QString& path);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    const QString& Path() const { return m_path; }
+    bool IsOpen() const { return m_db != nullptr; }
+    /// Failure 3420 if it is closed.
+    void CheckOpen() const;
+    /// Makes pending statements durable and closes; what BeginTrans has begun is taken back. If the pending
+    /// statements are lost, raises the failure and stays open; a second call closes.
+    void Close();
+
+    void Execute(const QString& text, bool failOnError);
+    int RecordsAffected() const { return m_affected; }
+    std::shared_ptr<RecordsetImpl> OpenRecordset(const QString& text);
+
+    /// The tables as they are now.
+    const FileCatalog& Tables();
+    void SetAllowZeroLength(const QString& table, const QString& column, bool allow);
+
+    Transactions& Commits() { return *m_commits; }
+
+    // What an open result set needs.
+
+    /// Grows with every change that this connection has made or has noticed: of one table, or of any if the
+    /// name is empty.
+    std::uint64_t ChangeCount(const QString& table);
+    void Register(RecordsetImpl* set) { m_sets.insert(set); }
+    void Unregister(RecordsetImpl* set) noexcept { m_sets.erase(set); }
+    /// Compiles the text if that is not done yet.
+    void Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime) const;
+    [[noreturn]] void RaiseRead(int code) const;
+    /// Binds parameters, converted to their columns; `values` keeps what is bound.
+    static void Bind(Statement& statement, int firstPlace, const std::vector<sql::Parameter>& parameters,
+                     const std::vector<Value>& literals, std::vector<Value>& values);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void Configure();
+    void CheckSound();
+    BoundPlan PlanOf(const QString& text, sql::Purpose purpose);
+    std::vector<sql::Heading> ReadHeadings(const BoundPlan& bound) const;
+    void EvictPlan(QHash<QString, std::shared_ptr<CachedPlan>>& plans) const;
+    /// The row numbers that an action or a query can be held to; none: the plain text.
+    std::optional<KeyIndexes::Rows> Candidates(const BoundPlan& bound);
+
+    void Run(const BoundPlan& bound, bool failOnError);
+    void RunAction(const BoundPlan& bound, bool failOnError);
+    void RunSelectInto(const BoundPlan& bound);
+    void RunSchema(const sql::SchemaChange& change);
+    template <class Work>
+    void ChangeSchema(const QString& table, Work work);
+    /// Runs an action statement to its end; the SQLite code.
+    int StepAction(Statement& statement, const sql::Plan& plan);
+    /// Binds an action's values. What cannot be converted is NULL without failOnError; with it an INSERT
+    /// raises, and an UPDATE keeps the failure in `refused` and binds what its column refuses. False: the one
+    /// row is left out.
+    bool BindAction(Statement& statement, const BoundPlan& bound, bool failOnError,
+                    std::vector<Value>& values, std::optional<runtime::Failure>& refused) const;
+    void NoteUpheaval() noexcept;
+    void NoteInsert(const sql::Plan& plan, int code);
+
+    /// Looks whether another program has changed the file, at most every so often unless `now`. True if the
+    /// schema has changed.
+    bool NoticeOthers(bool now);
+    std::int64_t ReadNumber(Statement& statement, QStringView pragma) const;
+    void DropPlans() noexcept;
+    void Undone() noexcept;
+    std::shared_ptr<RecordsetImpl> Read(const BoundPlan& bound);
+    void Shut() noexcept;
+
+    QString m_path; ///< as it was given
+    std::unique_ptr<runtime::OpenDatabaseFile> m_registered;
+    sqlite3* m_db = nullptr;
+    bool m_readOnly = false;
+    std::unique_ptr<FileCatalog> m_catalog;
+    std::unique_ptr<Counters> m_counters;
+    std::unique_ptr<KeyIndexes> m_keys;
+    std::unique_ptr<Transactions> m_commits;
+    QHash<QString, std::shared_ptr<CachedPlan>> m_queries;
+    QHash<QString, std::shared_ptr<CachedPlan>> m_actions;
+    std::uint64_t m_useCount = 0;
+    std::unordered_set<RecordsetImpl*> m_sets;
+    int m_affected = 0;
+
+    std::uint64_t m_changes = 0; ///< of everything
+    QHash<QString, std::uint64_t> m_tableChanges;
+    std::uint64_t m_upheavals = 0; ///< changes that may concern any table
+    Clock::time_point m_lastLook;
+    Statement m_dataVersion;
+    Statement m_schemaVersion;
+    std::int64_t m_seenData = -1;
+    std::int64_t m_seenSchema = -1;
+};
+
+} // namespace engine

@@ -1,0 +1,215 @@
+#include "platform/engine/RowBuffer.h"
+
+#include "platform/engine/EngineError.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace engine {
+
+namespace {
+
+// The three low bits of a cell's first unit tell the form, the others hold a small number or a short length.
+enum Form : char16_t { FormNull, FormSmall, FormInteger, FormReal, FormShortText, FormLongText, FormBytes };
+
+constexpr std::size_t blockUnits = std::size_t{1} << 18; // half a megabyte
+constexpr std::size_t maxUnits = std::size_t{1} << 29;   // one gigabyte
+constexpr std::size_t numberUnits = sizeof(std::int64_t) / sizeof(char16_t);
+constexpr std::size_t lengthUnits = 2;
+constexpr std::int64_t smallLimit = 4096;
+constexpr std::size_t shortLimit = 8192;
+
+bool IsSmall(std::int64_t number) {
+    return number >= -smallLimit && number < smallLimit;
+}
+
+std::size_t UnitsOf(std::int64_t number) {
+    return IsSmall(number) ? 1 : 1 + numberUnits;
+}
+
+std::size_t UnitsOf(sqlite3_stmt* row, int column) {
+    switch (sqlite3_column_type(row, column)) {
+    case SQLITE_INTEGER:
+        return UnitsOf(std::int64_t{sqlite3_column_int64(row, column)});
+    case SQLITE_FLOAT:
+        return 1 + numberUnits;
+    case SQLITE_TEXT: {
+        if (sqlite3_column_text16(row, column) == nullptr)
+            throw std::bad_alloc();
+        const auto size = static_cast<std::size_t>(sqlite3_column_bytes16(row, column)) / 2;
+        return 1 + size + (size < shortLimit ? 0 : lengthUnits);
+    }
+    case SQLITE_BLOB:
+        return 1 + lengthUnits + (static_cast<std::size_t>(sqlite3_column_bytes(row, column)) + 1) / 2;
+    default:
+        return 1;
+    }
+}
+
+char16_t* PutLength(char16_t* to, std::size_t length) {
+    to[0] = static_cast<char16_t>(length & 0xffff);
+    to[1] = static_cast<char16_t>(length >> 16);
+    return to + lengthUnits;
+}
+
+std::size_t GetLength(const char16_t* from) {
+    return from[0] | (static_cast<std::size_t>(from[1]) << 16);
+}
+
+char16_t* Put(char16_t* to, std::int64_t number) {
+    if (IsSmall(number)) {
+        *to = static_cast<char16_t>((static_cast<std::uint16_t>(number + smallLimit) << 3) | FormSmall);
+        return to + 1;
+    }
+    *to++ = FormInteger;
+    std::memcpy(to, &number, sizeof number);
+    return to + numberUnits;
+}
+
+char16_t* Put(char16_t* to, sqlite3_stmt* row, int column) {
+    switch (sqlite3_column_type(row, column)) {
+    case SQLITE_INTEGER:
+        return Put(to, std::int64_t{sqlite3_column_int64(row, column)});
+    case SQLITE_FLOAT: {
+        const double number = sqlite3_column_double(row, column);
+        *to++ = FormReal;
+        std::memcpy(to, &number, sizeof number);
+        return to + numberUnits;
+    }
+    case SQLITE_TEXT: {
+        const void* text = sqlite3_column_text16(row, column);
+        const auto size = static_cast<std::size_t>(sqlite3_column_bytes16(row, column)) / 2;
+        if (size < shortLimit) {
+            *to++ = static_cast<char16_t>((size << 3) | FormShortText);
+        } else {
+            *to++ = FormLongText;
+            to = PutLength(to, size);
+        }
+        std::memcpy(to, text, size * 2);
+        return to + size;
+    }
+    case SQLITE_BLOB: {
+        const void* bytes = sqlite3_column_blob(row, column);
+        const auto size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
+        *to++ = FormBytes;
+        to = PutLength(to, size);
+        if (size > 0)
+            std::memcpy(to, bytes, size);
+        return to + (size + 1) / 2;
+    }
+    default:
+        *to++ = FormNull;
+        return to;
+    }
+}
+
+const char16_t* Skip(const char16_t* cell) {
+    switch (*cell & 7) {
+    case FormInteger:
+    case FormReal:
+        return cell + 1 + numberUnits;
+    case FormShortText:
+        return cell + 1 + (*cell >> 3);
+    case FormLongText:
+        return cell + 1 + lengthUnits + GetLength(cell + 1);
+    case FormBytes:
+        return cell + 1 + lengthUnits + (GetLength(cell + 1) + 1) / 2;
+    default:
+        return cell + 1;
+    }
+}
+
+RowBuffer::Cell Read(const char16_t* cell) {
+    RowBuffer::Cell read;
+    switch (*cell & 7) {
+    case FormSmall:
+        read.kind = RowBuffer::Cell::Integer;
+        read.integer = (*cell >> 3) - smallLimit;
+        break;
+    case FormInteger:
+        read.kind = RowBuffer::Cell::Integer;
+        std::memcpy(&read.integer, cell + 1, sizeof read.integer);
+        break;
+    case FormReal:
+        read.kind = RowBuffer::Cell::Real;
+        std::memcpy(&read.real, cell + 1, sizeof read.real);
+        break;
+    case FormShortText:
+        read.kind = RowBuffer::Cell::Text;
+        read.text = QStringView(cell + 1, *cell >> 3);
+        break;
+    case FormLongText:
+        read.kind = RowBuffer::Cell::Text;
+        read.text = QStringView(cell + 1 + lengthUnits, static_cast<qsizetype>(GetLength(cell + 1)));
+        break;
+    case FormBytes:
+        read.kind = RowBuffer::Cell::Bytes;
+        read.bytes = QByteArrayView(reinterpret_cast<const char*>(cell + 1 + lengthUnits),
+                                    static_cast<qsizetype>(GetLength(cell + 1)));
+        break;
+    default:
+        break;
+    }
+    return read;
+}
+
+} // namespace
+
+void RowBuffer::Add(const Statement& row) {
+    m_rows.push_back(nullptr);
+    m_rows.back() = Store(row, nullptr);
+}
+
+void RowBuffer::Replace(std::size_t place, const Statement& row, std::int64_t rowNumber) {
+    m_rows[place] = Store(row, &rowNumber);
+}
+
+const char16_t* RowBuffer::Store(const Statement& row, const std::int64_t* rowNumber) {
+    const int columns = row.ColumnCount();
+    std::size_t units = rowNumber == nullptr ? 0 : UnitsOf(*rowNumber);
+    for (int column = 0; column < columns; ++column)
+        units += UnitsOf(row.Handle(), column);
+    char16_t* start = Reserve(units);
+    char16_t* to = start;
+    for (int column = 0; column < columns; ++column)
+        to = Put(to, row.Handle(), column);
+    if (rowNumber != nullptr)
+        Put(to, *rowNumber);
+    return start;
+}
+
+char16_t* RowBuffer::Reserve(std::size_t units) {
+    if (m_units + units > maxUnits)
+        RaiseEngine(ResourcesExceeded);
+    if (units > m_left) {
+        // Small results take small blocks: most sets hold a few rows.
+        const std::size_t size = std::max(units, std::min(blockUnits, std::max<std::size_t>(m_units, 256)));
+        m_blocks.push_back(std::make_unique_for_overwrite<char16_t[]>(size));
+        m_free = m_blocks.back().get();
+        m_left = size;
+    }
+    char16_t* start = m_free;
+    m_free += units;
+    m_left -= units;
+    m_units += units;
+    return start;
+}
+
+RowBuffer::Cell RowBuffer::At(std::size_t place, int column) const {
+    const char16_t* cell = m_rows[place];
+    for (int skipped = 0; skipped < column; ++skipped)
+        cell = Skip(cell);
+    return Read(cell);
+}
+
+void RowBuffer::Clear() noexcept {
+    std::vector<const char16_t*>().swap(m_rows);
+    std::vector<std::unique_ptr<char16_t[]>>().swap(m_blocks);
+    m_free = nullptr;
+    m_left = 0;
+    m_units = 0;
+}
+
+} // namespace engine

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/engine/Statement.h"
+
+#include <memory>
+#include <vector>
+
+namespace engine {
+
+/// The rows of a result set, read to the end when it is opened, so that no lock stays. Near to the size of
+/// the texts: cells stand one behind the other in blocks of 16-bit units, each with a unit in front that
+/// tells its kind.
+class RowBuffer {
+public:
+    struct Cell {
+        enum Kind { Null, Integer, Real, Text, Bytes } kind = Null;
+        std::int64_t integer = 0;
+        double real = 0;
+        QStringView text;     ///< into the buffer
+        QByteArrayView bytes; ///< into the buffer
+    };
+
+    /// Copies the row on which the statement stands. Failure 3035 above the limit.
+    void Add(const Statement& row);
+    /// Puts a row that was read again in the place of the old one; `rowNumber` becomes its last cell.
+    void Replace(std::size_t place, const Statement& row, std::int64_t rowNumber);
+    void Remove(std::size_t place) { m_rows[place] = nullptr; }
+
+    std::size_t Rows() const { return m_rows.size(); }
+    bool IsRemoved(std::size_t place) const { return m_rows[place] == nullptr; }
+    Cell At(std::size_t place, int column) const;
+    void Clear() noexcept;
+
+private:
+    /// Copies the row, and the number as one more cell if there is one.
+    const char16_t* Store(const Statement& row, const std::int64_t* rowNumber);
+    char16_t* Reserve(std::size_t units);
+
+    std::vector<const char16_t*> m_rows;
+    std::vector<std::unique_ptr<char16_t[]>> m_blocks;
+    std::size_t m_left = 0; ///< units left in the last block
+    char16_t* m_free = nullptr;
+    std::size_t m_units = 0; ///< taken in all
+};
+
+} // namespace engine

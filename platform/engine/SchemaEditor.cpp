@@ -1,0 +1,284 @@
+#include "platform/engine/SchemaEditor.h"
+
+#include "platform/engine/EngineError.h"
+#include "platform/engine/SqliteFailure.h"
+#include "platform/engine/Statement.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+
+namespace engine {
+
+namespace {
+
+constexpr int maxColumns = 255;
+constexpr int maxTextSize = 255;
+
+bool SameName(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+bool IsIndexed(const sql::TableInfo& table, const QString& column) {
+    return std::ranges::any_of(table.indexes, [&](const sql::IndexInfo& index) {
+        return index.columns.contains(column, Qt::CaseInsensitive);
+    });
+}
+
+QStringList SameColumns(const sql::TableInfo& table) {
+    QStringList sources;
+    for (const auto& column : table.columns)
+        sources += QuoteName(column.name);
+    return sources;
+}
+
+void CheckColumn(const sql::ColumnInfo& column) {
+    if (column.type == DataType::Text && (column.size < 1 || column.size > maxTextSize))
+        RaiseEngine(ColumnTooWide, column.name);
+}
+
+// Rows that are there already are not looked at when a rule is added.
+class RowsUnchecked {
+public:
+    explicit RowsUnchecked(sqlite3* db)
+        : m_db(db) {
+        Set("PRAGMA ignore_check_constraints = ON");
+    }
+    ~RowsUnchecked() { Set("PRAGMA ignore_check_constraints = OFF"); }
+    RowsUnchecked(const RowsUnchecked&) = delete;
+    RowsUnchecked& operator=(const RowsUnchecked&) = delete;
+
+private:
+    void Set(const char* pragma) { sqlite3_exec(m_db, pragma, nullptr, nullptr, nullptr); }
+    sqlite3* m_db;
+};
+
+} // namespace
+
+SchemaEditor::SchemaEditor(sqlite3* db, QString path, const FileCatalog& catalog, Counters& counters)
+    : m_db(db)
+    , m_path(std::move(path))
+    , m_catalog(catalog)
+    , m_counters(counters) {
+}
+
+void SchemaEditor::Run(const QString& text) {
+    Statement statement;
+    int code = statement.Prepare(m_db, text);
+    if (code == SQLITE_OK)
+        code = statement.Step();
+    if (code != SQLITE_DONE)
+        throw FailureFrom(m_db, code, Doing::Define, m_path, m_table);
+}
+
+const Layout& SchemaEditor::LayoutOf(const QString& table, int missingNumber) const {
+    const Layout* layout = m_catalog.FindLayout(table);
+    if (layout == nullptr)
+        RaiseEngine(missingNumber, table);
+    return *layout;
+}
+
+void SchemaEditor::Apply(const sql::SchemaChange& change) {
+    m_table = change.table.name;
+    switch (change.kind) {
+    case sql::SchemaChange::CreateTable:
+        return CreateTable(change.table);
+    case sql::SchemaChange::DropTable:
+        return DropTable(change.table.name);
+    case sql::SchemaChange::AddColumn:
+        return AddColumn(change.table.name, change.column);
+    case sql::SchemaChange::DropColumn:
+        return DropColumn(change.table.name, change.column.name);
+    case sql::SchemaChange::AlterColumn:
+        return AlterColumn(change.table.name, change.column);
+    case sql::SchemaChange::CreateIndex:
+        return CreateIndex(change.table.name, change.index);
+    case sql::SchemaChange::DropIndex:
+        return DropIndex(change.table.name, change.index.name);
+    }
+}
+
+void SchemaEditor::CreateTable(const sql::TableInfo& table) {
+    m_table = table.name;
+    if (m_catalog.FindLayout(table.name) != nullptr)
+        RaiseEngine(TableExists, table.name);
+    if (table.columns.size() > maxColumns)
+        RaiseEngine(SyntaxInCreateTable);
+    for (auto column = table.columns.begin(); column != table.columns.end(); ++column) {
+        CheckColumn(*column);
+        if (std::any_of(table.columns.begin(), column,
+                        [&](const auto& other) { return SameName(other.name, column->name); }))
+            RaiseEngine(ColumnDefinedTwice);
+    }
+    if (std::ranges::count(table.columns, DataType::Counter, &sql::ColumnInfo::type) > 1)
+        RaiseEngine(SyntaxInColumnDefinition);
+    if (std::ranges::count_if(table.indexes, &sql::IndexInfo::primary) > 1)
+        RaiseEngine(PrimaryKeyExists);
+
+    Layout layout(table);
+    for (const auto& index : table.indexes)
+        for (const QString& name : index.columns)
+            if (layout.info.Find(name) < 0)
+                RaiseEngine(ColumnNotFound, table.name, name);
+    m_counters.Forget(table.name);
+    Run(CreateTableText(layout, table.name));
+    for (int place = 0; auto& index : layout.info.indexes) {
+        ++place;
+        if (index.primary)
+            continue;
+        if (index.name.isEmpty())
+            index.name = QStringLiteral("Index%1").arg(place);
+        Run(CreateIndexText(layout.info, index));
+    }
+}
+
+void SchemaEditor::DropTable(const QString& name) {
+    const Layout& layout = LayoutOf(name, TableNotFound);
+    m_counters.Forget(layout.info.name);
+    Run(QStringLiteral("DROP TABLE ") + QuoteName(layout.info.name));
+}
+
+void SchemaEditor::AddColumn(const QString& name, const sql::ColumnInfo& column) {
+    const Layout& layout = LayoutOf(name, TableOrConstraintNotFound);
+    CheckColumn(column);
+    if (layout.info.Find(column.name) >= 0)
+        RaiseEngine(ColumnExists, layout.info.name, column.name);
+    if (layout.info.columns.size() >= maxColumns)
+        RaiseEngine(SyntaxInAlterTable);
+    Layout changed = layout;
+    changed.info.columns.push_back(column);
+    changed.requiredLater.push_back(column.required);
+    if (column.type == DataType::Counter && layout.CounterColumn() >= 0)
+        RaiseEngine(SyntaxInColumnDefinition);
+    const bool plain = !column.unique && !column.required && column.type != DataType::Counter;
+    if (plain) {
+        const int place = static_cast<int>(changed.info.columns.size()) - 1;
+        Run(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2")
+                .arg(QuoteName(layout.info.name), ColumnText(changed, place)));
+        return;
+    }
+    Rebuild(layout, changed, SameColumns(layout.info) << QStringLiteral("NULL"));
+}
+
+void SchemaEditor::DropColumn(const QString& name, const QString& column) {
+    const Layout& layout = LayoutOf(name, TableOrConstraintNotFound);
+    const int place = layout.info.Find(column);
+    if (place < 0)
+        RaiseEngine(ColumnNotFound, layout.info.name, column);
+    if (IsIndexed(layout.info, column))
+        RaiseEngine(ColumnInIndex);
+    if (layout.info.columns.size() == 1)
+        RaiseEngine(SyntaxInAlterTable);
+    Layout changed = layout;
+    changed.info.columns.erase(changed.info.columns.begin() + place);
+    changed.requiredLater.erase(changed.requiredLater.begin() + place);
+    Rebuild(layout, changed, SameColumns(changed.info));
+}
+
+void SchemaEditor::AlterColumn(const QString& name, const sql::ColumnInfo& column) {
+    const Layout& layout = LayoutOf(name, TableOrConstraintNotFound);
+    CheckColumn(column);
+    const int place = layout.info.Find(column.name);
+    if (place < 0)
+        RaiseEngine(ColumnNotFound, layout.info.name, column.name);
+    const auto at = static_cast<std::size_t>(place);
+    const bool otherCounter = layout.CounterColumn() >= 0 && layout.CounterColumn() != place;
+    if (column.type == DataType::Counter && otherCounter)
+        RaiseEngine(SyntaxInColumnDefinition);
+    Layout changed = layout;
+    const sql::ColumnInfo& old = layout.info.columns[at];
+    changed.info.columns[at] = column;
+    changed.info.columns[at].name = old.name;
+    changed.info.columns[at].unique = old.unique || column.unique;
+    changed.info.columns[at].allowZeroLength = old.allowZeroLength || column.allowZeroLength;
+    changed.requiredLater[at] = column.required;
+    QStringList sources = SameColumns(layout.info);
+    QString message = layout.info.name + u'.' + old.name;
+    sources[place] = QStringLiteral("zv_to(%1, %2, '%3', %4)")
+                         .arg(static_cast<int>(column.type))
+                         .arg(column.size)
+                         .arg(message.replace(u'\'', QLatin1String("''")), QuoteName(old.name));
+    Rebuild(layout, changed, sources);
+}
+
+void SchemaEditor::CreateIndex(const QString& name, const sql::IndexInfo& index) {
+    const Layout& layout = LayoutOf(name, UnknownTable);
+    const bool exists = std::ranges::any_of(
+        layout.info.indexes, [&](const auto& other) { return SameName(other.name, index.name); });
+    if (exists && !index.name.isEmpty())
+        RaiseEngine(IndexExistsInTable, layout.info.name, index.name);
+    for (const QString& column : index.columns)
+        if (layout.info.Find(column) < 0)
+            RaiseEngine(ColumnNotFound, layout.info.name, column);
+    if (!index.primary && !index.disallowNull)
+        return Run(CreateIndexText(layout.info, index));
+    if (index.primary && std::ranges::any_of(layout.info.indexes, &sql::IndexInfo::primary))
+        RaiseEngine(PrimaryKeyExists);
+    Layout changed = layout;
+    auto& indexes = changed.info.indexes;
+    indexes.insert(index.primary ? indexes.begin() : indexes.end(), index);
+    for (const QString& column : index.columns) {
+        const auto place = static_cast<std::size_t>(layout.info.Find(column));
+        if (index.disallowNull && !layout.info.columns[place].required) {
+            changed.info.columns[place].required = true;
+            changed.requiredLater[place] = true;
+        }
+    }
+    Rebuild(layout, changed, SameColumns(layout.info));
+}
+
+void SchemaEditor::DropIndex(const QString& name, const QString& index) {
+    const Layout& layout = LayoutOf(name, UnknownTable);
+    const auto found = std::ranges::find_if(layout.info.indexes,
+                                            [&](const auto& other) { return SameName(other.name, index); });
+    if (found == layout.info.indexes.end())
+        RaiseEngine(IndexNotFound, layout.info.name, index);
+    Layout changed = layout;
+    changed.info.indexes.erase(changed.info.indexes.begin() + (found - layout.info.indexes.begin()));
+    Rebuild(layout, changed, SameColumns(layout.info));
+}
+
+bool SchemaEditor::IsEmpty(const QString& table) const {
+    Statement any;
+    return any.Prepare(m_db, QStringLiteral("SELECT 1 FROM ") + QuoteName(table) + QStringLiteral(" LIMIT 1")) ==
+               SQLITE_OK &&
+           any.Step() == SQLITE_DONE;
+}
+
+void SchemaEditor::Rebuild(const Layout& old, const Layout& changed, const QStringList& sources) {
+    const QString name = old.info.name;
+    const std::int64_t last = old.CounterColumn() >= 0 ? m_counters.Last(name) : 0;
+    const QString dropOld = QStringLiteral("DROP TABLE ") + QuoteName(name);
+    if (IsEmpty(name)) {
+        Run(dropOld);
+        Run(CreateTableText(changed, name));
+    } else {
+        const QString fresh = FileIndexName(name, QStringLiteral("new")); // holds a point, so no table bears it
+        Run(CreateTableText(changed, fresh));
+        {
+            const RowsUnchecked unchecked(m_db);
+            Run(QStringLiteral("INSERT INTO %1 SELECT %2 FROM %3 ORDER BY rowid")
+                    .arg(QuoteName(fresh), sources.join(QLatin1String(", ")), QuoteName(name)));
+        }
+        Run(dropOld);
+        Run(QStringLiteral("ALTER TABLE %1 RENAME TO %2").arg(QuoteName(fresh), QuoteName(name)));
+    }
+    for (const auto& index : changed.info.indexes)
+        if (!index.primary)
+            Run(CreateIndexText(changed.info, index));
+    if (changed.CounterColumn() >= 0 && last > m_counters.Last(name))
+        m_counters.SetLast(name, last);
+}
+
+void SchemaEditor::SetAllowZeroLength(const QString& table, const QString& column, bool allow) {
+    const Layout& layout = LayoutOf(table, ItemNotFound);
+    m_table = layout.info.name;
+    const int place = layout.info.Find(column);
+    if (place < 0)
+        RaiseEngine(ItemNotFound);
+    Layout changed = layout;
+    changed.info.columns[static_cast<std::size_t>(place)].allowZeroLength = allow;
+    Rebuild(layout, changed, SameColumns(layout.info));
+}
+
+} // namespace engine

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/engine/Catalog.h"
+#include "platform/engine/Counters.h"
+
+namespace engine {
+
+/// Carries out schema statements. Whatever SQLite's own ALTER TABLE cannot do is done by making the table
+/// anew from its changed definition. The caller holds the write lock and a savepoint: after a failure it
+/// takes all back.
+class SchemaEditor {
+public:
+    SchemaEditor(sqlite3* db, QString path, const FileCatalog& catalog, Counters& counters);
+
+    void Apply(const sql::SchemaChange& change);
+    /// Makes a table that must not exist; 3010 if it does.
+    void CreateTable(const sql::TableInfo& table);
+    void SetAllowZeroLength(const QString& table, const QString& column, bool allow);
+
+private:
+    void DropTable(const QString& name);
+    void AddColumn(const QString& name, const sql::ColumnInfo& column);
+    void DropColumn(const QString& name, const QString& column);
+    void AlterColumn(const QString& name, const sql::ColumnInfo& column);
+    void CreateIndex(const QString& name, const sql::IndexInfo& index);
+    void DropIndex(const QString& name, const QString& index);
+
+    const Layout& LayoutOf(const QString& table, int missingNumber) const;
+    /// Makes the table anew; `sources` tells for each new column the expression over the old one.
+    void Rebuild(const Layout& old, const Layout& changed, const QStringList& sources);
+    bool IsEmpty(const QString& table) const;
+    void Run(const QString& text);
+
+    sqlite3* m_db;
+    QString m_path;
+    const FileCatalog& m_catalog;
+    Counters& m_counters;
+    QString m_table; ///< the one at work, for messages
+};
+
+} // namespace engine

@@ -1,0 +1,173 @@
+#include "platform/engine/Transactions.h"
+
+#include <sqlite3.h>
+
+#include <utility>
+
+namespace engine {
+
+namespace {
+
+constexpr auto groupAge = std::chrono::milliseconds(50);
+constexpr int lockWait = 5000; // milliseconds
+
+QString LevelName(int level) {
+    return QStringLiteral("level%1").arg(level);
+}
+
+} // namespace
+
+Transactions::Transactions(sqlite3* db, QString path, std::function<void()> undone)
+    : m_db(db)
+    , m_path(std::move(path))
+    , m_undone(std::move(undone)) {
+    sqlite3_busy_timeout(m_db, lockWait);
+}
+
+int Transactions::Run(const QString& text) const {
+    return sqlite3_exec(m_db, text.toUtf8().constData(), nullptr, nullptr, nullptr);
+}
+
+runtime::Failure Transactions::FailureOfCode(int code) const {
+    return FailureFrom(m_db, code, Doing::Write, m_path);
+}
+
+void Transactions::BeginTrans() {
+    CommitGroup();
+    ++m_depth;
+}
+
+void Transactions::OpenLevels(Doing doing, const QString& table) {
+    while (m_openLevels < m_depth) {
+        const int level = m_openLevels + 1;
+        const int code = Run(level == 1 ? QStringLiteral("BEGIN IMMEDIATE")
+                                        : QStringLiteral("SAVEPOINT ") + LevelName(level));
+        if (code != SQLITE_OK)
+            throw FailureFrom(m_db, code, doing, m_path, table);
+        m_openLevels = level;
+    }
+}
+
+void Transactions::CommitTrans() {
+    if (m_lost)
+        throw runtime::Failure(*m_lost);
+    if (m_openLevels == m_depth) {
+        const int code =
+            Run(m_depth == 1 ? QStringLiteral("COMMIT") : QStringLiteral("RELEASE ") + LevelName(m_depth));
+        if (code != SQLITE_OK) {
+            const auto failure = FailureOfCode(code);
+            StatementFailed(failure); // the level stays, for the caller to roll back
+            throw runtime::Failure(failure);
+        }
+        --m_openLevels;
+    }
+    --m_depth;
+}
+
+void Transactions::Rollback() {
+    if (m_openLevels == m_depth) {
+        if (m_depth == 1)
+            Run(QStringLiteral("ROLLBACK"));
+        else
+            Run(QStringLiteral("ROLLBACK TO %1; RELEASE %1").arg(LevelName(m_depth)));
+        --m_openLevels;
+        m_undone();
+    }
+    --m_depth;
+    if (m_depth == 0)
+        m_lost.reset();
+}
+
+bool Transactions::BeforeWrite(Doing doing, const QString& table) {
+    if (m_lost)
+        throw runtime::Failure(*m_lost);
+    const bool held = HoldsLock();
+    if (m_depth > 0) {
+        OpenLevels(doing, table);
+    } else if (!m_groupOpen) {
+        const int code = sqlite3_exec(m_db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+        if (code != SQLITE_OK)
+            throw FailureFrom(m_db, code, doing, m_path, table);
+        m_groupOpen = true;
+        m_groupStatements = 0;
+        m_groupStart = Clock::now();
+    }
+    return !held;
+}
+
+void Transactions::StatementDone() {
+    if (!m_groupOpen)
+        return;
+    ++m_groupStatements;
+    if (Clock::now() - m_groupStart >= groupAge)
+        CommitDueGroup();
+}
+
+void Transactions::StatementFailed(const runtime::Failure& failure) {
+    if (sqlite3_get_autocommit(m_db) == 0) {
+        if (m_groupOpen && m_groupStatements == 0) { // nothing to keep a lock for
+            m_groupOpen = false;
+            Run(QStringLiteral("ROLLBACK"));
+        }
+        return;
+    }
+    const bool lost = m_openLevels > 0 || (m_groupOpen && m_groupStatements > 0);
+    m_openLevels = 0;
+    m_groupOpen = false;
+    if (lost)
+        m_lost = failure;
+    m_undone();
+}
+
+// Somebody may be reading just now; then the group simply grows older.
+void Transactions::CommitDueGroup() {
+    sqlite3_busy_timeout(m_db, 0);
+    const int code = sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);
+    sqlite3_busy_timeout(m_db, lockWait);
+    if (code == SQLITE_OK)
+        m_groupOpen = false;
+    else if ((code & 0xff) != SQLITE_BUSY || sqlite3_get_autocommit(m_db) != 0)
+        LoseGroup(code, true);
+}
+
+void Transactions::CommitGroup() {
+    if (m_depth > 0)
+        return;
+    if (m_lost) {
+        const runtime::Failure failure = *std::exchange(m_lost, std::nullopt);
+        throw runtime::Failure(failure);
+    }
+    if (!m_groupOpen)
+        return;
+    const int code = sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        LoseGroup(code, false);
+    m_groupOpen = false;
+}
+
+void Transactions::LoseGroup(int code, bool remember) {
+    const auto failure = FailureOfCode(code);
+    if (sqlite3_get_autocommit(m_db) == 0)
+        Run(QStringLiteral("ROLLBACK"));
+    m_groupOpen = false;
+    if (remember)
+        m_lost = failure;
+    m_undone();
+    throw runtime::Failure(failure);
+}
+
+void Transactions::AcknowledgeLoss() noexcept {
+    if (m_depth == 0)
+        m_lost.reset();
+}
+
+void Transactions::Abandon() noexcept {
+    if (sqlite3_get_autocommit(m_db) == 0)
+        sqlite3_exec(m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    m_depth = 0;
+    m_openLevels = 0;
+    m_groupOpen = false;
+    m_lost.reset();
+}
+
+} // namespace engine

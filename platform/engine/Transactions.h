@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/engine/SqliteFailure.h"
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+namespace engine {
+
+/// When the changes of one connection become durable.
+///
+/// Inside BeginTrans every level is SQLite's transaction or a savepoint, opened at the first statement that
+/// writes. Outside, finished statements gather in a group, which is committed when the program comes to rest,
+/// and at the latest a short while after its first statement. A group that is lost is remembered until it has
+/// been raised, so that a routine which passes over failing statements cannot report success.
+class Transactions {
+public:
+    /// `undone` is called whenever finished statements have been taken back.
+    Transactions(sqlite3* db, QString path, std::function<void()> undone);
+
+    void BeginTrans(); ///< the level limit is the workspace's
+    void CommitTrans();
+    void Rollback();
+    int Depth() const { return m_depth; }
+
+    /// Makes sure that a statement may write: raises a remembered loss, opens the group or the levels. True
+    /// if the write lock has been taken by this call. `table` is for the message.
+    bool BeforeWrite(Doing doing, const QString& table);
+    void StatementDone();
+    /// Looks whether SQLite has taken back more than the statement that failed.
+    void StatementFailed(const runtime::Failure& failure);
+
+    /// Commits the group, waiting for locks; raises a failure or a remembered loss, once. Nothing in a
+    /// transaction.
+    void CommitGroup();
+    void AcknowledgeLoss() noexcept;
+    /// Takes back what is not committed.
+    void Abandon() noexcept;
+
+    /// While this connection may write nobody else changes the file.
+    bool HoldsLock() const { return m_groupOpen || m_openLevels > 0; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    int Run(const QString& text) const;
+    void OpenLevels(Doing doing, const QString& table);
+    void CommitDueGroup();
+    [[noreturn]] void LoseGroup(int code, bool remember);
+    runtime::Failure FailureOfCode(int code) const;
+
+    sqlite3* m_db;
+    QString m_path;
+    std::function<void()> m_undone;
+    int m_depth = 0;      ///< levels begun
+    int m_openLevels = 0; ///< levels that SQLite knows of
+    bool m_groupOpen = false;
+    int m_groupStatements = 0;
+    Clock::time_point m_groupStart;
+    std::optional<runtime::Failure> m_lost;
+};
+
+} // namespace engine

@@ -1,0 +1,89 @@
+#include "platform/engine/Value.h"
+
+#include "platform/runtime/Dates.h"
+#include "platform/runtime/Numbers.h"
+
+#include <cstring>
+#include <limits>
+
+namespace engine {
+
+namespace {
+
+template <class... Cases>
+struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+} // namespace
+
+bool Value::IsFilled() const {
+    if (const auto* text = std::get_if<QString>(&m_data))
+        return !text->isEmpty();
+    if (const auto* bytes = std::get_if<QByteArray>(&m_data))
+        return !bytes->isEmpty();
+    return !IsNull();
+}
+
+bool Value::IsNumeric() const {
+    if (const auto* text = std::get_if<QString>(&m_data)) {
+        try {
+            runtime::TextToNumber(*text);
+            return true;
+        } catch (const runtime::Failure&) {
+            return false;
+        }
+    }
+    return std::holds_alternative<std::int64_t>(m_data) || std::holds_alternative<double>(m_data) ||
+           std::holds_alternative<bool>(m_data);
+}
+
+QString Value::Text() const {
+    return std::visit(Overloaded{
+                          [](std::monostate) { return QString(); },
+                          [](std::int64_t number) { return QString::number(number); },
+                          [](double number) { return runtime::NumberToText(number); },
+                          [](const QString& text) { return text; },
+                          [](const QDateTime& date) { return runtime::DateToText(date); },
+                          [](bool truth) { return truth ? QStringLiteral("-1") : QStringLiteral("0"); },
+                          [](const QByteArray& bytes) {
+                              // Bytes read as text are UTF-16, as everywhere in the engine.
+                              QString text(bytes.size() / 2, Qt::Uninitialized);
+                              std::memcpy(text.data(), bytes.constData(),
+                                          static_cast<std::size_t>(text.size()) * 2);
+                              return text;
+                          },
+                      },
+                      m_data);
+}
+
+std::int32_t Value::Long() const {
+    if (const auto* number = std::get_if<std::int64_t>(&m_data)) {
+        if (*number < std::numeric_limits<std::int32_t>::min() ||
+            *number > std::numeric_limits<std::int32_t>::max())
+            runtime::Raise(runtime::Overflow);
+        return static_cast<std::int32_t>(*number);
+    }
+    const double rounded = runtime::RoundHalfEven(Number());
+    if (!(rounded >= std::numeric_limits<std::int32_t>::min() &&
+          rounded <= std::numeric_limits<std::int32_t>::max()))
+        runtime::Raise(runtime::Overflow);
+    return static_cast<std::int32_t>(rounded);
+}
+
+double Value::Number() const {
+    return std::visit(Overloaded{
+                          [](std::monostate) -> double { runtime::Raise(runtime::InvalidUseOfNull); },
+                          [](std::int64_t number) { return static_cast<double>(number); },
+                          [](double number) { return number; },
+                          [](const QString& text) { return runtime::TextToNumber(text); },
+                          [](const QDateTime& date) { return runtime::NumberFromDate(date); },
+                          [](bool truth) { return truth ? -1.0 : 0.0; },
+                          [](const QByteArray&) -> double { runtime::Raise(runtime::TypeMismatch); },
+                      },
+                      m_data);
+}
+
+} // namespace engine

@@ -1,0 +1,158 @@
+#include "platform/engine/functions/Call.h"
+
+#include "platform/runtime/Dates.h"
+#include "platform/runtime/Failure.h"
+#include "platform/runtime/Numbers.h"
+
+#include <cmath>
+#include <cstring>
+#include <exception>
+#include <limits>
+#include <new>
+
+namespace engine::functions {
+
+namespace {
+
+// What marks a message as a failure of ours. SQLite's own messages begin with plain letters.
+constexpr QStringView failureMark = u"\uE000zv";
+constexpr QChar numberEnd = u':';
+
+constexpr double firstDate = -657434.0;  // 1.1.100
+constexpr double endOfDates = 2958466.0; // 1.1.10000
+
+void SetText(sqlite3_context* context, const QString& text) {
+    sqlite3_result_text16(context, text.utf16(), static_cast<int>(text.size() * 2), SQLITE_TRANSIENT);
+}
+
+} // namespace
+
+bool Arguments::IsNull(int place) const {
+    return sqlite3_value_type(m_values[place]) == SQLITE_NULL;
+}
+
+bool Arguments::AnyNull() const {
+    for (int place = 0; place < m_count; ++place) {
+        if (IsNull(place))
+            return true;
+    }
+    return false;
+}
+
+bool Arguments::IsText(int place) const {
+    return sqlite3_value_type(m_values[place]) == SQLITE_TEXT;
+}
+
+bool Arguments::IsWhole(int place) const {
+    return sqlite3_value_type(m_values[place]) == SQLITE_INTEGER;
+}
+
+bool Arguments::IsBytes(int place) const {
+    return sqlite3_value_type(m_values[place]) == SQLITE_BLOB;
+}
+
+Value Arguments::At(int place) const {
+    return FromSqlite(m_values[place]);
+}
+
+QString Arguments::Text(int place) const {
+    return IsText(place) ? TextView(place).toString() : At(place).Text();
+}
+
+QStringView Arguments::TextView(int place) const {
+    const auto* text = static_cast<const char16_t*>(sqlite3_value_text16(m_values[place]));
+    if (!text)
+        return {};
+    return {text, sqlite3_value_bytes16(m_values[place]) / 2};
+}
+
+double Arguments::Number(int place) const {
+    return At(place).Number();
+}
+
+std::int32_t Arguments::Long(int place) const {
+    return At(place).Long();
+}
+
+QDateTime Arguments::Date(int place) const {
+    if (IsText(place))
+        return runtime::TextToDate(TextView(place).toString());
+    return DateOf(Number(place));
+}
+
+QDateTime DateOf(double number) {
+    if (!(number > firstDate - 1 && number < endOfDates))
+        runtime::Raise(runtime::Overflow);
+    return runtime::DateFromNumber(number);
+}
+
+double NumberOf(const QDateTime& date) {
+    if (!date.isValid() || date.date().year() < 100 || date.date().year() > 9999)
+        runtime::Raise(runtime::InvalidCall);
+    return runtime::NumberFromDate(date);
+}
+
+Value FromSqlite(sqlite3_value* value) {
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER:
+        return Value(static_cast<std::int64_t>(sqlite3_value_int64(value)));
+    case SQLITE_FLOAT:
+        return Value(sqlite3_value_double(value));
+    case SQLITE_TEXT: {
+        const auto* text = static_cast<const QChar*>(sqlite3_value_text16(value));
+        return Value(text ? QString(text, sqlite3_value_bytes16(value) / 2) : QString());
+    }
+    case SQLITE_BLOB: {
+        const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+        return Value(QByteArray(bytes, bytes ? sqlite3_value_bytes(value) : 0));
+    }
+    default:
+        return {};
+    }
+}
+
+void SetResult(sqlite3_context* context, const Value& value) {
+    if (const auto* whole = value.As<std::int64_t>())
+        sqlite3_result_int64(context, *whole);
+    else if (const auto* number = value.As<double>())
+        sqlite3_result_double(context, *number);
+    else if (const auto* text = value.As<QString>())
+        SetText(context, *text);
+    else if (const auto* date = value.As<QDateTime>())
+        sqlite3_result_double(context, NumberOf(*date));
+    else if (const auto* truth = value.As<bool>())
+        sqlite3_result_int(context, *truth ? 1 : 0);
+    else if (const auto* bytes = value.As<QByteArray>())
+        sqlite3_result_blob64(context, bytes->constData(), static_cast<sqlite3_uint64>(bytes->size()),
+                              SQLITE_TRANSIENT);
+    else
+        sqlite3_result_null(context);
+}
+
+void SetFailure(sqlite3_context* context) {
+    try {
+        throw;
+    } catch (const runtime::Failure& failure) {
+        const QString message =
+            failureMark.toString() + QString::number(failure.number()) + numberEnd + failure.description();
+        sqlite3_result_error16(context, message.utf16(), static_cast<int>(message.size() * 2));
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+bool FailureOf(const QString& message, int& number, QString& description) {
+    if (!message.startsWith(failureMark))
+        return false;
+    const qsizetype start = failureMark.size();
+    const qsizetype end = message.indexOf(numberEnd, start);
+    bool read = false;
+    const int found = end < 0 ? 0 : QStringView(message).sliced(start, end - start).toInt(&read);
+    if (!read)
+        return false;
+    number = found;
+    description = message.sliced(end + 1);
+    return true;
+}
+
+} // namespace engine::functions

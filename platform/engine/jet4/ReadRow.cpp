@@ -1,0 +1,218 @@
+// The values of a row: each column type's form in the file.
+
+#include "platform/engine/jet4/RowParts.h"
+
+#include <QUuid>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace engine::jet4 {
+
+namespace {
+
+enum ColumnType : std::uint8_t {
+    YesNo = 1,
+    Byte = 2,
+    Short = 3,
+    Long = 4,
+    Money = 5,
+    Float = 6,
+    Double = 7,
+    Date = 8,
+    ShortBinary = 9,
+    Text = 10,
+    LongBinary = 11,
+    Memo = 12,
+    Guid = 15,
+};
+
+constexpr std::uint8_t fixedFlag = 1;
+constexpr std::uint8_t counterFlag = 4;
+
+DataType TypeFor(std::uint8_t type, std::uint8_t flags) {
+    switch (type) {
+    case YesNo:
+        return DataType::Bit;
+    case Byte:
+        return DataType::Byte;
+    case Short:
+        return DataType::Short;
+    case Long:
+        return flags & counterFlag ? DataType::Counter : DataType::Long;
+    case Money:
+        return DataType::Currency;
+    case Float:
+        return DataType::Single;
+    case Double:
+        return DataType::Double;
+    case Date:
+        return DataType::Date;
+    case ShortBinary:
+    case LongBinary:
+        return DataType::Binary;
+    case Text:
+        return DataType::Text;
+    case Memo:
+        return DataType::Memo;
+    case Guid:
+        return DataType::Guid;
+    default:
+        return DataType::Unknown;
+    }
+}
+
+/// Bytes of a value whose type has one size; 0 for the others.
+std::uint32_t SizeOf(DataType type) {
+    switch (type) {
+    case DataType::Byte:
+        return 1;
+    case DataType::Short:
+        return 2;
+    case DataType::Long:
+    case DataType::Counter:
+    case DataType::Single:
+        return 4;
+    case DataType::Currency:
+    case DataType::Double:
+    case DataType::Date:
+        return 8;
+    case DataType::Guid:
+        return 16;
+    default:
+        return 0;
+    }
+}
+
+Value Finite(double number, double least = -std::numeric_limits<double>::max(),
+             double greatest = std::numeric_limits<double>::max()) {
+    if (!(number >= least && number <= greatest))
+        throw Damage();
+    return number;
+}
+
+Value GuidText(Bytes bytes) {
+    QUuid guid;
+    guid.data1 = bytes.U32(0);
+    guid.data2 = bytes.U16(4);
+    guid.data3 = bytes.U16(6);
+    for (std::uint32_t i = 0; i < 8; ++i)
+        guid.data4[i] = bytes.U8(8 + i);
+    return guid.toString().toUpper();
+}
+
+Value NumberValue(DataType type, Bytes bytes) {
+    constexpr double firstDate = -657434;  // 1.1.100
+    constexpr double endOfDates = 2958466; // 1.1.10000
+    switch (type) {
+    case DataType::Byte:
+        return std::int64_t{bytes.U8(0)};
+    case DataType::Short:
+        return std::int64_t{static_cast<std::int16_t>(bytes.U16(0))};
+    case DataType::Long:
+    case DataType::Counter:
+        return std::int64_t{static_cast<std::int32_t>(bytes.U32(0))};
+    case DataType::Currency:
+        return static_cast<double>(static_cast<std::int64_t>(bytes.U64(0))) / 10000;
+    case DataType::Single:
+        return Finite(bytes.F32(0));
+    case DataType::Double:
+        return Finite(bytes.F64(0));
+    case DataType::Date:
+        return Finite(bytes.F64(0), firstDate, endOfDates);
+    default:
+        return GuidText(bytes);
+    }
+}
+
+Value TextValue(Bytes bytes, int size) {
+    QString text = DecodeText(bytes);
+    if (size > 0 && text.size() > size)
+        throw Damage();
+    return text;
+}
+
+} // namespace
+
+Column Reader::ReadColumn(Bytes definition) {
+    Column column;
+    const std::uint8_t type = definition.U8(0);
+    const std::uint8_t flags = definition.U8(15);
+    column.type = TypeFor(type, flags);
+    column.number = definition.U16(5);
+    column.variable = definition.U16(7);
+    column.fixed = flags & fixedFlag;
+    column.offset = definition.U16(21);
+    column.length = definition.U16(23);
+    constexpr int longestText = 255;
+    if (type == Text)
+        column.size = std::clamp(column.length / 2, 1, longestText);
+    else if (type == ShortBinary)
+        column.size = column.length;
+    return column;
+}
+
+void Reader::ReadRow(const Table& table, RowPlace place, std::vector<Value>& values) const {
+    const RowParts parts(RowAt(place).bytes, table);
+    values.clear();
+    for (const Column& column : table.columns)
+        values.push_back(ReadValue(column, parts));
+}
+
+Value Reader::ReadValue(const Column& column, const RowParts& parts) const {
+    if (column.type == DataType::Bit)
+        return parts.IsPresent(column);
+    if (column.type == DataType::Unknown || !parts.IsPresent(column))
+        return {};
+    const std::uint32_t size = SizeOf(column.type);
+    const auto found = parts.Value(column, size > 0 ? size : column.length);
+    if (!found)
+        return {};
+    const Bytes bytes = *found;
+    if (size > 0) {
+        if (bytes.Size() != size)
+            throw Damage();
+        return NumberValue(column.type, bytes);
+    }
+    if (column.type == DataType::Text)
+        return TextValue(bytes, column.size);
+    if (column.size > 0)
+        return bytes.View().toByteArray();
+    const QByteArray held = ReadLong(bytes);
+    return column.type == DataType::Memo ? TextValue(Bytes(held), 0) : Value(held);
+}
+
+// A long value begins with its length, whose two highest bits tell where it lies: behind this head, as one
+// row of a page for long values, or as a chain of such rows, each of which begins with the place of the next.
+QByteArray Reader::ReadLong(Bytes value) const {
+    constexpr std::uint32_t headLength = 12;
+    constexpr std::uint32_t inlineFlag = 0x80000000;
+    constexpr std::uint32_t singleFlag = 0x40000000;
+    const std::uint32_t length = value.U32(0) & ~(inlineFlag | singleFlag);
+    if (length > m_image.Size())
+        throw Damage();
+    if (value.U32(0) & inlineFlag)
+        return value.Part(headLength, length).View().toByteArray();
+    const auto rowAt = [this](Bytes pointer) {
+        const RowPlace place{pointer.U24(1), pointer.U8(0)};
+        const Bytes row = RowAt(place).bytes;
+        if (m_image.Page(place.page).Part(4, 4).View() != QByteArrayView("LVAL", 4))
+            throw Damage();
+        return row;
+    };
+    if (value.U32(0) & singleFlag)
+        return rowAt(value.From(4)).Part(0, length).View().toByteArray();
+    QByteArray whole;
+    for (Bytes pointer = value.From(4); whole.size() < qsizetype{length};) {
+        const Bytes row = rowAt(pointer);
+        const Bytes part = row.From(4);
+        if (part.Size() == 0 || part.Size() > length - static_cast<std::uint32_t>(whole.size()))
+            throw Damage();
+        whole += part.View();
+        pointer = row;
+    }
+    return whole;
+}
+
+} // namespace engine::jet4

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/engine/Statement.h"
+#include "platform/engine/jet4/Reader.h"
+
+struct sqlite3;
+
+namespace engine::jet4 {
+
+/// Copies the rows of one file's tables into the tables made for them, and compares. The new file is one that
+/// no one else knows of yet: it is written without a journal, and given to the disk by the caller. Comparing
+/// takes an object of its own, which has nothing but the file to read from.
+class RowCopy {
+public:
+    /// Opens the new file. Failures as SQLite has them, by the engine's numbers; `path` names the book in
+    /// them.
+    RowCopy(const QString& file, const Reader& reader, QString path);
+    ~RowCopy();
+    RowCopy(const RowCopy&) = delete;
+    RowCopy& operator=(const RowCopy&) = delete;
+
+    /// Failure 3049 if the rows contradict the table's keys, 3026 on a full disk.
+    void CopyAll();
+    /// Reads every row back; failure 3043 if one differs from what was read of the old file.
+    void CompareAll();
+
+private:
+    void Run(const char* text);
+    void Copy(const Table& table);
+    void Compare(const Table& table);
+    [[noreturn]] void Raise(int code);
+
+    sqlite3* m_db = nullptr;
+    const Reader& m_reader;
+    QString m_path;
+};
+
+} // namespace engine::jet4

@@ -1,0 +1,390 @@
+#include "platform/engine/sql/ActionWriter.h"
+
+#include "platform/engine/EngineError.h"
+#include "platform/engine/sql/Keys.h"
+#include "platform/engine/sql/Words.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace engine::sql {
+
+namespace {
+
+constexpr int widestText = 255;
+
+QString QuotedText(const QString& text) {
+    QString quoted = text;
+    return u'\'' + quoted.replace(u'\'', u"''"_s) + u'\'';
+}
+
+const ColumnInfo& ColumnAt(const TableInfo& table, int column) {
+    return table.columns[static_cast<std::size_t>(column)];
+}
+
+/// Whether every value of one type has its place in a column of the other without a change.
+bool Fits(const Written& value, const ColumnInfo& column, int size) {
+    if (value.condition || value.null)
+        return value.null;
+    if (value.type == column.type && KindOf(column.type) != TypeKind::Text)
+        return IsWholeNumber(column.type) || column.type == DataType::Bit || column.type == DataType::Date;
+    if (value.type == DataType::Text && column.type == DataType::Text)
+        return size > 0 && size <= column.size;
+    const bool text = value.type == DataType::Text || value.type == DataType::Memo;
+    return text && column.type == DataType::Memo;
+}
+
+} // namespace
+
+const TableInfo& ActionWriter::TargetTable(const QString& name) const {
+    const TableInfo* table = m_catalog.FindTable(name);
+    if (!table)
+        RaiseEngine(UnknownTargetTable, name);
+    return *table;
+}
+
+QString ActionWriter::FullName(const TableInfo& table, int column) const {
+    return m_context.lenient ? u"NULL"_s : QuotedText(table.name + u'.' + ColumnAt(table, column).name);
+}
+
+/// A key without a value: SQLite would make up a row number.
+QString ActionWriter::MissingKey(const TableInfo& table, int column) const {
+    return ColumnAt(table, column).required ? QuotedText(table.name + u'.' + ColumnAt(table, column).name)
+                                            : u"NULL"_s;
+}
+
+QString ActionWriter::Converted(const Written& value, const TableInfo& table, int column, int size) const {
+    const ColumnInfo& target = ColumnAt(table, column);
+    QString text = value.text;
+    if (!Fits(value, target, size))
+        text = u"zv_to("_s + QString::number(static_cast<int>(target.type)) + u", "_s +
+               QString::number(target.size) + u", "_s + FullName(table, column) + u", "_s + text + u')';
+    if (table.RowIdColumn() == column && target.type != DataType::Counter && !m_context.lenient)
+        text = u"zv_required("_s + MissingKey(table, column) + u", "_s + text + u')';
+    return text;
+}
+
+QString ActionWriter::Assigned(const Node& node, ExpressionWriter& writer, const TableInfo& table,
+                               int column) {
+    if (node.kind == NodeKind::Literal) {
+        if (const auto parameter = m_context.WriteAssigned(node, ColumnAt(table, column), table.name))
+            return parameter->text;
+    }
+    const Written value = writer.Value(node);
+    return Converted(value, table, column, value.size);
+}
+
+std::vector<int> ActionWriter::InsertColumns(const Insert& insert, const TableInfo& table) const {
+    std::vector<int> columns;
+    if (!insert.listed) {
+        for (int i = 0; i < static_cast<int>(table.columns.size()); ++i)
+            columns.push_back(i);
+        return columns;
+    }
+    for (const QString& name : insert.columns) {
+        const int column = table.Find(name);
+        if (column < 0)
+            RaiseEngine(UnknownInsertColumn, name);
+        if (std::ranges::find(columns, column) != columns.end())
+            RaiseEngine(SyntaxInInsert);
+        columns.push_back(column);
+    }
+    return columns;
+}
+
+QString ActionWriter::InsertStart(const TableInfo& table, const std::vector<int>& columns) const {
+    QString names;
+    for (const int column : columns)
+        names += (names.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(table, column).name);
+    return (m_context.lenient ? u"INSERT OR IGNORE INTO "_s : u"INSERT INTO "_s) + Quoted(table.name) +
+           u" ("_s + names + u") "_s;
+}
+
+void ActionWriter::WriteInsert(const Insert& insert, Plan& plan) {
+    const TableInfo& table = TargetTable(insert.table);
+    const std::vector<int> columns = InsertColumns(insert, table);
+    plan.verb = Verb::Insert;
+    plan.target = table.name;
+    for (const int column : columns)
+        plan.setsCounter = plan.setsCounter || ColumnAt(table, column).type == DataType::Counter;
+    plan.text = insert.query ? InsertQueryText(insert, table, columns) : InsertText(insert, table, columns);
+    m_context.lenient = true;
+    plan.ignoreText =
+        insert.query ? InsertQueryText(insert, table, columns) : InsertText(insert, table, columns);
+    m_context.lenient = false;
+}
+
+QString ActionWriter::InsertText(const Insert& insert, const TableInfo& table,
+                                 const std::vector<int>& columns) {
+    if (insert.values.size() != columns.size())
+        RaiseEngine(InsertColumnsDiffer);
+    const Scope scope(nullptr);
+    ExpressionWriter writer(m_context, &m_catalog, scope, AggregateRule::InExpression);
+    const int key = table.RowIdColumn();
+    const bool keyed = key >= 0 && ColumnAt(table, key).type != DataType::Counter;
+    std::vector<int> named = columns;
+    QString values;
+    QString keyValue;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const QString value = Assigned(*insert.values[i], writer, table, columns[i]);
+        values += (values.isEmpty() ? QString() : u", "_s) + value;
+        if (columns[i] == key)
+            keyValue = value;
+    }
+    if (keyed && keyValue.isEmpty()) {
+        keyValue = u"NULL"_s;
+        named.push_back(key);
+        values +=
+            m_context.lenient ? u", NULL"_s : u", zv_required("_s + MissingKey(table, key) + u", NULL)"_s;
+    }
+    if (keyed && m_context.lenient)
+        return InsertStart(table, named) + u"SELECT "_s + values + u" WHERE "_s + keyValue +
+               u" IS NOT NULL"_s;
+    return InsertStart(table, named) + u"VALUES ("_s + values + u')';
+}
+
+/// The rows of a query. Without a list of columns they are told by the names that the query delivers.
+QString ActionWriter::InsertQueryText(const Insert& insert, const TableInfo& table,
+                                      std::vector<int> columns) {
+    const WrittenQuery query = QueryWriter(m_context, &m_catalog, nullptr).WriteDerived(*insert.query);
+    if (!insert.listed) {
+        columns.clear();
+        for (const WrittenColumn& column : query.columns) {
+            const int place = table.Find(column.column ? column.column->name : column.name);
+            const int named = table.Find(column.name);
+            if (place < 0 && named < 0)
+                RaiseEngine(UnknownInsertColumn, column.name);
+            columns.push_back(named >= 0 ? named : place);
+        }
+    }
+    if (query.columns.size() != columns.size())
+        RaiseEngine(InsertColumnsDiffer);
+    const int key = table.RowIdColumn();
+    const bool keyed = key >= 0 && ColumnAt(table, key).type != DataType::Counter;
+    QString values;
+    QString keyValue;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        Written value = query.columns[i].value;
+        value.text = u'c' + QString::number(i);
+        value.condition = false;
+        const QString text = Converted(value, table, columns[i], value.size);
+        values += (values.isEmpty() ? QString() : u", "_s) + text;
+        if (columns[i] == key)
+            keyValue = text;
+    }
+    if (keyed && keyValue.isEmpty()) {
+        keyValue = u"NULL"_s;
+        columns.push_back(key);
+        values +=
+            m_context.lenient ? u", NULL"_s : u", zv_required("_s + MissingKey(table, key) + u", NULL)"_s;
+    }
+    const QString condition =
+        keyed && m_context.lenient ? u" WHERE "_s + keyValue + u" IS NOT NULL"_s : QString();
+    return InsertStart(table, columns) + u"SELECT "_s + values + u" FROM ("_s + query.text + u')' + condition;
+}
+
+void ActionWriter::WriteUpdate(const Update& update, Plan& plan) {
+    plan.verb = Verb::Update;
+    plan.text = UpdateText(update, plan, Rows::All);
+    if (!plan.keys.empty()) {
+        plan.keyedText = UpdateText(update, plan, Rows::Listed);
+        plan.keyedRowText = UpdateText(update, plan, Rows::One);
+    }
+    m_context.lenient = true;
+    plan.ignoreText = UpdateText(update, plan, Rows::All);
+    if (!plan.keys.empty())
+        plan.keyedIgnoreText = UpdateText(update, plan, Rows::Listed);
+    m_context.lenient = false;
+}
+
+ActionWriter::Target ActionWriter::UpdateTarget(const Update& update, const Scope& scope) const {
+    Target target;
+    for (const Assignment& assignment : update.assignments) {
+        const auto place = scope.Find(assignment.qualifier, assignment.column);
+        if (!place) {
+            m_context.AddUnknownName(assignment.column);
+            continue;
+        }
+        const ScopeSource& source = scope.Sources()[static_cast<std::size_t>(place->source)];
+        if (!source.table || (target.source && target.source != &source) ||
+            ColumnAt(*source.table, place->column).type == DataType::Counter)
+            RaiseEngine(NotUpdatable);
+        target = {source.table, &source};
+    }
+    if (!target.table)
+        m_context.RaiseMistakes();
+    return target;
+}
+
+QString ActionWriter::UpdateText(const Update& update, Plan& plan, Rows rows) {
+    Scope scope(nullptr);
+    const WrittenFrom from = FromWriter(m_context, &m_catalog, scope).Write(update.from);
+    const Target target = UpdateTarget(update, scope);
+    plan.target = target.table->name;
+    if (!from.table)
+        return UpdateJoinText(update, scope, target, from.text);
+    ExpressionWriter writer(m_context, &m_catalog, scope, AggregateRule::InExpression);
+    QString sets;
+    for (const Assignment& assignment : update.assignments) {
+        const int column = target.table->Find(assignment.column);
+        if (column < 0)
+            continue; // told already
+        sets += (sets.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(*target.table, column).name) +
+                u" = "_s + Assigned(*assignment.value, writer, *target.table, column);
+    }
+    QString text =
+        (m_context.lenient ? u"UPDATE OR IGNORE "_s : u"UPDATE "_s) + from.text + u" SET "_s + sets;
+    if (update.where) {
+        const Written where =
+            ExpressionWriter(m_context, &m_catalog, scope, AggregateRule::InWhere).Condition(*update.where);
+        text += u" WHERE "_s + (rows == Rows::All ? where.text : where.At(AndPrecedence));
+    }
+    if (rows != Rows::All)
+        return text + u" AND "_s + KeyText(*from.table, m_context.ParameterCount() + 1, rows);
+    plan.keys = FindKeys(update.where.get(), scope);
+    plan.keyTable = plan.keys.empty() ? QString() : target.table->name;
+    return text;
+}
+
+/// The new values of all rows first, then the rows they belong to.
+QString ActionWriter::UpdateJoinText(const Update& update, const Scope& scope, const Target& target,
+                                     const QString& from) {
+    ExpressionWriter writer(m_context, &m_catalog, scope, AggregateRule::InExpression);
+    QString values;
+    QString sets;
+    int number = 0;
+    for (const Assignment& assignment : update.assignments) {
+        const int column = target.table->Find(assignment.column);
+        if (column < 0)
+            continue;
+        const QString name = u'v' + QString::number(number++);
+        values += u", "_s + Assigned(*assignment.value, writer, *target.table, column) + u" AS "_s + name;
+        sets += (sets.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(*target.table, column).name) +
+                u" = news."_s + name;
+    }
+    QString rows = u"SELECT "_s + target.source->RowId() + u" AS row"_s + values + u" FROM "_s + from;
+    if (update.where)
+        rows += u" WHERE "_s + ExpressionWriter(m_context, &m_catalog, scope, AggregateRule::InWhere)
+                                   .Condition(*update.where)
+                                   .text;
+    ScopeSource changed = *target.source;
+    changed.alias = u"changed"_s;
+    return (m_context.lenient ? u"UPDATE OR IGNORE "_s : u"UPDATE "_s) + Quoted(target.table->name) +
+           u" AS changed SET "_s + sets + u" FROM ("_s + rows + u") AS news WHERE "_s + changed.RowId() +
+           u" = news.row"_s;
+}
+
+void ActionWriter::WriteDelete(const Delete& remove, Plan& plan) {
+    plan.verb = Verb::Delete;
+    plan.text = DeleteText(remove, plan, Rows::All);
+    plan.ignoreText = plan.text;
+    if (!plan.keys.empty()) {
+        plan.keyedText = DeleteText(remove, plan, Rows::Listed);
+        plan.keyedRowText = DeleteText(remove, plan, Rows::One);
+        plan.keyedIgnoreText = plan.keyedText;
+    }
+}
+
+/// The table whose rows go: the only one, or the one whose columns are listed.
+ActionWriter::Target ActionWriter::DeleteTarget(const Delete& remove, const Scope& scope) {
+    Target target;
+    const auto choose = [&](const ScopeSource& source) {
+        if (!source.table || (target.source && target.source != &source))
+            RaiseEngine(NotUpdatable);
+        target = {source.table, &source};
+    };
+    for (const SelectItem& item : remove.items) {
+        if (!item.expression && item.qualifier.isEmpty())
+            continue;
+        if (!item.expression) {
+            const auto found = std::ranges::find_if(scope.Sources(), [&](const ScopeSource& source) {
+                return SameName(source.name, item.qualifier);
+            });
+            if (found == scope.Sources().end())
+                RaiseEngine(UnknownNameInFind, item.qualifier + u".*"_s);
+            choose(*found);
+            continue;
+        }
+        if (item.expression->kind != NodeKind::Name)
+            RaiseEngine(SyntaxInDelete);
+        const auto place = scope.Find(item.expression->qualifier, item.expression->name);
+        if (place)
+            choose(scope.Sources()[static_cast<std::size_t>(place->source)]);
+        else
+            m_context.AddUnknownName(item.expression->name);
+    }
+    if (!target.table)
+        m_context.RaiseMistakes();
+    if (!target.table && scope.Sources().size() == 1)
+        choose(scope.Sources().front());
+    if (!target.table)
+        RaiseEngine(NotUpdatable);
+    return target;
+}
+
+QString ActionWriter::DeleteText(const Delete& remove, Plan& plan, Rows rows) {
+    Scope scope(nullptr);
+    const WrittenFrom from = FromWriter(m_context, &m_catalog, scope).Write(remove.from);
+    const Target target = DeleteTarget(remove, scope);
+    plan.target = target.table->name;
+    Written where;
+    if (remove.where)
+        where =
+            ExpressionWriter(m_context, &m_catalog, scope, AggregateRule::InWhere).Condition(*remove.where);
+    if (!from.table) {
+        ScopeSource gone = *target.source;
+        gone.alias = u"gone"_s;
+        return u"DELETE FROM "_s + Quoted(target.table->name) + u" AS gone WHERE "_s + gone.RowId() +
+               u" IN (SELECT "_s + target.source->RowId() + u" FROM "_s + from.text +
+               (remove.where ? u" WHERE "_s + where.text : QString()) + u')';
+    }
+    plan.deletesAll = !remove.where;
+    QString text = u"DELETE FROM "_s + from.text;
+    if (!remove.where)
+        return text;
+    text += u" WHERE "_s + (rows == Rows::All ? where.text : where.At(AndPrecedence));
+    if (rows != Rows::All)
+        return text + u" AND "_s + KeyText(*from.table, m_context.ParameterCount() + 1, rows);
+    plan.keys = FindKeys(remove.where.get(), scope);
+    plan.keyTable = plan.keys.empty() ? QString() : target.table->name;
+    return text;
+}
+
+/// A table made of a query: the columns keep their types, and no keys.
+void ActionWriter::WriteInto(const Query& query, Plan& plan) {
+    const QString& name = query.parts.front().select->into;
+    if (m_catalog.FindTable(name))
+        RaiseEngine(TableExists, name);
+    const WrittenQuery written = QueryWriter(m_context, &m_catalog, nullptr).WriteDerived(query);
+    plan.verb = Verb::SelectInto;
+    plan.target = name;
+    plan.intoTable.name = name;
+    QString names;
+    for (const WrittenColumn& column : written.columns) {
+        ColumnInfo made;
+        made.name = column.name;
+        made.name.replace(u'.', u'_');
+        made.type = column.value.type == DataType::Unknown ? DataType::Text : column.value.type;
+        made.allowZeroLength = true;
+        if (made.type == DataType::Text)
+            made.size = column.value.size > 0 ? column.value.size : widestText;
+        if (plan.intoTable.Find(made.name) >= 0)
+            RaiseEngine(ColumnDefinedTwice);
+        names += (names.isEmpty() ? QString() : u", "_s) + Quoted(made.name);
+        plan.intoTable.columns.push_back(std::move(made));
+    }
+    QString values;
+    for (std::size_t i = 0; i < written.columns.size(); ++i) {
+        Written value = written.columns[i].value;
+        value.text = u'c' + QString::number(i);
+        value.condition = false;
+        values += (i == 0 ? QString() : u", "_s) +
+                  Converted(value, plan.intoTable, static_cast<int>(i), value.size);
+    }
+    plan.text = u"INSERT INTO "_s + Quoted(name) + u" ("_s + names + u") SELECT "_s + values + u" FROM ("_s +
+                written.text + u')';
+    plan.ignoreText = plan.text;
+}
+
+} // namespace engine::sql

@@ -1,0 +1,84 @@
+// Criteria of a search over a result set.
+#include "platform/engine/EngineError.h"
+#include "platform/engine/sql/ExpressionWriter.h"
+#include "platform/engine/sql/Keys.h"
+#include "platform/engine/sql/Parser.h"
+#include "platform/engine/sql/Plan.h"
+#include "platform/engine/sql/Words.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace engine::sql {
+
+namespace {
+
+/// The columns of the result as one source, whose values come as parameters.
+ScopeSource ResultSource(const std::vector<ResultColumn>& columns) {
+    ScopeSource source;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        ScopeColumn column;
+        column.name = columns[i].name;
+        column.value.text = u'?' + QString::number(i + 1);
+        column.value.type = columns[i].type;
+        source.columns.push_back(std::move(column));
+    }
+    return source;
+}
+
+/// A name with a table in front is that of a column of the same full name, or of a column of the plain name.
+void ResolveFullNames(Node& node, const std::vector<ResultColumn>& columns) {
+    if (node.kind == NodeKind::Name && !node.qualifier.isEmpty()) {
+        const QString full = node.qualifier + u'.' + node.name;
+        if (std::ranges::any_of(columns,
+                                [&](const ResultColumn& column) { return SameName(column.name, full); }))
+            node.name = full;
+        node.qualifier.clear();
+    }
+    for (const auto& child : node.children)
+        ResolveFullNames(*child, columns);
+}
+
+bool HasQuery(const Node& node) {
+    return node.query ||
+           std::ranges::any_of(node.children, [](const NodePtr& child) { return HasQuery(*child); });
+}
+
+/// Takes the conditions joined by AND apart; false if one of them is more than an equality.
+bool CollectEqualities(const Node& node, const Scope& scope, std::vector<KeyCondition>& equalities) {
+    if (node.kind == NodeKind::Binary && node.op == Op::And) {
+        const bool left = CollectEqualities(*node.children[0], scope, equalities);
+        return CollectEqualities(*node.children[1], scope, equalities) && left;
+    }
+    const auto key = KeyOf(node, scope);
+    if (key)
+        equalities.push_back(*key);
+    return key.has_value();
+}
+
+} // namespace
+
+CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultColumn>& columns) {
+    const NodePtr criteria = Parser(scanned.text, scanned.cacheable).ParseCriteria();
+    if (HasQuery(*criteria))
+        RaiseEngine(SyntaxInCriteria, u"Ошибка синтаксиса"_s);
+    ResolveFullNames(*criteria, columns);
+    Scope scope(nullptr);
+    scope.Sources().push_back(ResultSource(columns));
+    Context context(scanned, static_cast<int>(columns.size()));
+    ExpressionWriter writer(context, nullptr, scope, AggregateRule::InExpression);
+    const Written condition = writer.Condition(*criteria);
+    if (!context.UnknownNames().isEmpty())
+        RaiseEngine(UnknownNameInFind, context.UnknownNames().front());
+    context.RaiseTypeMismatch();
+    CriteriaPlan plan;
+    // The last parameter is named even if nothing else needs it, so that all of them can be bound.
+    plan.text = u"SELECT "_s + condition.text + u" FROM (SELECT ?"_s +
+                QString::number(context.ParameterCount()) + u')';
+    plan.parameters = context.Parameters();
+    plan.exact = CollectEqualities(*criteria, scope, plan.equalities);
+    return plan;
+}
+
+} // namespace engine::sql

@@ -1,0 +1,498 @@
+#include "platform/engine/sql/Parser.h"
+
+#include "platform/engine/EngineError.h"
+#include "platform/engine/sql/Words.h"
+
+#include <algorithm>
+#include <array>
+
+namespace engine::sql {
+
+Node::Node() = default;
+Node::~Node() = default;
+
+namespace {
+
+// The engine gives up on deeper texts; SQLite's own limit of 1000 levels lies behind it.
+constexpr int deepestTree = 400;
+constexpr int deepestNesting = 400;
+
+constexpr int notLevel = 6;
+constexpr int comparisonLevel = 7;
+constexpr int negateLevel = 13;
+constexpr int powerLevel = 14;
+
+struct Operator {
+    Op op;
+    int level;
+};
+
+std::optional<Operator> SignOperator(char16_t sign) {
+    switch (sign) {
+    case u'=':
+        return Operator{Op::Equal, comparisonLevel};
+    case u'<':
+        return Operator{Op::Less, comparisonLevel};
+    case u'>':
+        return Operator{Op::Greater, comparisonLevel};
+    case LessEqual:
+        return Operator{Op::LessEqual, comparisonLevel};
+    case GreaterEqual:
+        return Operator{Op::GreaterEqual, comparisonLevel};
+    case NotEqual:
+        return Operator{Op::NotEqual, comparisonLevel};
+    case u'&':
+        return Operator{Op::Concat, 8};
+    case u'+':
+        return Operator{Op::Add, 9};
+    case u'-':
+        return Operator{Op::Subtract, 9};
+    case u'\\':
+        return Operator{Op::IntDivide, 11};
+    case u'*':
+        return Operator{Op::Multiply, 12};
+    case u'/':
+        return Operator{Op::Divide, 12};
+    case u'^':
+        return Operator{Op::Power, powerLevel};
+    default:
+        return {};
+    }
+}
+
+std::optional<Operator> WordOperator(const Token& token) {
+    if (token.IsWord("AND"))
+        return Operator{Op::And, 5};
+    if (token.IsWord("OR"))
+        return Operator{Op::Or, 4};
+    if (token.IsWord("XOR"))
+        return Operator{Op::Xor, 3};
+    if (token.IsWord("EQV"))
+        return Operator{Op::Eqv, 2};
+    if (token.IsWord("IMP"))
+        return Operator{Op::Imp, 1};
+    if (token.IsWord("MOD"))
+        return Operator{Op::Mod, 10};
+    return {};
+}
+
+bool IsComparisonWord(const Token& token) {
+    return token.IsWord("LIKE") || token.IsWord("IN") || token.IsWord("BETWEEN");
+}
+
+} // namespace
+
+class Parser::Nesting {
+public:
+    explicit Nesting(int& depth)
+        : m_depth(depth) {
+        if (++m_depth > deepestNesting) {
+            --m_depth;
+            RaiseEngine(QueryTooComplex);
+        }
+    }
+    ~Nesting() { --m_depth; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+private:
+    int& m_depth;
+};
+
+Parser::Parser(QStringView text, bool bindsLiterals)
+    : m_text(text) {
+    Lexer lexer(text);
+    int literals = 0;
+    do {
+        m_tokens.push_back(lexer.Next());
+        m_literals.push_back(bindsLiterals && m_tokens.back().IsLiteral() ? literals++ : -1);
+    } while (m_tokens.back().kind != TokenKind::End);
+}
+
+const Token& Parser::Peek(std::size_t ahead) const {
+    return m_tokens[std::min(m_at + ahead, m_tokens.size() - 1)];
+}
+
+Token Parser::Take() {
+    const Token token = Peek();
+    if (m_at + 1 < m_tokens.size())
+        ++m_at;
+    return token;
+}
+
+bool Parser::TakeWord(std::string_view keyword) {
+    if (!AtWord(keyword))
+        return false;
+    Take();
+    return true;
+}
+
+bool Parser::TakeSign(char16_t sign) {
+    if (!Peek().Is(sign))
+        return false;
+    Take();
+    return true;
+}
+
+bool Parser::AtName(std::size_t ahead) const {
+    const Token& token = Peek(ahead);
+    return token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !IsReserved(token.text));
+}
+
+bool Parser::AtQuery() const {
+    std::size_t ahead = 0;
+    while (Peek(ahead).Is(u'('))
+        ++ahead;
+    return AtWord("SELECT", ahead);
+}
+
+void Parser::ExpectWord(std::string_view keyword, int number) {
+    if (!TakeWord(keyword))
+        RaiseEngine(number);
+}
+
+void Parser::ExpectSign(char16_t sign, int number) {
+    if (!TakeSign(sign))
+        RaiseEngine(number);
+}
+
+QString Parser::ExpectName(int number) {
+    if (!AtName())
+        RaiseEngine(number);
+    return Lexer::NameOf(Take()).toString();
+}
+
+bool Parser::AtClauseEnd() const {
+    const Token& token = Peek();
+    return token.kind == TokenKind::End || token.Is(u';') || (token.Is(u')') && m_parentheses > 0) ||
+           token.IsWord("WHERE") || token.IsWord("GROUP") || token.IsWord("HAVING") ||
+           token.IsWord("ORDER") || token.IsWord("UNION") || token.IsWord("PIVOT") || token.IsWord("WITH");
+}
+
+bool Parser::AtJoinWord() const {
+    return AtWord("INNER") || AtWord("LEFT") || AtWord("RIGHT") || AtWord("JOIN");
+}
+
+void Parser::ExpectStatementEnd(int number) {
+    if (Peek().kind != TokenKind::End && !Peek().Is(u';'))
+        RaiseEngine(number);
+    TakeSign(u';');
+    if (Peek().kind != TokenKind::End)
+        RaiseEngine(TextBehindEnd);
+}
+
+void Parser::FailExpression(QStringView reason) const {
+    if (m_clause == Clause::Criteria)
+        RaiseEngine(SyntaxInCriteria, reason.toString());
+    RaiseEngine(SyntaxInExpression, reason.toString(), ClauseText());
+}
+
+void Parser::FailPrimary() const {
+    const Token& token = Peek();
+    switch (token.kind) {
+    case TokenKind::OpenText:
+        FailExpression(u"Ошибка синтаксиса в строке");
+    case TokenKind::OpenName:
+        FailExpression(u"Отсутствует ), ] или элемент");
+    case TokenKind::BadNumber:
+        FailExpression(u"Ошибка синтаксиса в числе");
+    case TokenKind::BadDate:
+        FailExpression(u"Ошибка синтаксиса в дате");
+    default:
+        break;
+    }
+    if (token.Is(u','))
+        FailExpression(u"Ошибка синтаксиса (запятая)");
+    if (token.Is(u'.') || token.Is(u'!'))
+        FailExpression(u"Недопустимое использование '.', '!' или '()'");
+    FailExpression(u"Ошибка синтаксиса (пропущен оператор)");
+}
+
+void Parser::FailBehindExpression() const {
+    const Token& token = Peek();
+    if (token.Is(u')'))
+        FailExpression(u"Лишняя )");
+    if (token.Is(u','))
+        FailExpression(u"Ошибка синтаксиса (запятая)");
+    FailExpression(u"Ошибка синтаксиса (пропущен оператор)");
+}
+
+QString Parser::ClauseText() const {
+    const qsizetype start = m_tokens[m_clauseStart].start;
+    return m_text.mid(start, ClauseEnd(m_clauseStart) - start).toString();
+}
+
+qsizetype Parser::ClauseEnd(std::size_t from) const {
+    int depth = 0;
+    qsizetype end = m_tokens[from].start;
+    for (std::size_t at = from; at < m_tokens.size(); ++at) {
+        const Token& token = m_tokens[at];
+        if (token.kind == TokenKind::End)
+            break;
+        if (token.Is(u'('))
+            ++depth;
+        if (token.Is(u')'))
+            --depth;
+        const bool behindError = at >= m_at;
+        const bool outside = depth < 0 && (at > m_at || m_parentheses > 0);
+        const bool word =
+            depth <= 0 && (token.IsWord("WHERE") || token.IsWord("GROUP") || token.IsWord("HAVING") ||
+                           token.IsWord("ORDER") || token.IsWord("UNION") || token.IsWord("FROM"));
+        const bool itemEnd = m_clause == Clause::Item && depth <= 0 && token.Is(u',') && at > m_at;
+        if (m_clause != Clause::Value && behindError && (token.Is(u';') || outside || word || itemEnd))
+            break;
+        end = token.end;
+    }
+    return end;
+}
+
+NodePtr Parser::NewNode(NodeKind kind, const Token& first) const {
+    auto node = std::make_unique<Node>();
+    node->kind = kind;
+    node->start = first.start;
+    node->end = first.end;
+    return node;
+}
+
+NodePtr Parser::Finish(NodePtr node) const {
+    int depth = node->query ? node->query->depth : 0;
+    for (const auto& child : node->children)
+        depth = std::max(depth, child->depth);
+    node->depth = depth + 1;
+    if (node->depth > deepestTree)
+        RaiseEngine(QueryTooComplex);
+    if (m_at > 0)
+        node->end = std::max(node->end, m_tokens[m_at - 1].end);
+    return node;
+}
+
+/// The clause stays the current one behind the expression: what follows wrongly is reported as part of it.
+NodePtr Parser::ParseExpression(Clause clause) {
+    m_clauseStart = m_at;
+    m_clause = clause;
+    return ParseBinary(0);
+}
+
+NodePtr Parser::ParseBinary(int level) {
+    NodePtr left = ParsePrefix();
+    for (;;) {
+        const Token& token = Peek();
+        const bool comparison = IsComparisonWord(token) || token.IsWord("IS") ||
+                                (token.IsWord("NOT") && IsComparisonWord(Peek(1)));
+        std::optional<Operator> found = comparison                      ? Operator{Op::Like, comparisonLevel}
+                                        : token.kind == TokenKind::Sign ? SignOperator(token.sign)
+                                                                        : WordOperator(token);
+        if (!found || found->level < level)
+            return left;
+        if (found->level == comparisonLevel) {
+            left = ParseComparison(std::move(left));
+            continue;
+        }
+        Take();
+        NodePtr node = NewNode(NodeKind::Binary, token);
+        node->start = left->start;
+        node->op = found->op;
+        node->children.push_back(std::move(left));
+        node->children.push_back(ParseBinary(found->level + 1));
+        left = Finish(std::move(node));
+    }
+}
+
+NodePtr Parser::ParsePrefix() {
+    const Nesting nesting(m_nesting);
+    const Token& token = Peek();
+    const bool negates = token.IsWord("NOT");
+    if (!negates && !token.Is(u'-') && !token.Is(u'+'))
+        return ParsePrimary();
+    Take();
+    NodePtr operand = ParseBinary(negates ? notLevel + 1 : negateLevel + 1);
+    if (token.Is(u'+'))
+        return operand;
+    NodePtr node = NewNode(negates ? NodeKind::Not : NodeKind::Negate, token);
+    node->children.push_back(std::move(operand));
+    return Finish(std::move(node));
+}
+
+NodePtr Parser::ParseComparison(NodePtr left) {
+    const bool negated = AtWord("NOT");
+    if (negated)
+        Take();
+    if (AtWord("IN"))
+        return ParseIn(std::move(left), negated);
+    if (AtWord("BETWEEN"))
+        return ParseBetween(std::move(left), negated);
+    if (AtWord("IS"))
+        return ParseIsNull(std::move(left));
+    const Token sign = Take();
+    NodePtr node = NewNode(NodeKind::Binary, sign);
+    node->start = left->start;
+    node->negated = negated;
+    node->op = sign.kind == TokenKind::Sign ? SignOperator(sign.sign)->op : Op::Like;
+    node->children.push_back(std::move(left));
+    const bool all = AtWord("ALL");
+    if (sign.kind == TokenKind::Sign && (all || AtWord("ANY") || AtWord("SOME"))) {
+        Take();
+        if (!Peek().Is(u'('))
+            FailPrimary();
+        node->kind = NodeKind::Quantified;
+        node->all = all;
+        node->query = ParseNestedQuery();
+        return Finish(std::move(node));
+    }
+    const bool pattern = node->op == Op::Like && Peek().IsLiteral();
+    node->children.push_back(ParseBinary(comparisonLevel + 1));
+    Node& right = *node->children.back();
+    right.pattern = pattern && right.kind == NodeKind::Literal;
+    return Finish(std::move(node));
+}
+
+NodePtr Parser::ParseBetween(NodePtr left, bool negated) {
+    NodePtr node = NewNode(NodeKind::Between, Take());
+    node->start = left->start;
+    node->negated = negated;
+    node->children.push_back(std::move(left));
+    node->children.push_back(ParseBinary(comparisonLevel + 1));
+    if (!TakeWord("AND"))
+        FailExpression(u"Оператор Between без And");
+    node->children.push_back(ParseBinary(comparisonLevel + 1));
+    return Finish(std::move(node));
+}
+
+NodePtr Parser::ParseIn(NodePtr left, bool negated) {
+    NodePtr node = NewNode(NodeKind::InList, Take());
+    node->start = left->start;
+    node->negated = negated;
+    node->children.push_back(std::move(left));
+    if (!Peek().Is(u'('))
+        FailExpression(u"Оператор In без ()");
+    if (AtQuery()) {
+        node->kind = NodeKind::InQuery;
+        node->query = ParseNestedQuery();
+    } else {
+        ParseArguments(*node);
+    }
+    return Finish(std::move(node));
+}
+
+NodePtr Parser::ParseIsNull(NodePtr left) {
+    NodePtr node = NewNode(NodeKind::IsNull, Take());
+    node->start = left->start;
+    node->negated = TakeWord("NOT");
+    if (!TakeWord("NULL"))
+        FailExpression(u"Недопустимое использование оператора Is");
+    node->children.push_back(std::move(left));
+    return Finish(std::move(node));
+}
+
+NodePtr Parser::ParsePrimary() {
+    const Token& token = Peek();
+    if (token.IsLiteral())
+        return ParseLiteral();
+    if (token.Is(u'('))
+        return ParseParenthesis();
+    if (token.IsWord("NULL")) {
+        Take();
+        return NewNode(NodeKind::Null, token);
+    }
+    if (token.IsWord("TRUE") || token.IsWord("FALSE") || token.IsWord("ON")) {
+        NodePtr node = NewNode(NodeKind::Truth, Take());
+        node->negated = token.IsWord("FALSE");
+        return node;
+    }
+    if (token.IsWord("EXISTS") && Peek(1).Is(u'(')) {
+        NodePtr node = NewNode(NodeKind::Exists, Take());
+        node->query = ParseNestedQuery();
+        return Finish(std::move(node));
+    }
+    const bool call = token.kind == TokenKind::Word && Peek(1).Is(u'(');
+    if (call && (!IsReserved(token.text) || token.IsWord("LEFT") || token.IsWord("RIGHT")))
+        return ParseCall();
+    if (AtName())
+        return ParseName();
+    FailPrimary();
+}
+
+NodePtr Parser::ParseLiteral() {
+    NodePtr node = NewNode(NodeKind::Literal, Peek());
+    node->token = Peek();
+    node->literal = m_literals[m_at];
+    Take();
+    return node;
+}
+
+NodePtr Parser::ParseParenthesis() {
+    const Nesting nesting(m_nesting);
+    if (AtQuery()) {
+        NodePtr node = NewNode(NodeKind::Subquery, Peek());
+        node->query = ParseNestedQuery();
+        return Finish(std::move(node));
+    }
+    const Token open = Take();
+    NodePtr node = ParseBinary(0);
+    if (Peek().kind == TokenKind::End || Peek().Is(u';'))
+        FailExpression(u"Отсутствует ), ] или элемент");
+    if (!TakeSign(u')'))
+        FailBehindExpression();
+    node->start = open.start;
+    node->end = m_tokens[m_at - 1].end;
+    return node;
+}
+
+NodePtr Parser::ParseName() {
+    NodePtr node = NewNode(NodeKind::Name, Peek());
+    node->name = Lexer::NameOf(Take()).toString();
+    while (Peek().Is(u'.') || Peek().Is(u'!')) {
+        const Token& part = Peek(1);
+        // Behind a point every word is a name.
+        const bool named = part.kind == TokenKind::Word || part.kind == TokenKind::Name;
+        if (!named || !node->qualifier.isEmpty())
+            FailExpression(u"Недопустимое использование '.', '!' или '()'");
+        Take();
+        node->qualifier = std::exchange(node->name, Lexer::NameOf(Take()).toString());
+    }
+    return Finish(std::move(node));
+}
+
+NodePtr Parser::ParseCall() {
+    const Nesting nesting(m_nesting);
+    NodePtr node = NewNode(NodeKind::Call, Peek());
+    node->name = Take().text.toString();
+    if (Peek(1).Is(u'*') && Peek(2).Is(u')')) {
+        node->all = true;
+        Take();
+        Take();
+        Take();
+    } else {
+        ParseArguments(*node);
+    }
+    return Finish(std::move(node));
+}
+
+/// The list in parentheses of a call or of IN.
+void Parser::ParseArguments(Node& call) {
+    Take();
+    if (TakeSign(u')')) {
+        if (call.kind != NodeKind::Call)
+            FailExpression(u"Оператор In без ()");
+        return;
+    }
+    do {
+        call.children.push_back(ParseBinary(0));
+    } while (TakeSign(u','));
+    if (Peek().kind == TokenKind::End || Peek().Is(u';'))
+        FailExpression(u"Отсутствует ), ] или элемент");
+    if (!TakeSign(u')'))
+        FailBehindExpression();
+}
+
+NodePtr Parser::ParseCriteria() {
+    m_clause = Clause::Criteria;
+    if (Peek().kind == TokenKind::End)
+        FailPrimary();
+    NodePtr node = ParseBinary(0);
+    if (Peek().kind != TokenKind::End)
+        FailBehindExpression();
+    return node;
+}
+
+} // namespace engine::sql

@@ -1,0 +1,120 @@
+#pragma once
+
+#include "platform/engine/sql/Tree.h"
+
+#include <QString>
+
+#include <string_view>
+
+namespace engine::sql {
+
+/// Reads one statement, or the criteria of a search, into its tree. Failures: the dialect's numbers for wrong
+/// syntax, 3360 for a text nested too deep.
+class Parser {
+public:
+    /// `bindsLiterals`: literals are numbered for binding, else written out.
+    Parser(QStringView text, bool bindsLiterals);
+
+    Statement ParseStatement();
+    NodePtr ParseCriteria();
+    /// A SELECT or UNION alone, as it stands inside `[SELECT ...].`
+    std::unique_ptr<Query> ParseQueryAlone();
+
+private:
+    /// Where an expression stands; tells the end of the text that a failure quotes.
+    enum class Clause : std::uint8_t { Condition, Item, Value, Criteria };
+
+    // Tokens
+    const Token& Peek(std::size_t ahead = 0) const;
+    Token Take();
+    bool TakeWord(std::string_view keyword);
+    bool TakeSign(char16_t sign);
+    bool AtWord(std::string_view keyword, std::size_t ahead = 0) const { return Peek(ahead).IsWord(keyword); }
+    bool AtName(std::size_t ahead = 0) const;
+    bool AtQuery() const;
+    /// Failure `number` unless the next token is that word, sign or a name.
+    void ExpectWord(std::string_view keyword, int number);
+    void ExpectSign(char16_t sign, int number);
+    QString ExpectName(int number);
+    bool AtClauseEnd() const;
+    bool AtJoinWord() const;
+    void ExpectStatementEnd(int number);
+
+    // Failures
+    [[noreturn]] void FailExpression(QStringView reason) const;
+    [[noreturn]] void FailPrimary() const;
+    [[noreturn]] void FailBehindExpression() const;
+    QString ClauseText() const;
+    qsizetype ClauseEnd(std::size_t from) const;
+
+    // Expressions
+    NodePtr ParseExpression(Clause clause);
+    NodePtr ParseBinary(int level);
+    NodePtr ParsePrefix();
+    NodePtr ParsePrimary();
+    NodePtr ParseComparison(NodePtr left);
+    NodePtr ParseBetween(NodePtr left, bool negated);
+    NodePtr ParseIn(NodePtr left, bool negated);
+    NodePtr ParseIsNull(NodePtr left);
+    NodePtr ParseLiteral();
+    NodePtr ParseParenthesis();
+    NodePtr ParseName();
+    NodePtr ParseCall();
+    void ParseArguments(Node& call);
+    std::unique_ptr<Query> ParseNestedQuery();
+    NodePtr NewNode(NodeKind kind, const Token& first) const;
+    NodePtr Finish(NodePtr node) const;
+
+    // Queries
+    std::unique_ptr<Query> ParseQuery();
+    QueryPart ParseQueryPart();
+    std::unique_ptr<Select> ParseSelect();
+    void ParseTop(Select& select);
+    void ParseItems(Select& select);
+    SelectItem ParseItem();
+    void ParseFrom(std::vector<SourcePtr>& from);
+    SourcePtr ParseJoins();
+    SourcePtr ParseJoinTail(SourcePtr left);
+    SourcePtr ParseSource();
+    SourcePtr ParseBracketQuery();
+    QString ParseAlias();
+    NodePtr ParseWhere();
+    void ParseGroupBy(Select& select);
+    void ParseOrderBy(Query& query);
+
+    // Statements
+    void ParseParameters();
+    void ParseTransform(Statement& statement);
+    void ParseInsert(Insert& insert);
+    void ParseValues(Insert& insert);
+    void ParseUpdate(Update& update);
+    void ParseDelete(Delete& remove);
+    void ParseSelectStatement(Statement& statement);
+
+    // Schema statements
+    void ParseCreate(SchemaChange& change);
+    void ParseCreateTable(SchemaChange& change);
+    void ParseCreateIndex(SchemaChange& change, bool unique);
+    void ParseAlter(SchemaChange& change);
+    void ParseAlterAdd(SchemaChange& change);
+    void ParseDrop(SchemaChange& change);
+    ColumnInfo ParseColumn(TableInfo& table, int number);
+    void ParseColumnType(ColumnInfo& column);
+    void ParseColumnConstraint(ColumnInfo& column, TableInfo& table, const QString& name);
+    IndexInfo ParseTableConstraint(TableInfo& table);
+    QStringList ParseColumnNames(int number);
+
+    /// Counts nested calls; failure 3360 where the text is nested too deep.
+    class Nesting;
+
+    QStringView m_text;
+    std::vector<Token> m_tokens;
+    std::vector<int> m_literals; ///< number of the literal at each token, -1 for others
+    std::size_t m_at = 0;
+    int m_nesting = 0;
+    int m_parentheses = 0; ///< queries in parentheses around the current place
+    Clause m_clause = Clause::Condition;
+    std::size_t m_clauseStart = 0; ///< token at which the current expression begins
+};
+
+} // namespace engine::sql

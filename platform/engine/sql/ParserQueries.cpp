@@ -1,0 +1,271 @@
+#include "platform/engine/EngineError.h"
+#include "platform/engine/sql/Parser.h"
+
+#include <algorithm>
+
+namespace engine::sql {
+
+namespace {
+
+/// Sets a value back when the scope ends.
+template <class T>
+class Restored {
+public:
+    explicit Restored(T& value)
+        : m_value(value)
+        , m_before(value) {}
+    ~Restored() { m_value = m_before; }
+    Restored(const Restored&) = delete;
+    Restored& operator=(const Restored&) = delete;
+
+private:
+    T& m_value;
+    T m_before;
+};
+
+constexpr int deepestQueries = 50;
+
+} // namespace
+
+std::unique_ptr<Query> Parser::ParseQueryAlone() {
+    auto query = ParseQuery();
+    ExpectStatementEnd(SyntaxInFrom);
+    return query;
+}
+
+/// A query in parentheses inside an expression or a FROM.
+std::unique_ptr<Query> Parser::ParseNestedQuery() {
+    const Restored start(m_clauseStart);
+    const Restored clause(m_clause);
+    const Restored parentheses(m_parentheses);
+    if (++m_parentheses > deepestQueries)
+        RaiseEngine(QueryTooComplex);
+    Take();
+    auto query = ParseQuery();
+    if (Peek().kind == TokenKind::End || Peek().Is(u';'))
+        FailExpression(u"Отсутствует ), ] или элемент");
+    if (!TakeSign(u')'))
+        FailBehindExpression();
+    return query;
+}
+
+std::unique_ptr<Query> Parser::ParseQuery() {
+    auto query = std::make_unique<Query>();
+    query->parts.push_back(ParseQueryPart());
+    while (TakeWord("UNION")) {
+        const bool all = TakeWord("ALL");
+        if (!AtQuery())
+            RaiseEngine(SyntaxInUnion);
+        query->parts.push_back(ParseQueryPart());
+        query->parts.back().all = all;
+    }
+    if (AtWord("ORDER"))
+        ParseOrderBy(*query);
+    if (AtWord("WITH") && AtWord("OWNERACCESS", 1) && AtWord("OPTION", 2)) {
+        // The engine has no owners; the words change nothing.
+        Take();
+        Take();
+        Take();
+    }
+    for (const auto& part : query->parts) {
+        if (part.query)
+            query->depth = std::max(query->depth, part.query->depth + 1);
+    }
+    return query;
+}
+
+QueryPart Parser::ParseQueryPart() {
+    QueryPart part;
+    if (Peek().Is(u'('))
+        part.query = ParseNestedQuery();
+    else
+        part.select = ParseSelect();
+    return part;
+}
+
+std::unique_ptr<Select> Parser::ParseSelect() {
+    auto select = std::make_unique<Select>();
+    ExpectWord("SELECT", ReservedWord);
+    if (TakeWord("DISTINCT"))
+        select->distinct = true;
+    else if (TakeWord("DISTINCTROW"))
+        select->distinctRow = true;
+    else
+        TakeWord("ALL");
+    if (TakeWord("TOP"))
+        ParseTop(*select);
+    ParseItems(*select);
+    if (TakeWord("INTO"))
+        select->into = ExpectName(ReservedWord);
+    if (TakeWord("FROM")) {
+        ParseFrom(select->from);
+        if (!AtClauseEnd())
+            RaiseEngine(SyntaxInFrom);
+    }
+    select->where = ParseWhere();
+    if (AtWord("GROUP"))
+        ParseGroupBy(*select);
+    if (TakeWord("HAVING")) {
+        if (AtClauseEnd())
+            RaiseEngine(SyntaxInHaving);
+        select->having = ParseExpression(Clause::Condition);
+        if (!AtClauseEnd())
+            FailBehindExpression();
+    }
+    return select;
+}
+
+void Parser::ParseTop(Select& select) {
+    const Token number = Take();
+    const Value value = Lexer::LiteralValue(number);
+    if (number.kind != TokenKind::Integer || value.Long() < 1)
+        RaiseEngine(InvalidTop);
+    select.top = value.Long();
+    select.percent = TakeWord("PERCENT");
+    if (select.percent && select.top > 100)
+        RaiseEngine(InvalidTop);
+}
+
+void Parser::ParseItems(Select& select) {
+    do {
+        select.items.push_back(ParseItem());
+    } while (TakeSign(u','));
+    if (!AtWord("FROM") && !AtWord("INTO") && !AtClauseEnd())
+        FailBehindExpression();
+}
+
+SelectItem Parser::ParseItem() {
+    SelectItem item;
+    if (TakeSign(u'*'))
+        return item;
+    const bool point = Peek(1).Is(u'.') || Peek(1).Is(u'!');
+    if (AtName() && point && Peek(2).Is(u'*')) {
+        item.qualifier = Lexer::NameOf(Take()).toString();
+        Take();
+        Take();
+        return item;
+    }
+    if (AtClauseEnd() || AtWord("FROM") || AtWord("INTO") || AtWord("AS") || Peek().Is(u','))
+        RaiseEngine(ReservedWord);
+    item.expression = ParseExpression(Clause::Item);
+    if (TakeWord("AS"))
+        item.alias = ExpectName(ReservedWord);
+    return item;
+}
+
+void Parser::ParseFrom(std::vector<SourcePtr>& from) {
+    do {
+        from.push_back(ParseJoins());
+    } while (TakeSign(u','));
+}
+
+SourcePtr Parser::ParseJoins() {
+    SourcePtr source = ParseSource();
+    return AtJoinWord() ? ParseJoinTail(std::move(source)) : std::move(source);
+}
+
+SourcePtr Parser::ParseJoinTail(SourcePtr left) {
+    auto join = std::make_unique<Source>();
+    if (TakeWord("LEFT"))
+        join->join = JoinKind::Left;
+    else if (TakeWord("RIGHT"))
+        join->join = JoinKind::Right;
+    else
+        ExpectWord("INNER", SyntaxInFrom);
+    if (join->join != JoinKind::Inner)
+        TakeWord("OUTER");
+    ExpectWord("JOIN", SyntaxInFrom);
+    join->left = std::move(left);
+    join->right = ParseJoins();
+    ExpectWord("ON", SyntaxInJoin);
+    join->on = ParseExpression(Clause::Condition);
+    // A further join stands in parentheses with the first.
+    if (!AtClauseEnd() && !Peek().Is(u',') && !Peek().Is(u')') && !AtWord("SET") && !AtWord("ON"))
+        FailBehindExpression();
+    join->depth = std::max(join->left->depth, join->right->depth) + 1;
+    if (join->depth > deepestQueries)
+        RaiseEngine(QueryTooComplex);
+    return join;
+}
+
+SourcePtr Parser::ParseSource() {
+    auto source = std::make_unique<Source>();
+    if (Peek().Is(u'(')) {
+        if (AtQuery()) {
+            source->query = ParseNestedQuery();
+            source->alias = ParseAlias();
+            return source;
+        }
+        const Restored parentheses(m_parentheses);
+        if (++m_parentheses > deepestQueries)
+            RaiseEngine(QueryTooComplex);
+        Take();
+        SourcePtr joined = ParseJoins();
+        ExpectSign(u')', SyntaxInFrom);
+        return joined;
+    }
+    if (Peek().kind == TokenKind::Name && Peek(1).Is(u'.') &&
+        Lexer::NameOf(Peek()).trimmed().startsWith(u"SELECT", Qt::CaseInsensitive))
+        return ParseBracketQuery();
+    source->table = ExpectName(SyntaxInFrom);
+    source->alias = ParseAlias();
+    return source;
+}
+
+/// `[SELECT ...]. AS t`: the brackets hold a statement; its literals are written out, since the name hides
+/// them.
+SourcePtr Parser::ParseBracketQuery() {
+    auto source = std::make_unique<Source>();
+    source->query = Parser(Lexer::NameOf(Take()), false).ParseQueryAlone();
+    Take();
+    source->alias = ParseAlias();
+    return source;
+}
+
+QString Parser::ParseAlias() {
+    if (TakeWord("AS"))
+        return ExpectName(SyntaxInFrom);
+    return AtName() ? Lexer::NameOf(Take()).toString() : QString();
+}
+
+NodePtr Parser::ParseWhere() {
+    if (!TakeWord("WHERE"))
+        return {};
+    if (AtClauseEnd())
+        RaiseEngine(SyntaxInWhere);
+    NodePtr condition = ParseExpression(Clause::Condition);
+    if (!AtClauseEnd())
+        FailBehindExpression();
+    return condition;
+}
+
+void Parser::ParseGroupBy(Select& select) {
+    Take();
+    ExpectWord("BY", SyntaxInGroupBy);
+    do {
+        if (AtClauseEnd() || Peek().Is(u','))
+            RaiseEngine(SyntaxInGroupBy);
+        select.groupBy.push_back(ParseExpression(Clause::Item));
+    } while (TakeSign(u','));
+    if (!AtClauseEnd())
+        FailBehindExpression();
+}
+
+void Parser::ParseOrderBy(Query& query) {
+    Take();
+    ExpectWord("BY", SyntaxInOrderBy);
+    do {
+        if (AtClauseEnd() || Peek().Is(u','))
+            RaiseEngine(SyntaxInOrderBy);
+        OrderItem item;
+        item.expression = ParseExpression(Clause::Item);
+        item.descending = TakeWord("DESC");
+        if (!item.descending)
+            TakeWord("ASC");
+        query.orderBy.push_back(std::move(item));
+    } while (TakeSign(u','));
+    if (!AtClauseEnd())
+        FailBehindExpression();
+}
+
+} // namespace engine::sql

@@ -1,0 +1,159 @@
+#pragma once
+
+#include "platform/engine/Value.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <vector>
+
+namespace engine::sql {
+
+/// A column as the file declares it.
+struct ColumnInfo {
+    QString name;
+    DataType type = DataType::Text;
+    int size = 0; ///< characters of a text column
+    bool required = false;
+    bool allowZeroLength = false;
+    bool unique = false; ///< UNIQUE written with the column
+};
+
+struct IndexInfo {
+    QString name;
+    QStringList columns;
+    bool primary = false;
+    bool unique = false;
+    bool disallowNull = false; ///< WITH DISALLOW NULL: its columns become required
+};
+
+struct TableInfo {
+    QString name;
+    std::vector<ColumnInfo> columns;
+    std::vector<IndexInfo> indexes;
+
+    /// Place of a column by name, case ignored; -1 if there is none.
+    int Find(QStringView column) const;
+    /// The primary key's only column, which SQLite keeps as the row number; -1 if the key is none or of
+    /// several.
+    int RowIdColumn() const;
+};
+
+/// What the translator asks of the open file. Names ignore case.
+class Catalog {
+public:
+    virtual ~Catalog() = default;
+    virtual const TableInfo* FindTable(QStringView name) const = 0;
+};
+
+/// A statement text taken apart: the literals, and the shape that remains. Two texts of one shape translate
+/// to the same plan and differ only in what is bound to it. Literals whose value changes the translation
+/// (behind TOP and ORDER BY, in schema statements) stay in the shape; a LIKE pattern is marked there as one
+/// with or without wildcards.
+struct Scanned {
+    QString text;
+    QString shape;
+    std::vector<Value> literals;
+    bool cacheable =
+        true; ///< false for schema statements and very long lists: their literals are written out
+};
+
+/// Failure 3360 for a text over 1,000,000 characters. A text that cannot be read to its end has no shape (it
+/// is not cacheable) and fails at Translate.
+Scanned Scan(const QString& text);
+
+/// How a literal is converted before it is bound.
+struct Parameter {
+    int literal = 0; ///< place in Scanned::literals
+    /// Assignment to a column: converted to its type, with the column's failures (3464, 3349, 3163).
+    std::optional<ColumnInfo> column;
+    QString table; ///< of the column, for messages
+};
+
+struct ResultColumn {
+    QString name;
+    DataType type = DataType::Unknown;
+};
+
+/// A top-level AND condition `column = literal` (or LIKE a literal without wildcards) of a statement on one
+/// table, through which the layer's own index in memory can find the rows. Number columns against whole
+/// numbers and text columns against texts alone. None is told where the primary key or a UNIQUE column
+/// decides already.
+struct KeyCondition {
+    int column = 0;  ///< place in the table
+    int literal = 0; ///< place in Scanned::literals
+};
+
+enum class Verb { Select, Insert, Update, Delete, SelectInto, Schema };
+
+/// One step of a schema statement, carried out by the catalog.
+struct SchemaChange {
+    enum Kind { CreateTable, DropTable, AddColumn, DropColumn, AlterColumn, CreateIndex, DropIndex };
+    Kind kind = CreateTable;
+    TableInfo table;   ///< CreateTable: the whole definition; else only its name
+    ColumnInfo column; ///< AddColumn, AlterColumn, DropColumn (name alone)
+    IndexInfo index;   ///< CreateIndex, DropIndex (name alone)
+};
+
+/// What a statement becomes. SQLite texts take ?1, ?2, ... for `parameters` in order. SQLite's own "parser
+/// stack overflow" and "Expression tree is too large" at preparing one of them mean failure 3360.
+struct Plan {
+    Verb verb = Verb::Select;
+    QString text;       ///< SQLite text; empty for Schema
+    QString ignoreText; ///< action statements: the form in which failing rows are left out (OR IGNORE)
+    std::vector<Parameter> parameters;
+    std::vector<ResultColumn> columns; ///< Select
+    QString target;                    ///< table that an action statement changes
+    bool deletesAll = false;           ///< DELETE without a condition
+    bool setsCounter = false;          ///< INSERT that names the counter column
+
+    /// Access by key: the same statement with one more condition, `rowid IN (SELECT value FROM
+    /// json_each(?n))`, n being the number of parameters plus 1. Empty if there is no such condition.
+    std::vector<KeyCondition> keys;
+    QString keyTable;
+    QString keyedText;
+    QString keyedIgnoreText;
+    QString keyedRowText; ///< as keyedText for at most one row, with the quicker condition `rowid = ?n`
+
+    /// Select on one table without grouping, DISTINCT, TOP and UNION: the text of one row with the same
+    /// columns, for rows changed since they were read. Its row number is ?n, n being the number of parameters
+    /// plus 1; the parameters of `text` are bound to it as well, since its columns may hold literals. `text`
+    /// then delivers the row number as one more, last column. Empty for results that are fixed copies.
+    QString rowText;
+    QString rowTable; ///< the table of rowText
+
+    /// TRANSFORM whose column headings its rows tell: the query that delivers the headings, as SQLite writes
+    /// them and by name. Its result goes into a second call of Translate. Else empty.
+    QString headingsText;
+
+    SchemaChange change; ///< Schema
+    TableInfo intoTable; ///< SelectInto: the table to make first; `text` is then the INSERT ... SELECT
+};
+
+/// A heading of a TRANSFORM: its value in SQLite's words, and the name of its column.
+struct Heading {
+    QString literal;
+    QString name;
+};
+
+enum class Purpose { OpenRecordset, Execute };
+
+/// Parses and resolves. Failures: those of the engine's dialect, in its order (syntax first, then names, then
+/// the kind of statement: 3219 and 3065).
+Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
+               const std::vector<Heading>* headings = nullptr);
+
+/// Criteria of FindFirst over a result with these columns: a SELECT of one truth in which column i of the
+/// result is parameter i + 1 and the literals follow. `equalities` are its top-level conditions `column =
+/// literal`; if they are all of it, `exact` is set and no row has to be evaluated.
+struct CriteriaPlan {
+    QString text;
+    std::vector<Parameter> parameters;
+    std::vector<KeyCondition> equalities;
+    bool exact = false;
+};
+/// Failures 3077 (with the reason of the syntax error) and 3070 (unknown name).
+CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultColumn>& columns);
+
+} // namespace engine::sql

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/engine/Value.h"
+
+#include <QStringView>
+
+#include <optional>
+
+namespace engine::sql {
+
+/// Whether a bare word is a keyword, which stands for a name only in brackets.
+bool IsReserved(QStringView word);
+
+/// The type that a word of a column definition names.
+std::optional<DataType> TypeOfWord(QStringView word);
+
+bool SameName(QStringView a, QStringView b);
+
+} // namespace engine::sql

@@ -1,0 +1,92 @@
+#include "platform/forms/Application.h"
+
+#include "platform/engine/DBEngine.h"
+#include "platform/forms/Controls.h"
+#include "platform/forms/Form.h"
+#include "platform/forms/MsgBox.h"
+#include "platform/forms/NestedLoop.h"
+
+#include <QAbstractEventDispatcher>
+#include <QKeyEvent>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+
+namespace forms {
+
+Application::Application(int& argc, char** argv)
+    : QApplication(argc, argv) {
+    setApplicationName(QStringView(AppTitle).toString());
+    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+    LoadToolkitTexts();
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            &Application::CommitWhenIdle);
+}
+
+Application::~Application() {
+    Form::ReleaseAll();
+    sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void Application::LoadToolkitTexts() {
+    auto* texts = new QTranslator(this);
+    const QString program = applicationDirPath();
+    for (const QString& folder :
+         {QLibraryInfo::path(QLibraryInfo::TranslationsPath), program + QStringLiteral("/translations"),
+          program + QStringLiteral("/../share/zavelik/translations")}) {
+        if (texts->load(QStringLiteral("qtbase_ru"), folder)) {
+            installTranslator(texts);
+            return;
+        }
+    }
+}
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+    try {
+        if (event->type() == QEvent::KeyPress && receiver->isWidgetType()) {
+            const std::shared_ptr<Form> form = Form::Of(static_cast<QWidget*>(receiver));
+            if (form && form->PreviewKey(*static_cast<QKeyEvent*>(event)))
+                return true;
+        }
+        return QApplication::notify(receiver, event);
+    } catch (const runtime::Failure& failure) {
+        ShowEscapedFailure(failure);
+        return true;
+    } catch (...) {
+        if (!NestedLoop::IsRunning())
+            throw;
+        NestedLoop::CarryOut();
+        return true;
+    }
+}
+
+bool Application::event(QEvent* event) {
+    const bool handled = QApplication::event(event);
+    if (event->type() == QEvent::ApplicationPaletteChange)
+        RepaintFields();
+    return handled;
+}
+
+void Application::CommitWhenIdle() {
+    // Called by the dispatcher itself, which must not be left by an exception.
+    try {
+        engine::DBEngine::Idle();
+    } catch (const runtime::Failure& failure) {
+        TellLater(failure);
+    }
+}
+
+void Application::TellLater(const runtime::Failure& failure) {
+    if (m_telling)
+        return; // one box at a time, also when each round through the loop fails anew
+    m_telling = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this, failure] {
+            ShowEscapedFailure(failure);
+            m_telling = false;
+        },
+        Qt::QueuedConnection);
+}
+
+} // namespace forms

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QApplication>
+
+namespace runtime {
+class Failure;
+}
+
+namespace forms {
+
+/// The application object: Russian locale and Russian texts of the toolkit, and the event dispatcher that
+/// shows failures which no handler took and tells the engine when control returns to the event loop. Its end
+/// takes what windows are left off the screen without their unload handlers.
+class Application : public QApplication {
+    Q_OBJECT
+
+public:
+    Application(int& argc, char** argv);
+    ~Application() override;
+
+    /// An exception that is no Failure passes through, also out of the loops of modal windows and boxes.
+    bool notify(QObject* receiver, QEvent* event) override;
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    void LoadToolkitTexts();
+    void CommitWhenIdle();
+    void TellLater(const runtime::Failure& failure);
+
+    bool m_telling = false;
+};
+
+} // namespace forms

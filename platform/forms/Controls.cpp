@@ -1,0 +1,90 @@
+#include "platform/forms/Controls.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QPalette>
+
+#include <algorithm>
+
+namespace forms {
+
+namespace {
+
+constexpr auto PaintedWhite = "paintedWhite"; ///< property of a field that PaintField has coloured
+
+QString PlainText(const QString& caption) {
+    QString text = caption;
+    return text.remove(u'&');
+}
+
+} // namespace
+
+void NameField(QWidget* field, const QString& name, QLabel* label) {
+    field->setObjectName(name);
+    field->setAccessibleName(PlainText(label->text()));
+    label->setBuddy(field);
+}
+
+QLabel* MakeLabel(const QString& name, const QString& caption, QWidget* parent) {
+    return Named(new QLabel(caption, parent), name);
+}
+
+QPushButton* MakeButton(const QString& name, const QString& caption, QWidget* parent) {
+    return Named(new QPushButton(caption, parent), name);
+}
+
+QHBoxLayout* ButtonRow(const QList<QPushButton*>& buttons) {
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    int width = 0;
+    for (const QPushButton* button : buttons)
+        width = std::max(width, button->sizeHint().width());
+    for (QPushButton* button : buttons) {
+        button->setMinimumWidth(width);
+        row->addWidget(button);
+    }
+    return row;
+}
+
+QLineEdit* MakeTextBox(const QString& name, int maxLength, QWidget* parent) {
+    auto* box = Named(new QLineEdit(parent), name);
+    if (maxLength > 0)
+        box->setMaxLength(maxLength);
+    return box;
+}
+
+void PaintField(QWidget* field, bool white) {
+    const QPalette theme = QApplication::palette(field);
+    QPalette palette = theme;
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        const QColor text = group == QPalette::Disabled ? QColor(Qt::darkGray) : QColor(Qt::black);
+        palette.setColor(group, QPalette::Base,
+                         white ? QColor(Qt::white) : theme.color(group, QPalette::Window));
+        palette.setColor(group, QPalette::Text, white ? text : theme.color(group, QPalette::WindowText));
+    }
+    field->setPalette(palette);
+    field->setProperty(PaintedWhite, white);
+}
+
+void RepaintFields() {
+    for (QWidget* field : QApplication::allWidgets()) {
+        const QVariant white = field->property(PaintedWhite);
+        if (white.isValid())
+            PaintField(field, white.toBool());
+    }
+}
+
+void ReplaceApostrophes(QLineEdit* field) {
+    QString text = field->text();
+    if (!text.contains(u'\''))
+        return;
+    const int cursor = field->cursorPosition();
+    field->setText(text.replace(u'\'', u'^'));
+    field->setCursorPosition(cursor);
+}
+
+void SelectAll(QLineEdit* field) {
+    field->selectAll();
+}
+
+} // namespace forms

@@ -1,0 +1,60 @@
+#include "platform/forms/DialogWindow.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QWindow>
+
+namespace forms {
+
+namespace {
+
+Qt::WindowFlags FlagsOf(Border border) {
+    if (border == Border::Sizable)
+        return Qt::Dialog;
+    return Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint;
+}
+
+} // namespace
+
+DialogWindow::DialogWindow(std::weak_ptr<Form> form, const Design& design)
+    : QWidget(nullptr, FlagsOf(design.border))
+    , m_form(std::move(form)) {
+    setWindowModality(Qt::ApplicationModal);
+}
+
+void DialogWindow::PlaceOver(QWidget* owner) {
+    ensurePolished();
+    adjustSize();
+    winId(); // a dialog is no child of its owner's: it may live on, hidden; so the windows are tied instead
+    windowHandle()->setTransientParent(owner ? owner->windowHandle() : nullptr);
+    const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen();
+    const QRect ground = owner ? owner->frameGeometry() : screen->availableGeometry();
+    QRect place(QPoint(), size());
+    place.moveCenter(ground.center());
+    const QRect limits = screen->availableGeometry();
+    place.moveLeft(std::max(limits.left(), std::min(place.left(), limits.right() - place.width())));
+    place.moveTop(std::max(limits.top(), std::min(place.top(), limits.bottom() - place.height())));
+    move(place.topLeft());
+}
+
+void DialogWindow::closeEvent(QCloseEvent* event) {
+    if (const std::shared_ptr<Form> form = m_form.lock())
+        form->Unload();
+    event->accept();
+}
+
+void DialogWindow::keyPressEvent(QKeyEvent* event) {
+    const std::shared_ptr<Form> form = m_form.lock();
+    if (!form || !form->PressButtonFor(*event))
+        QWidget::keyPressEvent(event);
+}
+
+void DialogWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (const std::shared_ptr<Form> form = m_form.lock())
+        form->Resized();
+}
+
+} // namespace forms

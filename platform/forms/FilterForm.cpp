@@ -1,0 +1,149 @@
+#include "platform/forms/FilterForm.h"
+
+#include "platform/forms/ListForm.h"
+#include "platform/forms/MsgBox.h"
+#include "platform/runtime/Numbers.h"
+
+#include <QHBoxLayout>
+
+namespace forms {
+
+FilterForm::FilterForm(Design design, std::function<std::shared_ptr<engine::Database>()> database)
+    : Form(std::move(design))
+    , m_database(std::move(database)) {
+}
+
+// --- Controls
+
+Criterion* FilterForm::AddTextCriterion(QWidget* parent, const QString& boxName, const QString& caption,
+                                        const QString& fieldName, int maxLength, const QString& column) {
+    auto* box = Named(new QCheckBox(caption, parent), boxName);
+    QLineEdit* field = MakeTextBox(fieldName, maxLength, parent);
+    Criterion* criterion = AddCriterion(std::make_unique<Criterion>(box, field, column));
+    On(field, &QLineEdit::textChanged,
+       [this, criterion, field] { Tick(*criterion, !field->text().isEmpty()); });
+    OnLostFocus(field, [field] { ReplaceApostrophes(field); });
+    return criterion;
+}
+
+Criterion* FilterForm::AddListCriterion(QWidget* parent, const QString& boxName, const QString& caption,
+                                        const QString& fieldName, const QString& column) {
+    auto* box = Named(new QCheckBox(caption, parent), boxName);
+    auto* list = Named(new ListBox(parent), fieldName);
+    Criterion* criterion = AddCriterion(std::make_unique<Criterion>(box, list, column));
+    On(list, &ListBox::Click, [this, criterion, list] { Tick(*criterion, list->ListIndex() >= 0); });
+    return criterion;
+}
+
+Criterion* FilterForm::AddCriterion(std::unique_ptr<Criterion> made) {
+    if (m_criteriaOf != Surface()) { // those of an earlier load have lost their controls
+        m_criteria.clear();
+        m_criteriaOf = Surface();
+    }
+    Criterion* criterion = m_criteria.emplace_back(std::move(made)).get();
+    criterion->Field()->setAccessibleName(criterion->Box()->text());
+    PaintField(criterion->Field(), false);
+    On(criterion->Box(), &QCheckBox::toggled,
+       [criterion] { PaintField(criterion->Field(), criterion->IsTicked()); });
+    return criterion;
+}
+
+void FilterForm::Tick(Criterion& criterion, bool ticked) {
+    criterion.Box()->setChecked(ticked);
+    PaintField(criterion.Field(), criterion.IsTicked());
+}
+
+QWidget* FilterForm::MakeButtonRow(QWidget* parent) {
+    auto* row = Named(new QWidget(parent), QStringLiteral("buttonRow"));
+    QPushButton* cmdFind = MakeButton(QStringLiteral("cmdFind"), QStringLiteral("Найти"), row);
+    QPushButton* cmdCancel = MakeButton(QStringLiteral("cmdCancel"), QStringLiteral("Отмена"), row);
+    const int width = std::max(cmdFind->sizeHint().width(), cmdCancel->sizeHint().width());
+    cmdFind->setMinimumWidth(width);
+    cmdCancel->setMinimumWidth(width);
+
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addStretch();
+    layout->addWidget(cmdFind);
+    layout->addWidget(cmdCancel);
+
+    SetDefaultButton(cmdFind);
+    SetCancelButton(cmdCancel);
+    On(cmdFind, &QPushButton::clicked, [this] { cmdFind_Click(); });
+    On(cmdCancel, &QPushButton::clicked, [this] { cmdCancel_Click(); });
+    return row;
+}
+
+// --- Events
+
+void FilterForm::Form_Load() {
+    engine::Recordset rows;
+    try {
+        const ListSource source = Source();
+        rows = Database().OpenRecordset(source.statement, engine::dbOpenDynaset);
+        if (rows.RecordCount() == 0) {
+            MsgBox(source.emptyMessage, Icon::Critical);
+            return;
+        }
+        rows.MoveLast();
+        rows.MoveFirst();
+        for (; !rows.EndOfFile(); rows.MoveNext())
+            source.list->AddItem(rows.Fields(0).Text());
+        rows.Close();
+        List().Show();
+        Attach();
+        SetTag(QStringLiteral("1"));
+    } catch (const runtime::Failure& failure) {
+        ShowErrorBox(Name() + QStringLiteral(" функция Form_Load:"), failure);
+    }
+}
+
+void FilterForm::Form_Terminate() {
+    if (m_list)
+        m_list->SetFilterPtr(nullptr, true);
+}
+
+void FilterForm::cmdFind_Click() {
+    const QString sql = Statement();
+    PrepareList();
+    List().DoNotFillGrid(true);
+    List().FillGrid(sql);
+    SetTag(QStringLiteral("1"));
+    SetVisible(false);
+}
+
+void FilterForm::cmdCancel_Click() {
+    PrepareList();
+    SetTag(QStringLiteral("1"));
+    SetVisible(false);
+    List().DoNotFillGrid(false);
+}
+
+// --- The list
+
+engine::Database& FilterForm::Database() const {
+    const std::shared_ptr<engine::Database> database = m_database();
+    if (!database)
+        runtime::Raise(runtime::ObjectNotSet);
+    return *database;
+}
+
+ListForm& FilterForm::List() {
+    if (!m_list)
+        m_list = MakeList();
+    return *m_list;
+}
+
+void FilterForm::Attach() {
+    List().SetFilterPtr(std::static_pointer_cast<FilterForm>(shared_from_this()), false);
+}
+
+void FilterForm::PrepareList() {
+    // A filter whose load failed has no list yet; it gets one that the user sees.
+    if (!List().IsLoaded())
+        List().Show();
+    if (runtime::Val(Tag()) != 1)
+        Attach();
+}
+
+} // namespace forms

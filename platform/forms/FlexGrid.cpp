@@ -1,0 +1,346 @@
+#include "platform/forms/FlexGrid.h"
+
+#include "platform/forms/FlexGridModel.h"
+#include "platform/forms/Twips.h"
+#include "platform/runtime/Failure.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+
+#include <algorithm>
+#include <numeric>
+
+namespace forms {
+
+namespace {
+
+constexpr int ImpossibleRow = 30009;
+constexpr int RowPadding = 6;        ///< logical pixels above and below the text of a row together
+constexpr int LeastDraggedWidth = 8; ///< logical pixels
+
+int ViewWidth(int twips) {
+    return std::max(1, ToPixels(twips));
+}
+
+/// Shows the current row marked, unless it is blank: the row under the header of an empty list is no record.
+class RowDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem cell = option;
+        if (cell.state.testFlag(QStyle::State_Selected) && IsBlank(index)) {
+            cell.state.setFlag(QStyle::State_Selected, false);
+            painter->fillRect(cell.rect, cell.palette.base()); // the view has marked the ground already
+        }
+        QStyledItemDelegate::paint(painter, cell, index);
+    }
+
+private:
+    static bool IsBlank(const QModelIndex& index) {
+        for (int col = 0; col < index.model()->columnCount(); ++col)
+            if (!index.siblingAtColumn(col).data().toString().isEmpty())
+                return false;
+        return true;
+    }
+};
+
+} // namespace
+
+FlexGrid::FlexGrid(int rows, int cols, QWidget* parent)
+    : QTableView(parent)
+    , m_model(new Model(rows, cols, this))
+    , m_colWidths(cols, DefaultColWidth) {
+    setModel(m_model);
+    setItemDelegate(new RowDelegate(this));
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false);
+    setWordWrap(false);
+    setAlternatingRowColors(true);
+    setShowGrid(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setCornerButtonEnabled(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    QHeaderView* header = horizontalHeader();
+    header->setSectionsClickable(false);
+    header->setHighlightSections(false);
+    header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header->setMinimumSectionSize(LeastDraggedWidth);
+    header->setDefaultSectionSize(ViewWidth(DefaultColWidth));
+    header->viewport()->installEventFilter(this);
+    connect(header, &QHeaderView::sectionResized, this, [this](int col, int /*before*/, int now) {
+        if (!m_settling && now > 0)
+            m_colWidths[col] = ToTwips(now);
+    });
+    for (int col = 0; col < cols; ++col)
+        ApplyColWidth(col);
+    ApplyRowHeight();
+    ApplyCurrent();
+}
+
+FlexGrid::~FlexGrid() = default;
+
+// --- Rows, columns, cells
+
+int FlexGrid::Rows() const {
+    return m_model->Rows();
+}
+
+void FlexGrid::SetRows(int rows) {
+    if (rows < 2) // the fixed row and one more
+        runtime::Raise(runtime::InvalidPropertyValue);
+    m_row = std::min(m_row, rows - 1);
+    {
+        const QScopedValueRollback settling(m_settling, true);
+        m_model->SetRows(rows);
+    }
+    ApplyCurrent();
+}
+
+int FlexGrid::Cols() const {
+    return m_model->Cols();
+}
+
+void FlexGrid::SetCols(int cols) {
+    if (cols < 0)
+        runtime::Raise(runtime::InvalidPropertyValue);
+    m_col = std::max(0, std::min(m_col, cols - 1));
+    m_colWidths.resize(cols, DefaultColWidth);
+    {
+        const QScopedValueRollback settling(m_settling, true);
+        m_model->SetCols(cols);
+    }
+    if (m_fillings == 0)
+        for (int col = 0; col < cols; ++col)
+            ApplyColWidth(col);
+    ApplyCurrent();
+}
+
+void FlexGrid::CheckCell(int row, int col) const {
+    if (row < 0 || row >= Rows() || col < 0 || col >= Cols())
+        runtime::Raise(runtime::InvalidPropertyIndex);
+}
+
+QString FlexGrid::TextMatrix(int row, int col) const {
+    CheckCell(row, col);
+    return m_model->At(row, col).toString();
+}
+
+void FlexGrid::SetTextMatrix(int row, int col, QStringView text) {
+    CheckCell(row, col);
+    m_model->Set(row, col, text);
+}
+
+void FlexGrid::SetColAlignment(int col, Alignment alignment) {
+    CheckCell(0, col);
+    m_model->SetAlignment(col, alignment);
+}
+
+void FlexGrid::Clear() {
+    m_model->Clear();
+}
+
+int FlexGrid::ColWidth(int col) const {
+    if (col == -1)
+        return 0;
+    CheckCell(0, col);
+    return m_colWidths[col];
+}
+
+void FlexGrid::SetColWidth(int col, int twips) {
+    if (col == -1)
+        return;
+    CheckCell(0, col);
+    m_colWidths[col] = twips < 0 ? DefaultColWidth : twips;
+    if (m_fillings == 0)
+        ApplyColWidth(col);
+}
+
+void FlexGrid::ApplyColWidth(int col) {
+    const QScopedValueRollback settling(m_settling, true);
+    const int twips = m_colWidths[col];
+    setColumnHidden(col, twips == 0);
+    if (twips > 0)
+        setColumnWidth(col, ViewWidth(twips));
+}
+
+void FlexGrid::ApplyRowHeight() {
+    verticalHeader()->setMinimumSectionSize(1);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowPadding);
+}
+
+// --- The current cell
+
+int FlexGrid::Row() const {
+    return m_row;
+}
+
+int FlexGrid::Col() const {
+    return m_col;
+}
+
+void FlexGrid::SetRow(int row) {
+    if (row < 1 || row >= Rows())
+        runtime::Raise(ImpossibleRow);
+    m_row = row;
+    ApplyCurrent();
+    if (m_fillings == 0)
+        scrollTo(currentIndex());
+}
+
+void FlexGrid::ApplyCurrent() {
+    if (m_fillings > 0)
+        return;
+    const QModelIndex index = m_model->index(m_row - 1, m_col);
+    if (!index.isValid() || (index == currentIndex() && selectionModel()->isSelected(index)))
+        return;
+    const QScopedValueRollback settling(m_settling, true);
+    setAutoScroll(false);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    setAutoScroll(true);
+}
+
+void FlexGrid::currentChanged(const QModelIndex& now, const QModelIndex& before) {
+    QTableView::currentChanged(now, before);
+    if (m_settling || m_fillings > 0 || !now.isValid())
+        return;
+    m_row = now.row() + 1;
+    m_col = now.column();
+}
+
+QItemSelectionModel::SelectionFlags FlexGrid::selectionCommand(const QModelIndex& index,
+                                                               const QEvent* /*event*/) const {
+    if (!index.isValid())
+        return QItemSelectionModel::NoUpdate;
+    return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+}
+
+QModelIndex FlexGrid::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    // The row is what counts here, so these two keys go to the ends of the list.
+    if (action == MoveHome)
+        return m_model->index(0, m_col);
+    if (action == MoveEnd)
+        return m_model->index(Rows() - 2, m_col);
+    return QTableView::moveCursor(action, modifiers);
+}
+
+// --- Fills
+
+FlexGrid::Filling::Filling(FlexGrid& grid)
+    : m_grid(grid) {
+    m_grid.StartFilling();
+}
+
+FlexGrid::Filling::~Filling() {
+    m_grid.EndFilling();
+}
+
+void FlexGrid::StartFilling() {
+    if (m_fillings++ == 0)
+        m_model->StartFilling();
+}
+
+void FlexGrid::EndFilling() {
+    if (--m_fillings > 0)
+        return;
+    const int top = verticalScrollBar()->value();
+    const int left = horizontalScrollBar()->value();
+    {
+        const QScopedValueRollback settling(m_settling, true);
+        m_model->EndFilling();
+    }
+    for (int col = 0; col < Cols(); ++col)
+        ApplyColWidth(col);
+    ApplyCurrent();
+    executeDelayedItemsLayout();
+    verticalScrollBar()->setValue(top);
+    horizontalScrollBar()->setValue(left);
+}
+
+// --- Mouse and keyboard
+
+void FlexGrid::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && indexAt(event->pos()).isValid()) {
+        QTableView::mousePressEvent(event);
+        return;
+    }
+    event->accept();
+    if (event->button() == Qt::RightButton)
+        Q_EMIT ContextMenuRequested(event->globalPosition().toPoint());
+}
+
+void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
+    event->accept();
+    if (event->button() == Qt::LeftButton) {
+        const QModelIndex cell = indexAt(event->pos());
+        if (cell.isValid())
+            setCurrentIndex(cell);
+        Q_EMIT DblClick();
+    } else if (event->button() == Qt::RightButton)
+        Q_EMIT ContextMenuRequested(event->globalPosition().toPoint());
+}
+
+bool FlexGrid::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == horizontalHeader()->viewport() &&
+        (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (mouse->button() == Qt::RightButton) {
+            Q_EMIT ContextMenuRequested(mouse->globalPosition().toPoint());
+            return true;
+        }
+        // On the edge between two columns a double click fits the column.
+        const bool onEdge = horizontalHeader()->cursor().shape() == Qt::SplitHCursor;
+        if (event->type() == QEvent::MouseButtonDblClick && mouse->button() == Qt::LeftButton && !onEdge) {
+            Q_EMIT DblClick();
+            return true;
+        }
+    }
+    return QTableView::eventFilter(watched, event);
+}
+
+void FlexGrid::contextMenuEvent(QContextMenuEvent* event) {
+    event->accept(); // asked for by the button or the key already
+}
+
+void FlexGrid::keyPressEvent(QKeyEvent* event) {
+    const bool wantsMenu = event->key() == Qt::Key_Menu ||
+                           (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
+    if (!wantsMenu) {
+        QTableView::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    const QRect ground = viewport()->rect();
+    const QRect cell = visualRect(currentIndex()) & ground;
+    const QPoint place = cell.isEmpty() ? ground.topLeft() : cell.bottomLeft();
+    Q_EMIT ContextMenuRequested(viewport()->mapToGlobal(place));
+}
+
+void FlexGrid::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        ApplyRowHeight();
+}
+
+// --- The Resize rule
+
+void StretchLastColumn(FlexGrid& grid, int gridWidth) {
+    constexpr int Reserve = 400;
+    constexpr int LeastWidth = 1500;
+    int sum = 0;
+    for (int col = 0; col <= grid.Cols() - 2; ++col)
+        sum += grid.ColWidth(col);
+    const int rest = gridWidth - sum - Reserve;
+    if (gridWidth > sum && rest > LeastWidth)
+        grid.SetColWidth(grid.Cols() - 1, rest);
+}
+
+} // namespace forms

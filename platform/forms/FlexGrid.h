@@ -1,0 +1,107 @@
+#pragma once
+
+#include <QTableView>
+
+#include <vector>
+
+namespace forms {
+
+/// A read-only table of texts under one fixed row. Rows and columns count from 0; row 0 is the fixed row,
+/// shown as the horizontal header. The cells are a plain copy of texts, kept compactly.
+///
+/// Failures: 381 for a cell or column outside the grid, 30009 for an impossible current row, 380 for fewer
+/// than two rows or a negative number of columns.
+class FlexGrid : public QTableView {
+    Q_OBJECT
+
+public:
+    explicit FlexGrid(int rows, int cols, QWidget* parent = nullptr);
+    ~FlexGrid() override;
+
+    static constexpr int DefaultColWidth = 960; ///< twips
+
+    int Rows() const;
+    /// Keeps the cells that remain, adds blank ones; the current row falls back to the last row if it is cut
+    /// off.
+    void SetRows(int rows);
+    int Cols() const;
+    void SetCols(int cols);
+
+    QString TextMatrix(int row, int col) const;
+    void SetTextMatrix(int row, int col, QStringView text);
+
+    /// Width of a column in twips; 0 hides it, -1 restores the default. Column -1 is ignored.
+    int ColWidth(int col) const;
+    void SetColWidth(int col, int twips);
+
+    enum Alignment { LeftTop = 0, LeftCentre = 1, LeftBottom = 2, RightCentre = 7, General = 9 };
+    void SetColAlignment(int col, Alignment alignment);
+
+    /// Empties all cells, the fixed ones too; rows, columns, widths and alignments stay.
+    void Clear();
+
+    /// The current row and column, from the first row that is not fixed; both stay over Clear and growth.
+    int Row() const;
+    void SetRow(int row);
+    int Col() const;
+
+    /// Free text of the owner.
+    QString Tag() const { return m_tag; }
+    void SetTag(const QString& tag) { m_tag = tag; }
+
+    /// Batch of changes in which the view does not follow every cell; a guard for fills.
+    class Filling {
+    public:
+        explicit Filling(FlexGrid& grid);
+        ~Filling();
+        Filling(const Filling&) = delete;
+        Filling& operator=(const Filling&) = delete;
+
+    private:
+        FlexGrid& m_grid;
+    };
+
+Q_SIGNALS:
+    /// Right mouse button down on the grid, or the Menu key or Shift+F10: where a context menu belongs. Row
+    /// and Col have not moved.
+    void ContextMenuRequested(QPoint screenPosition);
+    /// Double click of the left button, also on the header and on empty ground.
+    void DblClick();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void currentChanged(const QModelIndex& now, const QModelIndex& before) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event = nullptr) const override;
+
+private:
+    class Model;
+
+    void CheckCell(int row, int col) const;
+    void ApplyColWidth(int col);
+    void ApplyRowHeight();
+    /// Makes the view's current index that of Row and Col again.
+    void ApplyCurrent();
+    void StartFilling();
+    void EndFilling();
+
+    Model* m_model;
+    QString m_tag;
+    std::vector<int> m_colWidths; ///< twips
+    int m_row = 1;
+    int m_col = 0;
+    int m_fillings = 0;
+    bool m_settling = false; ///< the view is being set by program
+};
+
+/// The rule of sizable windows over one grid: if more than 1500 twips are left in `gridWidth` behind the
+/// columns before the last and a reserve of 400, the last column takes them; else it keeps its width.
+void StretchLastColumn(FlexGrid& grid, int gridWidth);
+
+} // namespace forms

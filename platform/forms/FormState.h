@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/forms/ChildFrame.h"
+#include "platform/forms/Form.h"
+#include "platform/forms/NestedLoop.h"
+
+#include <QEventLoop>
+#include <QPushButton>
+
+#include <unordered_map>
+
+namespace forms {
+
+using FieldRules = std::unordered_map<const QObject*, std::vector<std::function<void()>>>;
+
+/// What a form knows of its window from load to unload.
+struct Form::State {
+    QString tag;
+    QPointer<ChildFrame> frame; ///< of a child window
+    QPointer<QPushButton> defaultButton;
+    QPointer<QPushButton> cancelButton;
+    FieldRules leaving;
+    FieldRules entering;
+    /// The field that lost the focus to another window or to a menu; getting it back is no entering.
+    QPointer<QWidget> resting;
+    /// What had the focus when the window was hidden: hiding passes it on to the next widget, showing gives
+    /// it back.
+    QPointer<QWidget> focusBeforeHiding;
+    QEventLoop* modalLoop = nullptr; ///< of the modal show that is running
+    bool unloading = false;
+};
+
+} // namespace forms

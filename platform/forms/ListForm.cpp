@@ -1,0 +1,182 @@
+#include "platform/forms/ListForm.h"
+
+#include "platform/forms/Controls.h"
+#include "platform/forms/FilterForm.h"
+#include "platform/forms/MdiForm.h"
+#include "platform/forms/MsgBox.h"
+#include "platform/forms/Twips.h"
+#include "platform/runtime/Numbers.h"
+
+#include <QStyle>
+
+namespace forms {
+
+namespace {
+
+// The Resize rule, in twips.
+constexpr int GridPlace = 120;
+constexpr int BesideGrid = 390;
+constexpr int BelowGrid = 1080;
+constexpr int LeastHeight = 2000;
+constexpr int AboveCount = 200;
+constexpr int BesideLabel = 100;
+constexpr int LabelWidth = 1605;
+constexpr int CountWidth = 495;
+
+// The row of the count, in logical pixels: low enough to stand whole in what the rule leaves for it.
+constexpr int GapBelowCount = 2;
+constexpr int AroundCount = 6; ///< above and below its text together
+constexpr int TextMargin = 4;  ///< between the frame of a text box and its text
+
+/// What the box of the count needs for the longest one.
+int WidthForCount(const QLineEdit& box) {
+    const int frame = box.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, &box);
+    return box.fontMetrics().horizontalAdvance(QStringLiteral("32767")) + 2 * (frame + TextMargin);
+}
+
+} // namespace
+
+ListForm::ListForm(Design design, ListDesign list,
+                   std::function<std::shared_ptr<engine::Database>()> database)
+    : Form(std::move(design))
+    , m_list(std::move(list))
+    , m_database(std::move(database)) {
+}
+
+// --- Operations
+
+void ListForm::DoNotFillGrid(bool bNeedFill) {
+    bFillEnabled = bNeedFill;
+}
+
+void ListForm::FillGrid(const QString& strSQL) {
+    if (!bFillEnabled || !IsLoaded()) // a card may outlive its list
+        return;
+    engine::Recordset rows;
+    try {
+        if (!strSQL.isEmpty())
+            strCurrentSQL = strSQL;
+        else if (strCurrentSQL.isEmpty())
+            strCurrentSQL = m_list.defaultStatement;
+        const std::shared_ptr<engine::Database> database = m_database();
+        if (!database)
+            runtime::Raise(runtime::ObjectNotSet);
+        rows = database->OpenRecordset(strCurrentSQL, engine::dbOpenDynaset);
+        if (rows.RecordCount() > 0) {
+            rows.MoveLast();
+            rows.MoveFirst();
+        }
+        const FlexGrid::Filling filling(*m_grid);
+        PrepareGrid(rows.RecordCount());
+        if (rows.RecordCount() > 0)
+            FillRows(rows);
+        rows.Close();
+    } catch (const runtime::Failure& failure) {
+        ShowErrorBox(Name() + QStringLiteral(" функция FillGrid:"), failure);
+    }
+}
+
+void ListForm::PrepareGrid(std::int64_t count) {
+    m_grid->Clear();
+    SetGridHeader();
+    m_grid->SetTag(QString::number(count));
+    txtRecordsNumber->setText(m_grid->Tag());
+    m_grid->SetRows(count == 0 ? 2 : static_cast<int>(count) + 1);
+}
+
+void ListForm::FillRows(engine::Recordset& rows) {
+    const runtime::Int16 last(rows.RecordCount());
+    std::vector<engine::Field> fields;
+    for (const ListColumn& column : m_list.columns)
+        fields.push_back(rows.Fields(column.field));
+    for (runtime::Int16 row(1); row <= last; ++row) {
+        for (std::size_t column = 0; column < fields.size(); ++column)
+            m_grid->SetTextMatrix(row, static_cast<int>(column), fields[column].Text());
+        rows.MoveNext();
+    }
+}
+
+void ListForm::ShowFilter() {
+    if (bFilterAttached) {
+        const std::shared_ptr<FilterForm> filter = frmFilterPtr;
+        filter->SetVisible(true);
+        return;
+    }
+    frmFilterPtr = MakeFilter();
+    const std::shared_ptr<FilterForm> filter = frmFilterPtr;
+    filter->SetVisible(true);
+    bFilterAttached = true;
+}
+
+void ListForm::SetFilterPtr(std::shared_ptr<FilterForm> ptr, bool bNothing) {
+    bFilterAttached = !bNothing;
+    // The old one may end with this reference and call here again: the new state stands before.
+    const std::shared_ptr<FilterForm> old = std::exchange(frmFilterPtr, std::move(ptr));
+}
+
+// --- Window
+
+void ListForm::CreateControls(QWidget* surface) {
+    m_grid = Named(new FlexGrid(2, static_cast<int>(m_list.columns.size()), surface), m_list.gridName);
+    m_grid->setAccessibleName(Caption());
+    m_grid->SetTag(QStringLiteral("0"));
+    lblRecordsNumber =
+        MakeLabel(QStringLiteral("lblRecordsNumber"), QStringLiteral("Количество записей:"), surface);
+    txtRecordsNumber = MakeTextBox(QStringLiteral("txtRecordsNumber"), 0, surface);
+    txtRecordsNumber->setReadOnly(true);
+    NameField(txtRecordsNumber, QStringLiteral("txtRecordsNumber"), lblRecordsNumber);
+    On(m_grid, &FlexGrid::ContextMenuRequested,
+       [menu = m_list.contextMenu](QPoint place) { PopupMenu(menu, place); });
+}
+
+void ListForm::SetGridHeader() {
+    for (int i = 0; i < m_grid->Cols(); ++i) {
+        const ListColumn& column = m_list.columns[static_cast<std::size_t>(i)];
+        if (column.width > 0)
+            m_grid->SetColWidth(i, column.width);
+        m_grid->SetTextMatrix(0, i, column.header);
+        if (column.always)
+            m_grid->SetColAlignment(i, FlexGrid::LeftBottom);
+    }
+}
+
+void ListForm::Form_Load() {
+    SetGridHeader();
+    bFilterAttached = false;
+    bFillEnabled = false;
+}
+
+void ListForm::Form_Resize() {
+    if (IsMinimised())
+        return;
+    const int gridWidth = std::max(0, Width() - BesideGrid);
+    if (Height() < LeastHeight)
+        SetHeight(LeastHeight);
+    const int gridHeight = Height() - BelowGrid;
+    StretchLastColumn(*m_grid, gridWidth);
+
+    // A font larger than the rule was made for takes the height of its row from the grid.
+    const int rowHeight = txtRecordsNumber->fontMetrics().height() + AroundCount;
+    const int rowTop = ToPixels(gridHeight + GridPlace + AboveCount);
+    const int missing = std::max(0, rowTop + rowHeight + GapBelowCount - Surface()->height());
+    const QRect grid(ToPixels(GridPlace), ToPixels(GridPlace), ToPixels(gridWidth),
+                     std::max(0, ToPixels(gridHeight) - missing));
+    m_grid->setGeometry(grid);
+
+    const int countWidth = std::max(ToPixels(CountWidth), WidthForCount(*txtRecordsNumber));
+    const int labelWidth = std::max(ToPixels(LabelWidth), lblRecordsNumber->sizeHint().width());
+    const QRect count(grid.left() + grid.width() - countWidth, rowTop - missing, countWidth, rowHeight);
+    txtRecordsNumber->setGeometry(count);
+    lblRecordsNumber->setGeometry(count.left() - ToPixels(BesideLabel) - labelWidth, count.top(), labelWidth,
+                                  rowHeight);
+}
+
+void ListForm::Form_Unload() {
+    if (bFilterAttached) {
+        const std::shared_ptr<FilterForm> filter = frmFilterPtr;
+        filter->Unload();
+    }
+    SetFilterPtr(nullptr, true);
+}
+
+} // namespace forms

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "platform/engine/Database.h"
+#include "platform/forms/FlexGrid.h"
+#include "platform/forms/Form.h"
+
+#include <vector>
+
+class QLabel;
+class QLineEdit;
+
+namespace forms {
+
+class FilterForm;
+
+/// A column of a list: header, field of the statement, width in twips (0: left to the grid or the Resize
+/// rule).
+struct ListColumn {
+    QString header;
+    QString field;
+    int width = 0;
+    bool always = false; ///< the key: shown whatever it holds, and aligned left although it is a number
+};
+
+/// What makes one list differ from another.
+struct ListDesign {
+    QString gridName;         ///< object name of the grid
+    QString contextMenu;      ///< menu of the frame that the right mouse button pops up
+    QString defaultStatement; ///< what a refresh of a list that was never filled shows
+    std::vector<ListColumn> columns;
+};
+
+/// The list of one statement: a grid, the number of its rows, a filter that it is paired with. Fill, freeze,
+/// count and Resize rule are the same for every list.
+class ListForm : public Form {
+    Q_OBJECT
+
+public:
+    /// True permits fills, False suppresses them, in spite of the operation's name.
+    Q_INVOKABLE void DoNotFillGrid(bool bNeedFill);
+    /// Runs the statement into the grid; an empty text runs the one of the last fill, or the default one.
+    Q_INVOKABLE void FillGrid(const QString& strSQL);
+    /// Brings up the paired filter, or makes a new one.
+    Q_INVOKABLE void ShowFilter();
+    void SetFilterPtr(std::shared_ptr<FilterForm> ptr, bool bNothing);
+
+    const QString& CurrentSQL() const { return strCurrentSQL; }
+
+protected:
+    ListForm(Design design, ListDesign list, std::function<std::shared_ptr<engine::Database>()> database);
+
+    virtual std::shared_ptr<FilterForm> MakeFilter() = 0;
+    void SetGridHeader();
+    FlexGrid* Grid() const { return m_grid; }
+
+    void CreateControls(QWidget* surface) override;
+    void Form_Load() override;
+    void Form_Resize() override;
+    void Form_Unload() override;
+
+private:
+    void PrepareGrid(std::int64_t count);
+    void FillRows(engine::Recordset& rows);
+
+    ListDesign m_list;
+    std::function<std::shared_ptr<engine::Database>()> m_database;
+    FlexGrid* m_grid = nullptr;
+    QLabel* lblRecordsNumber = nullptr;
+    QLineEdit* txtRecordsNumber = nullptr;
+
+    std::shared_ptr<FilterForm> frmFilterPtr;
+    QString strCurrentSQL;
+    bool bFilterAttached = false;
+    bool bFillEnabled = false;
+};
+
+} // namespace forms

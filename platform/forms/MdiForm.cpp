@@ -1,0 +1,414 @@
+#include "platform/forms/MdiForm.h"
+
+#include "platform/forms/ChildFrame.h"
+#include "platform/forms/FormState.h"
+#include "platform/forms/FrameWindow.h"
+#include "platform/forms/NestedLoop.h"
+#include "platform/runtime/Failure.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QMdiArea>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMetaMethod>
+#include <QScreen>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace forms {
+
+namespace {
+MdiForm* current = nullptr;
+}
+
+struct MdiForm::FrameState {
+    QPointer<FrameWindow> window;
+    QMdiArea* area = nullptr;
+    QPointer<ChildFrame> front; ///< what the area made active last
+    std::weak_ptr<Form> active; ///< whose activation has run
+    int switching = 0;          ///< operations on the children in progress
+    int placed = 0;             ///< children that have taken their places since the area was empty
+    bool closing = false;
+    QMenu* windowMenu = nullptr;
+    QList<QAction*> windowList;
+};
+
+/// Holds Form_Activate back while children are shown, hidden or taken away; it runs once at the end.
+class MdiForm::Switching {
+public:
+    explicit Switching(std::shared_ptr<FrameState> frame)
+        : m_frame(std::move(frame)) {
+        ++m_frame->switching;
+    }
+    ~Switching() { --m_frame->switching; }
+    Switching(const Switching&) = delete;
+    Switching& operator=(const Switching&) = delete;
+
+private:
+    std::shared_ptr<FrameState> m_frame;
+};
+
+MdiForm::MdiForm(Design design)
+    : Form(std::move(design)) {
+}
+
+MdiForm::~MdiForm() = default;
+
+MdiForm* MdiForm::Current() {
+    return current && current->IsLoaded() ? current : nullptr;
+}
+
+QMainWindow* MdiForm::Window() const {
+    return m_frame ? m_frame->window.data() : nullptr;
+}
+
+QMdiArea* MdiForm::Area() const {
+    return m_frame ? m_frame->area : nullptr;
+}
+
+QWidget* MdiForm::MakeSurface() {
+    m_frame = std::make_shared<FrameState>();
+    auto* window = new FrameWindow(weak_from_this());
+    window->setContextMenuPolicy(Qt::NoContextMenu);
+    auto* area = new QMdiArea(window);
+    area->setObjectName(QStringLiteral("mdiArea"));
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area->setActivationOrder(QMdiArea::StackingOrder);
+    area->setOption(QMdiArea::DontMaximizeSubWindowOnActivation); // a fixed window must not grow
+    area->setBackground(FrameWindow::GroundOf(window->palette()));
+    window->setCentralWidget(area);
+    const QSize screen = window->screen()->availableSize();
+    window->resize(screen * 3 / 4);
+
+    m_frame->window = window;
+    m_frame->area = area;
+    current = this;
+    QObject::connect(area, &QMdiArea::subWindowActivated, window, [this](QMdiSubWindow* child) {
+        if (!child)
+            return; // the program lost the focus
+        m_frame->front = qobject_cast<ChildFrame*>(child);
+        Settle();
+    });
+    return window;
+}
+
+void MdiForm::UnloadDependants() {
+    m_frame->closing = true;
+    const auto isChild = [](const std::shared_ptr<Form>& form) { return form->m_design.kind == Kind::Child; };
+    while (true) {
+        const std::vector<std::shared_ptr<Form>> loaded = Loaded();
+        const auto child = std::find_if(loaded.begin(), loaded.end(), isChild);
+        if (child == loaded.end())
+            return;
+        (*child)->Unload();
+    }
+}
+
+// --- The active child
+
+std::shared_ptr<Form> MdiForm::ActiveForm() const {
+    const std::shared_ptr<Form> active = m_frame ? m_frame->active.lock() : nullptr;
+    return active && active->IsLoaded() ? active : nullptr;
+}
+
+ChildFrame* MdiForm::AddChild(Form& child) {
+    auto* frame = new ChildFrame(child.weak_from_this(), child.m_design);
+    const Switching switching(m_frame);
+    m_frame->area->addSubWindow(frame, frame->windowFlags());
+    frame->hide();
+    return frame;
+}
+
+void MdiForm::ShowChild(ChildFrame* frame) {
+    const std::shared_ptr<Form> form = frame->Owner();
+    {
+        const Switching switching(m_frame);
+        const bool appears = frame->isHidden();
+        if (frame->TakePlace() && m_frame->window->isVisible())
+            PlaceNew(*frame);
+        frame->show();
+        if (appears)
+            form->Resized();
+        if (!form->IsLoaded())
+            return;
+        m_frame->area->setActiveSubWindow(frame);
+        frame->raise();
+        form->TakeFirstFocus();
+        m_frame->front = frame;
+    }
+    Settle();
+}
+
+void MdiForm::HideChild(ChildFrame* frame) {
+    {
+        const Switching switching(m_frame);
+        const std::shared_ptr<Form> form = frame->Owner();
+        if (form && form->IsLoaded())
+            form->m->focusBeforeHiding = form->Surface()->focusWidget();
+        frame->hide();
+        if (m_frame->front == frame)
+            ActivateNext();
+    }
+    Settle();
+}
+
+void MdiForm::RemoveChild(ChildFrame* frame) {
+    {
+        const Switching switching(m_frame);
+        const bool wasFront = m_frame->front == frame;
+        frame->hide();
+        m_frame->area->removeSubWindow(frame);
+        if (wasFront)
+            ActivateNext();
+    }
+    Settle();
+}
+
+void MdiForm::ActivateNext() {
+    ChildFrame* next = nullptr;
+    for (QMdiSubWindow* window : m_frame->area->subWindowList(QMdiArea::StackingOrder)) {
+        auto* frame = qobject_cast<ChildFrame*>(window);
+        if (frame && !frame->isHidden() && (!frame->isMinimized() || !next))
+            next = frame;
+    }
+    m_frame->area->setActiveSubWindow(next);
+    m_frame->front = next;
+}
+
+void MdiForm::Settle() {
+    const std::shared_ptr<FrameState> state = m_frame;
+    if (state->switching > 0)
+        return;
+    const ChildFrame* front = state->front;
+    const std::shared_ptr<Form> form = front && !front->isHidden() ? front->Owner() : nullptr;
+    if (form == state->active.lock())
+        return;
+    state->active = form;
+    if (form && form->IsLoaded() && !state->closing)
+        form->Dispatch([&form] { form->Form_Activate(); });
+}
+
+void MdiForm::FollowWindowActivation(const std::function<void()>& deliver) {
+    const std::shared_ptr<FrameState> state = m_frame;
+    const Switching switching(state);
+    const QPointer<ChildFrame> front = state->front;
+    deliver();
+    // The area may choose another child than the one that was active when the program lost the focus.
+    if (front && !front->isHidden() && state->window && state->window->isActiveWindow())
+        state->area->setActiveSubWindow(front);
+    state->front = front;
+}
+
+// --- Commands on the active child
+
+void MdiForm::CallActive(const char* operation) {
+    CallWith(operation, nullptr);
+}
+
+void MdiForm::CallActive(const char* operation, int argument) {
+    const QVariant value(argument);
+    CallWith(operation, &value);
+}
+
+void MdiForm::CallActive(const char* operation, bool argument) {
+    const QVariant value(argument);
+    CallWith(operation, &value);
+}
+
+void MdiForm::CallActive(const char* operation, const QString& argument) {
+    const QVariant value(argument);
+    CallWith(operation, &value);
+}
+
+void MdiForm::CallWith(const char* operation, const QVariant* argument) {
+    const std::shared_ptr<Form> form = ActiveForm();
+    if (!form)
+        return;
+    const QMetaObject* type = form->metaObject();
+    for (int i = type->methodCount() - 1; i >= 0; --i) {
+        const QMetaMethod method = type->method(i);
+        if (method.name() != operation || method.parameterCount() != (argument ? 1 : 0))
+            continue;
+        if (!argument) {
+            method.invoke(form.get(), Qt::DirectConnection);
+            return;
+        }
+        QVariant value = *argument;
+        const QMetaType wanted = method.parameterMetaType(0);
+        if (!value.convert(wanted))
+            continue;
+        method.invoke(form.get(), Qt::DirectConnection, QGenericArgument(wanted.name(), value.constData()));
+        return;
+    }
+    runtime::Raise(runtime::NoSuchMember);
+}
+
+// --- Arrangement
+
+std::vector<ChildFrame*> MdiForm::OpenFrames() const {
+    std::vector<ChildFrame*> frames;
+    for (QMdiSubWindow* window : m_frame->area->subWindowList(QMdiArea::StackingOrder)) {
+        auto* frame = qobject_cast<ChildFrame*>(window);
+        if (frame && !frame->isHidden() && !frame->isMinimized())
+            frames.insert(frames.begin(), frame);
+    }
+    return frames;
+}
+
+namespace {
+
+/// Where the minimised children do not stand.
+QRect FreeGround(const QMdiArea& area) {
+    QRect ground = area.viewport()->rect();
+    for (const QMdiSubWindow* window : area.subWindowList())
+        if (window->isVisible() && window->isMinimized())
+            ground.setBottom(std::min(ground.bottom(), window->geometry().top() - 1));
+    return ground.height() > ground.width() / 8 ? ground : area.viewport()->rect();
+}
+
+void Place(ChildFrame& frame, const QRect& place) {
+    if (frame.isMaximized())
+        frame.showNormal();
+    if (frame.IsFixed())
+        frame.move(place.topLeft());
+    else
+        frame.setGeometry(place);
+}
+
+/// So far apart that the title bar of the child behind stays in sight.
+int CascadeStep(const ChildFrame& frame) {
+    return frame.style()->pixelMetric(QStyle::PM_TitleBarHeight) +
+           frame.style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth);
+}
+
+void PlaceInCascade(const std::vector<ChildFrame*>& frames, const QRect& ground) {
+    const int step = CascadeStep(*frames.front());
+    const QSize size(ground.width() * 2 / 3, ground.height() * 2 / 3);
+    const int places = std::max(1, (ground.height() - size.height()) / step + 1);
+    int number = 0;
+    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame, ++number) {
+        const int offset = number % places * step;
+        Place(**frame, QRect(ground.topLeft() + QPoint(offset, offset), size));
+    }
+}
+
+void PlaceInRow(const std::vector<ChildFrame*>& frames, const QRect& ground, bool sideBySide) {
+    const int count = static_cast<int>(frames.size());
+    const auto part = [count](int length, int number) { return length * number / count; };
+    for (int i = 0; i < count; ++i) {
+        QRect place = ground;
+        if (sideBySide) {
+            place.setLeft(ground.left() + part(ground.width(), i));
+            place.setRight(ground.left() + part(ground.width(), i + 1) - 1);
+        } else {
+            place.setTop(ground.top() + part(ground.height(), i));
+            place.setBottom(ground.top() + part(ground.height(), i + 1) - 1);
+        }
+        Place(*frames[i], place);
+    }
+}
+
+} // namespace
+
+/// A new child stands a step further than the one before it, and wholly in sight if it can be.
+void MdiForm::PlaceNew(ChildFrame& frame) {
+    constexpr int StepsBeforeStart = 8;
+    const QSize ground = m_frame->area->viewport()->size();
+    if (!frame.IsFixed())
+        frame.resize(frame.size().boundedTo(ground));
+    if (OpenFrames().empty())
+        m_frame->placed = 0;
+    const int offset = m_frame->placed++ % StepsBeforeStart * CascadeStep(frame);
+    const QSize room = (ground - frame.size()).expandedTo(QSize(0, 0));
+    frame.move(std::min(offset, room.width()), std::min(offset, room.height()));
+}
+
+void MdiForm::Arrange(Arrangement arrangement) {
+    const std::vector<ChildFrame*> frames = m_frame ? OpenFrames() : std::vector<ChildFrame*>();
+    if (frames.empty())
+        return;
+    const Switching switching(m_frame);
+    const QRect ground = FreeGround(*m_frame->area);
+    if (arrangement == Cascade)
+        PlaceInCascade(frames, ground);
+    else
+        PlaceInRow(frames, ground, arrangement == TileVertically);
+    m_frame->area->setActiveSubWindow(frames.front());
+    m_frame->front = frames.front();
+}
+
+// --- Menus
+
+QMenu* MdiForm::AddMenu(const QString& name, const QString& caption, bool visible) {
+    auto* menu = new QMenu(caption, m_frame->window);
+    menu->setObjectName(name);
+    if (visible)
+        m_frame->window->menuBar()->addMenu(menu);
+    return menu;
+}
+
+void MdiForm::AddCommand(QMenu* menu, const QString& name, const QString& caption,
+                         std::function<void()> command) {
+    QAction* action = menu->addAction(caption);
+    action->setObjectName(name);
+    On(action, &QAction::triggered, [command = std::move(command)] { command(); });
+}
+
+void MdiForm::AddSeparator(QMenu* menu, const QString& name) {
+    menu->addSeparator()->setObjectName(name);
+}
+
+void MdiForm::SetWindowList(QMenu* menu) {
+    m_frame->windowMenu = menu;
+    On(menu, &QMenu::aboutToShow, [this] { FillWindowList(); });
+}
+
+void MdiForm::FillWindowList() {
+    QMenu* menu = m_frame->windowMenu;
+    qDeleteAll(std::exchange(m_frame->windowList, {}));
+    const std::shared_ptr<Form> active = ActiveForm();
+    for (const std::shared_ptr<Form>& form : Loaded()) {
+        if (!form->m->frame || form->m->frame->isHidden())
+            continue;
+        if (m_frame->windowList.empty()) {
+            m_frame->windowList.append(menu->addSeparator());
+            m_frame->windowList.back()->setObjectName(QStringLiteral("mnuWindowsListSeparator"));
+        }
+        QString caption = form->Caption();
+        QAction* entry = menu->addAction(caption.replace(u'&', QStringLiteral("&&")));
+        entry->setObjectName(QStringLiteral("mnuWindowsList_%1").arg(m_frame->windowList.size() - 1));
+        entry->setCheckable(true);
+        entry->setChecked(form == active);
+        m_frame->windowList.append(entry);
+        On(entry, &QAction::triggered, [weak = std::weak_ptr(form)] {
+            const std::shared_ptr<Form> chosen = weak.lock();
+            if (!chosen || !chosen->IsLoaded())
+                return;
+            if (chosen->IsMinimised())
+                chosen->m->frame->showNormal();
+            chosen->Show();
+        });
+    }
+}
+
+void MdiForm::PopupMenu(const QString& name, QPoint screenPosition) {
+    const QPointer<QMenu> menu = m_frame->window->findChild<QMenu*>(name);
+    if (!menu)
+        runtime::Raise(runtime::NoSuchMember);
+    NestedLoop nested([menu] {
+        if (menu)
+            menu->close();
+    });
+    menu->exec(screenPosition);
+    nested.Rethrow();
+}
+
+void PopupMenu(const QString& name, QPoint screenPosition) {
+    if (MdiForm* frame = MdiForm::Current())
+        frame->PopupMenu(name, screenPosition);
+}
+
+} // namespace forms

@@ -1,0 +1,153 @@
+#include "platform/forms/MonthView.h"
+
+#include "platform/forms/DateRange.h"
+#include "platform/runtime/Dates.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QLocale>
+#include <QPainter>
+#include <QPointer>
+#include <QScopedValueRollback>
+#include <QTextCharFormat>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace forms {
+
+namespace {
+
+/// Colours that read well on the ground of the calendar, light or dark.
+struct DayColours {
+    QColor bold;
+    QColor weekend;
+};
+
+DayColours ColoursOn(const QPalette& palette) {
+    if (palette.color(QPalette::Base).lightness() < 128)
+        return {QColor(0x8a, 0xb8, 0xff), QColor(0xff, 0x9a, 0x8a)};
+    return {QColor(0x0b, 0x4f, 0xc4), QColor(0xb0, 0x20, 0x10)};
+}
+
+QDate SameDayIn(int year, int month, int day) {
+    return {year, month, std::min(day, QDate(year, month, 1).daysInMonth())};
+}
+
+} // namespace
+
+MonthView::MonthView(QWidget* parent)
+    : QCalendarWidget(parent) {
+    setLocale(QLocale(QLocale::Russian, QLocale::Russia));
+    setFirstDayOfWeek(Qt::Monday);
+    setVerticalHeaderFormat(NoVerticalHeader);
+    setDateEditEnabled(false);
+    setDateRange(FirstControlDate(), LastControlDate());
+    ApplyColours();
+
+    const auto nameArrow = [this](const QString& arrow, const QString& text) {
+        if (auto* button = findChild<QToolButton*>(arrow)) {
+            button->setAccessibleName(text);
+            button->setToolTip(text);
+        }
+    };
+    nameArrow(QStringLiteral("qt_calendar_prevmonth"), QStringLiteral("Предыдущий месяц"));
+    nameArrow(QStringLiteral("qt_calendar_nextmonth"), QStringLiteral("Следующий месяц"));
+
+    connect(this, &QCalendarWidget::currentPageChanged, this, &MonthView::FollowPage);
+    connect(this, &QCalendarWidget::selectionChanged, this, &MonthView::FollowSelection);
+    for (QWidget* part : findChildren<QWidget*>())
+        part->installEventFilter(this);
+}
+
+void MonthView::SetValue(QDate date) {
+    CheckControlDate(date);
+    const QScopedValueRollback setting(m_settingValue, true);
+    setSelectedDate(date);
+    setCurrentPage(date.year(), date.month());
+}
+
+void MonthView::SetDayBold(QDate date, bool bold) {
+    if (IsShown(date) && DayBold(date) != bold)
+        setDateTextFormat(date, bold ? BoldFormat() : QTextCharFormat());
+}
+
+bool MonthView::DayBold(QDate date) const {
+    return dateTextFormat(date).fontWeight() == QFont::Bold;
+}
+
+bool MonthView::eventFilter(QObject* watched, QEvent* event) {
+    // The calendar itself may watch the whole application while its year is being typed.
+    if (QCalendarWidget::eventFilter(watched, event))
+        return true;
+    const auto* part = qobject_cast<QWidget*>(watched);
+    if (event->type() != QEvent::MouseButtonRelease || m_passingOn || !part || !isAncestorOf(part))
+        return false;
+
+    // The release is passed on first: what the click selects is known before MouseUp tells of it.
+    const QPointer<MonthView> self(this);
+    m_passingOn = true;
+    QCoreApplication::sendEvent(watched, event);
+    if (self) {
+        m_passingOn = false;
+        Q_EMIT MouseUp();
+    }
+    return true;
+}
+
+void MonthView::changeEvent(QEvent* event) {
+    QCalendarWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        ApplyColours();
+}
+
+void MonthView::paintCell(QPainter* painter, const QRect& rect, QDate date) const {
+    QCalendarWidget::paintCell(painter, rect, date);
+    if (date != runtime::Today())
+        return;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const bool selected = date == selectedDate();
+    painter->setPen(
+        QPen(selected ? palette().color(QPalette::HighlightedText) : ColoursOn(palette()).weekend, 1.5));
+    painter->drawRoundedRect(QRectF(rect).adjusted(1.5, 1.5, -1.5, -1.5), 3, 3);
+    painter->restore();
+}
+
+bool MonthView::IsShown(QDate date) const {
+    return date.isValid() && date.year() == yearShown() && date.month() == monthShown();
+}
+
+void MonthView::FollowPage() {
+    setDateTextFormat(QDate(), QTextCharFormat());
+    if (!m_settingValue && !IsShown(Value()))
+        setSelectedDate(SameDayIn(yearShown(), monthShown(), Day()));
+}
+
+void MonthView::FollowSelection() {
+    if (m_settingValue)
+        return;
+    if (!IsShown(Value()))
+        setCurrentPage(Year(), Month());
+    Q_EMIT SelChange();
+}
+
+void MonthView::ApplyColours() {
+    QTextCharFormat weekend;
+    weekend.setForeground(ColoursOn(palette()).weekend);
+    setWeekdayTextFormat(Qt::Saturday, weekend);
+    setWeekdayTextFormat(Qt::Sunday, weekend);
+
+    const QMap<QDate, QTextCharFormat> formats = dateTextFormat();
+    for (auto day = formats.cbegin(); day != formats.cend(); ++day)
+        setDateTextFormat(day.key(), BoldFormat());
+}
+
+QTextCharFormat MonthView::BoldFormat() const {
+    QTextCharFormat format;
+    format.setFontWeight(QFont::Bold);
+    format.setForeground(ColoursOn(palette()).bold);
+    return format;
+}
+
+} // namespace forms

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/runtime/Failure.h"
+
+#include <QString>
+
+namespace forms {
+
+/// Title of every message box and name of the program in the settings store.
+inline constexpr auto AppTitle = u"Zavelik";
+
+enum class Icon { Critical, Question, Exclamation, Information };
+enum class Buttons { Ok, YesNo };
+enum class Answer { Ok, Yes, No };
+
+/// Shows a message box titled AppTitle over the active window and waits for the answer. All finished
+/// statements are made durable first; if that fails, the failure is raised and no box is shown, so that no
+/// success is reported before the data is on the disk. In a YesNo box Esc does nothing and there is no close
+/// button.
+Answer MsgBox(const QString& text, Icon icon, Buttons buttons = Buttons::Ok, Answer preselected = Answer::Ok);
+
+/// Yes-or-no questions. `AskYes` has Yes preselected; `AskNo`, for what can lose data, No. True on Yes.
+bool AskYes(const QString& text);
+bool AskNo(const QString& text, Icon icon = Icon::Question);
+
+/// The standard error box: head, CR LF, number and description, one OK button. Never throws; a commit that
+/// fails on the way to the box is told in a second box with the same head.
+void ShowErrorBox(const QString& head, const runtime::Failure& failure, Icon icon = Icon::Critical);
+
+/// The text of the standard error box.
+QString ErrorText(const QString& head, const runtime::Failure& failure);
+
+/// The box for a failure that no routine handled: the same box without a head.
+void ShowEscapedFailure(const runtime::Failure& failure);
+
+} // namespace forms

@@ -1,0 +1,243 @@
+#include "platform/runtime/Files.h"
+
+#include "platform/runtime/Codec1251.h"
+#include "platform/runtime/Failure.h"
+#include "platform/runtime/FileIdentity.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <cerrno>
+#include <set>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace runtime {
+
+namespace {
+
+constexpr char EndOfText = '\x1A';
+
+/// Never destroyed: a database of a process-wide object is closed after the statics of this file would be
+/// gone.
+std::multiset<FileIdentity>& OpenDatabases() {
+    static auto& files = *new std::multiset<FileIdentity>;
+    return files;
+}
+
+/// Whether the system could take the text for a path at all.
+bool IsWellFormed(const QString& path) {
+    constexpr qsizetype LongestPath = 4095; // bytes
+    return !path.contains(QChar::Null) && path.isValidUtf16() &&
+           QFile::encodeName(path).size() <= LongestPath;
+}
+
+void CheckWellFormed(const QString& path) {
+    if (path.isEmpty() || !IsWellFormed(path))
+        Raise(BadFileName);
+}
+
+/// No folder, device or pipe: opening one of these could block or do harm.
+void CheckRegular(const QFileInfo& info) {
+    if (!info.isFile())
+        Raise(PathFileAccess);
+}
+
+bool MayWriteFolderOf(const QFileInfo& info) {
+    return QFileInfo(info.absolutePath()).isWritable();
+}
+
+/// Gives the file's content to the disk. Devices that cannot do that are no failure.
+bool Synchronise(QFile& file) {
+#ifdef Q_OS_UNIX
+    return ::fsync(file.handle()) == 0 || errno == EINVAL || errno == ENOTSUP;
+#else
+    return file.flush();
+#endif
+}
+
+[[noreturn]] void RaiseWriteFailure(const QFile& file, int systemError) {
+    const bool full = file.error() == QFile::ResourceError || systemError == ENOSPC ||
+                      systemError == EDQUOT || systemError == EFBIG;
+    Raise(full ? DiskFull : DeviceIOError);
+}
+
+} // namespace
+
+bool IsPlainFile(const QString& path) {
+    if (path.isEmpty() || !IsWellFormed(path))
+        return false;
+    const QFileInfo info(path);
+    return info.isFile() && !info.isHidden();
+}
+
+void Kill(const QString& path) {
+    CheckWellFormed(path);
+    const QFileInfo info(path);
+    if (!info.exists() && !info.isSymLink())
+        Raise(FileNotFound);
+    if (info.exists()) {
+        CheckRegular(info);
+        if (OpenDatabaseFile::Holds(path))
+            Raise(PermissionDenied);
+        if (!info.isWritable())
+            Raise(PathFileAccess);
+    }
+    if (!QFile(path).remove())
+        Raise(MayWriteFolderOf(info) ? PathFileAccess : PermissionDenied);
+}
+
+OpenDatabaseFile::OpenDatabaseFile(const QString& path) {
+    const FileIdentity identity = IdentityOf(path).value_or(FileIdentity());
+    m_device = identity.device;
+    m_file = identity.file;
+    OpenDatabases().insert(identity);
+}
+
+OpenDatabaseFile::~OpenDatabaseFile() {
+    const auto place = OpenDatabases().find({m_device, m_file});
+    if (place != OpenDatabases().end())
+        OpenDatabases().erase(place);
+}
+
+bool OpenDatabaseFile::Holds(const QString& path) {
+    const std::optional<FileIdentity> identity = IdentityOf(path);
+    return identity && OpenDatabases().contains(*identity);
+}
+
+struct OutputFile::Impl {
+    QFile file;
+
+    void Check(bool success) const {
+        const int systemError = errno;
+        if (!success)
+            RaiseWriteFailure(file, systemError);
+    }
+};
+
+OutputFile::OutputFile(const QString& path)
+    : m(std::make_unique<Impl>()) {
+    CheckWellFormed(path);
+    const QFileInfo info(path);
+    if (info.exists()) {
+        CheckRegular(info);
+        if (OpenDatabaseFile::Holds(path))
+            Raise(PermissionDenied);
+        if (!info.isWritable())
+            Raise(PathFileAccess);
+    } else if (!QFileInfo(info.absolutePath()).isDir()) {
+        Raise(PathNotFound);
+    }
+    m->file.setFileName(path);
+    errno = 0;
+    if (m->file.open(QFile::WriteOnly))
+        return;
+    if (errno == ENOSPC || errno == EDQUOT)
+        Raise(DiskFull);
+    Raise(!info.exists() && !MayWriteFolderOf(info) ? PermissionDenied : PathFileAccess);
+}
+
+OutputFile::~OutputFile() = default;
+
+void OutputFile::Print(const QString& line) {
+    const QByteArray bytes = To1251(line) + "\r\n";
+    m->Check(m->file.write(bytes) == bytes.size());
+}
+
+void OutputFile::Close() {
+    if (!m->file.isOpen())
+        return;
+    m->Check(m->file.flush());
+    m->Check(Synchronise(m->file));
+    m->file.close();
+}
+
+struct InputFile::Impl {
+    QFile file;
+    QByteArray buffer;
+    qsizetype place = 0;
+
+    /// Makes sure that the byte at `ahead` behind the place is in the buffer; false at the end of the file.
+    bool Reach(qsizetype ahead) {
+        constexpr qint64 Portion = 1 << 16;
+        while (place + ahead >= buffer.size()) {
+            const QByteArray more = file.isOpen() ? file.read(Portion) : QByteArray();
+            if (file.isOpen() && file.error() != QFile::NoError)
+                Raise(DeviceIOError);
+            if (more.isEmpty())
+                return false;
+            if (place > Portion) {
+                buffer.remove(0, place);
+                place = 0;
+            }
+            buffer += more;
+        }
+        return true;
+    }
+};
+
+InputFile::InputFile(const QString& path)
+    : m(std::make_unique<Impl>()) {
+    CheckWellFormed(path);
+    const QFileInfo info(path);
+    if (!info.exists())
+        Raise(FileNotFound);
+    CheckRegular(info);
+    m->file.setFileName(path);
+    if (!m->file.open(QFile::ReadOnly))
+        Raise(PathFileAccess);
+}
+
+InputFile::~InputFile() = default;
+
+bool InputFile::AtEnd() const {
+    return !m->Reach(0) || m->buffer[m->place] == EndOfText;
+}
+
+QString InputFile::LineInput() {
+    if (AtEnd())
+        Raise(InputPastEnd);
+    qsizetype length = 0;
+    while (m->Reach(length)) {
+        const char c = m->buffer[m->place + length];
+        if (c == '\r' || c == EndOfText)
+            break;
+        ++length;
+    }
+    QString line = From1251(QByteArrayView(m->buffer).sliced(m->place, length));
+    m->place += length;
+    if (m->Reach(0) && m->buffer[m->place] == '\r') {
+        ++m->place;
+        if (m->Reach(0) && m->buffer[m->place] == '\n')
+            ++m->place;
+    }
+    return line;
+}
+
+void InputFile::Close() {
+    m->file.close();
+    m->buffer.clear();
+    m->place = 0;
+}
+
+QString ProgramFolder() {
+    const QString beside = QCoreApplication::applicationDirPath();
+    const bool installed = beside.startsWith(QStringLiteral("/usr/"));
+    if (!installed && QFileInfo(beside).isWritable())
+        return QDir::toNativeSeparators(QDir::cleanPath(beside));
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const bool usable = !documents.isEmpty() && QDir().mkpath(documents);
+    return QDir::toNativeSeparators(QDir::cleanPath(usable ? documents : QDir::homePath()));
+}
+
+QString JoinPath(const QString& folder, const QString& name) {
+    const QChar separator = QDir::separator();
+    return folder.endsWith(separator) ? folder + name : folder + separator + name;
+}
+
+} // namespace runtime

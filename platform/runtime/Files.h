@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+namespace runtime {
+
+/// Whether a plain file stands at the path: no folder, no hidden file (leading dot on Unix), no device or
+/// pipe. The empty text is none. Never opens the file.
+bool IsPlainFile(const QString& path);
+
+/// Deletes a file. Failures: 53 missing, 75 a folder or read-only, 70 no right to or open as a database in
+/// this program (under any spelling of its path or through a link), 52 malformed path.
+void Kill(const QString& path);
+
+/// The files that this process holds open as databases, by identity (device and file number), not by path.
+/// The engine registers a file for as long as it is open.
+class OpenDatabaseFile {
+public:
+    explicit OpenDatabaseFile(const QString& path);
+    ~OpenDatabaseFile();
+    OpenDatabaseFile(const OpenDatabaseFile&) = delete;
+    OpenDatabaseFile& operator=(const OpenDatabaseFile&) = delete;
+
+    /// Whether the file that the path leads to is registered.
+    static bool Holds(const QString& path);
+
+private:
+    quint64 m_device = 0;
+    quint64 m_file = 0;
+};
+
+/// A text file being written: Windows-1251 bytes, unknown characters as '?', lines ended by CR LF.
+class OutputFile {
+public:
+    /// Makes the file or empties it. Failures: 76 missing folder, 75 a folder or read-only, 70 no right to or
+    /// open as a database in this program, 61 disk full.
+    explicit OutputFile(const QString& path);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Writes one line and its CR LF. Failure 61 on a full disk, 57 on another device failure.
+    void Print(const QString& line);
+    /// Writes what is buffered and gives it to the disk; failures as Print. The destructor closes silently.
+    void Close();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m;
+};
+
+/// A text file being read: Windows-1251 bytes; a line ends at CR or CR LF, a lone LF is text; byte 1A ends
+/// the file.
+class InputFile {
+public:
+    /// Failures: 53 missing, 75 a folder or no right to read, 52 malformed path.
+    explicit InputFile(const QString& path);
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    bool AtEnd() const;
+    /// The next line without its end; failure 62 at the end of the file.
+    QString LineInput();
+    void Close();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m;
+};
+
+/// The folder "beside the program": that of the executable where the user can write there, else the user's
+/// documents folder. No separator at its end.
+QString ProgramFolder();
+
+/// Joins folder and name with the platform's separator.
+QString JoinPath(const QString& folder, const QString& name);
+
+} // namespace runtime

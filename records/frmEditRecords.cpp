@@ -1,0 +1,443 @@
+#include "records/frmEditRecords.h"
+
+#include "platform/forms/MsgBox.h"
+#include "platform/runtime/Dates.h"
+#include "shell/Declaration.h"
+
+#include <QApplication>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+#include <unordered_map>
+
+namespace {
+
+constexpr int NameLength = 50;
+constexpr int RemarkLength = 100;
+constexpr int BithLength = 20;
+constexpr int NumberLength = 50;
+
+forms::Design WindowDesign() {
+    forms::Design design;
+    design.name = QStringLiteral("frmEditRecords");
+    design.border = forms::Border::Fixed;
+    return design;
+}
+
+void ShowIntegrityBox(const QString& what) {
+    forms::MsgBox(QStringLiteral("Ошибка целостности базы данных:\r\n") + what, forms::Icon::Critical);
+}
+
+QString NoTypes() {
+    return QStringLiteral("в базе данных отсутствуют записи для типов телефонов.");
+}
+
+QString NoRecord() {
+    return QStringLiteral("в базе данных отсутствует запись по данному клиенту.");
+}
+
+QString SeveralRecords() {
+    return QStringLiteral("в базе данных присутствует несколько записей по данному клиенту.");
+}
+
+void ShowFilled(QLineEdit* field, const engine::Recordset& record, QStringView column) {
+    const engine::Value value = record.Fields(column).Value();
+    if (value.IsFilled())
+        field->setText(value.Text());
+}
+
+void Execute(const QString& sql) {
+    gDatabase->Execute(sql, engine::dbFailOnError);
+}
+
+QString Quoted(const QString& text) {
+    return QLatin1Char('\'') + text + QLatin1Char('\'');
+}
+
+bool IsBlank(const QLineEdit* field) {
+    return runtime::Trim(field->text()).isEmpty();
+}
+
+} // namespace
+
+/// Which place of the list a phone code has.
+class frmEditRecords::SlotTable {
+public:
+    void Set(std::int32_t code, std::int16_t slot) { m_slots[Checked(code)] = slot; }
+
+    std::optional<std::int16_t> Find(std::int32_t code) const {
+        const auto found = m_slots.find(Checked(code));
+        return found == m_slots.end() ? std::nullopt : std::optional(found->second);
+    }
+
+private:
+    static constexpr std::int32_t MaxCode = 32000;
+
+    static std::int32_t Checked(std::int32_t code) {
+        if (code < 0 || code > MaxCode)
+            runtime::Raise(runtime::SubscriptOutOfRange);
+        return code;
+    }
+
+    std::unordered_map<std::int32_t, std::int16_t> m_slots;
+};
+
+frmEditRecords::frmEditRecords()
+    : Form(WindowDesign()) {
+}
+
+void frmEditRecords::SetFrm(std::shared_ptr<forms::ListForm> ptr) {
+    frmRecordsPtr = std::move(ptr);
+}
+
+void frmEditRecords::LockForView() {
+    cmdDelete->setEnabled(false);
+    cmdSave->setEnabled(false);
+    for (QLineEdit* field : {txtLastName, txtFirstName, txtMiddleName, txtTelefonNumber, txtRemark, txtBith})
+        field->setReadOnly(true);
+    txtBith->setPlaceholderText({});
+}
+
+void frmEditRecords::CreateControls(QWidget* surface) {
+    auto* layout = new QVBoxLayout(surface);
+    layout->addWidget(MakeRecordFrame(surface));
+    layout->addLayout(MakeTelefonRow(surface));
+    layout->addSpacing(layout->spacing());
+    layout->addLayout(MakeButtonRow(surface));
+    SetTabOrder();
+    ConnectControls();
+}
+
+QWidget* frmEditRecords::MakeRecordFrame(QWidget* parent) {
+    auto* Frame1 =
+        forms::Named(new QGroupBox(QStringLiteral("Параметры записи:"), parent), QStringLiteral("Frame1"));
+    auto* layout = new QGridLayout(Frame1);
+    const auto addField = [&](const QString& labelName, const QString& caption, const QString& name,
+                              int maxLength) {
+        const int row = layout->rowCount();
+        auto* label = forms::MakeLabel(labelName, caption, Frame1);
+        auto* field = forms::MakeTextBox(name, maxLength, Frame1);
+        forms::NameField(field, name, label);
+        layout->addWidget(label, row, 0);
+        layout->addWidget(field, row, 1);
+        return field;
+    };
+    txtLastName = addField(QStringLiteral("lblLastName"), QStringLiteral("Фамилия:"),
+                           QStringLiteral("txtLastName"), NameLength);
+    txtFirstName = addField(QStringLiteral("lblFirstName"), QStringLiteral("Имя:"),
+                            QStringLiteral("txtFirstName"), NameLength);
+    txtMiddleName = addField(QStringLiteral("lblMiddleName"), QStringLiteral("Отчество:"),
+                             QStringLiteral("txtMiddleName"), NameLength);
+    txtBith = addField(QStringLiteral("lblBith"), QStringLiteral("День рожден.:"), QStringLiteral("txtBith"),
+                       BithLength);
+    txtBith->setPlaceholderText(QStringLiteral("дд.мм.гггг"));
+    txtRemark = addField(QStringLiteral("lblRemark"), QStringLiteral("Заметка:"), QStringLiteral("txtRemark"),
+                         RemarkLength);
+    layout->setColumnMinimumWidth(1, Frame1->fontMetrics().averageCharWidth() * 44);
+    return Frame1;
+}
+
+QBoxLayout* frmEditRecords::MakeTelefonRow(QWidget* parent) {
+    auto* typeLabel = forms::MakeLabel(QStringLiteral("lblTelefonType"), QStringLiteral("Телефон:"), parent);
+    lstTelefonType = new forms::ListBox(parent);
+    forms::NameField(lstTelefonType, QStringLiteral("lstTelefonType"), typeLabel);
+    lstTelefonType->setFixedHeight(parent->fontMetrics().height() * 7);
+
+    auto* numberLabel =
+        forms::MakeLabel(QStringLiteral("lblTelefonNumber"), QStringLiteral("Номер телефона:"), parent);
+    txtTelefonNumber = forms::MakeTextBox(QStringLiteral("txtTelefonNumber"), NumberLength, parent);
+    forms::NameField(txtTelefonNumber, QStringLiteral("txtTelefonNumber"), numberLabel);
+
+    auto* layout = new QHBoxLayout;
+    auto* types = new QVBoxLayout;
+    types->addWidget(typeLabel);
+    types->addWidget(lstTelefonType);
+    auto* number = new QVBoxLayout;
+    number->addWidget(numberLabel);
+    number->addWidget(txtTelefonNumber);
+    number->addStretch();
+    layout->addLayout(types, 1);
+    layout->addLayout(number, 1);
+    return layout;
+}
+
+QBoxLayout* frmEditRecords::MakeButtonRow(QWidget* parent) {
+    cmdSave = forms::MakeButton(QStringLiteral("cmdSave"), QStringLiteral("Сохранить"), parent);
+    cmdCancel = forms::MakeButton(QStringLiteral("cmdCancel"), QStringLiteral("Отмена"), parent);
+    cmdDelete = forms::MakeButton(QStringLiteral("cmdDelete"), QStringLiteral("Удалить"), parent);
+    return forms::ButtonRow({cmdSave, cmdCancel, cmdDelete});
+}
+
+void frmEditRecords::SetTabOrder() {
+    QWidget* const order[] = {txtLastName,    txtFirstName,     txtMiddleName, txtBith,   txtRemark,
+                              lstTelefonType, txtTelefonNumber, cmdSave,       cmdCancel, cmdDelete};
+    for (std::size_t i = 1; i < std::size(order); ++i)
+        QWidget::setTabOrder(order[i - 1], order[i]);
+}
+
+void frmEditRecords::ConnectControls() {
+    for (QLineEdit* field : {txtLastName, txtFirstName, txtMiddleName, txtRemark})
+        OnLostFocus(field, [field] { forms::ReplaceApostrophes(field); });
+    OnLostFocus(txtTelefonNumber, [this] { txtTelefonNumber_LostFocus(); });
+    On(lstTelefonType, &forms::ListBox::Click, [this] { lstTelefonType_Click(); });
+    On(lstTelefonType, &forms::ListBox::KeyPress,
+       [this](const QString& text) { lstTelefonType_KeyPress(text); });
+    SetDefaultButton(cmdSave);
+    SetCancelButton(cmdCancel);
+    On(cmdSave, &QPushButton::clicked, [this] { cmdSave_Click(); });
+    On(cmdCancel, &QPushButton::clicked, [this] { Unload(); });
+    On(cmdDelete, &QPushButton::clicked, [this] { cmdDelete_Click(); });
+}
+
+void frmEditRecords::Form_Load() {
+    strTelefonNumbers.clear();
+    nTelefonIndex = -1;
+    m_read = false;
+    m_foreignCodes.clear();
+}
+
+// reading
+
+void frmEditRecords::Form_Activate() {
+    if (m_read) // coming back to the card keeps what the user has typed
+        return;
+    m_read = true;
+    try {
+        if (!LoadCard())
+            Unload();
+    } catch (const runtime::Failure& failure) {
+        DisableAfterFailedLoad();
+        forms::ShowErrorBox(QStringLiteral("frmEditRecords функция Form_Activate:"), failure);
+    }
+}
+
+/// False, after a box, if the database has no sound data for the card.
+bool frmEditRecords::LoadCard() {
+    engine::Recordset types = gDatabase->OpenRecordset(TypesStatement(), engine::dbOpenDynaset);
+    if (types.RecordCount() == 0 && cmdSave->isEnabled()) {
+        ShowIntegrityBox(NoTypes());
+        return false;
+    }
+    SlotTable slots;
+    LoadTypes(types, slots);
+    if (Tag().isEmpty()) {
+        cmdDelete->setEnabled(false);
+    } else {
+        if (!LoadRecord())
+            return false;
+        LoadTelefonNumbers(slots);
+    }
+    types.Close();
+    ShowFirstType();
+    return true;
+}
+
+QString frmEditRecords::TypesStatement() {
+    if (!Tag().isEmpty() && !cmdSave->isEnabled())
+        return QStringLiteral("SELECT * FROM t01, a02 WHERE a02clid = ") + Tag() +
+               QStringLiteral(" AND a02code = t01code AND t01type = 0 ORDER BY t01code");
+    return QStringLiteral("SELECT * FROM t01 WHERE t01type = 0 ORDER BY t01code");
+}
+
+void frmEditRecords::LoadTypes(engine::Recordset& types, SlotTable& slots) {
+    for (; !types.EndOfFile(); types.MoveNext()) {
+        const engine::Value name = types.Fields(u"t01cval").Value();
+        if (!name.IsFilled())
+            continue;
+        const runtime::Int16 slot(lstTelefonType->ListCount());
+        lstTelefonType->AddItem(name.Text());
+        strTelefonNumbers.emplace_back();
+        slots.Set(types.Fields(u"t01code").Value().Long(), slot.value());
+    }
+}
+
+/// False, after a box, if the card's record is missing or doubled.
+bool frmEditRecords::LoadRecord() {
+    engine::Recordset record = gDatabase->OpenRecordset(
+        QStringLiteral("SELECT * FROM a01 WHERE a01clid = ") + Tag(), engine::dbOpenDynaset);
+    if (record.RecordCount() < 1) {
+        ShowIntegrityBox(NoRecord());
+        return false;
+    }
+    record.MoveLast();
+    record.MoveFirst();
+    if (record.RecordCount() >= 2) {
+        ShowIntegrityBox(SeveralRecords());
+        return false;
+    }
+    ShowFilled(txtLastName, record, u"a01last");
+    ShowFilled(txtFirstName, record, u"a01frst");
+    ShowFilled(txtMiddleName, record, u"a01midl");
+    ShowFilled(txtRemark, record, u"a01memo");
+    ShowFilled(txtBith, record, u"a01bith");
+    return true;
+}
+
+void frmEditRecords::LoadTelefonNumbers(const SlotTable& slots) {
+    engine::Recordset numbers =
+        gDatabase->OpenRecordset(QStringLiteral("SELECT a02code, a02cval FROM a02 WHERE a02clid = ") + Tag() +
+                                     QStringLiteral(" ORDER BY a02code"),
+                                 engine::dbOpenDynaset);
+    for (; !numbers.EndOfFile(); numbers.MoveNext()) {
+        const std::int32_t code = numbers.Fields(u"a02code").Value().Long();
+        const std::optional<std::int16_t> slot = slots.Find(code);
+        if (!slot) {
+            if (const QString text = QString::number(code); !m_foreignCodes.contains(text))
+                m_foreignCodes.append(text);
+            continue;
+        }
+        const engine::Value number = numbers.Fields(u"a02cval").Value();
+        if (number.IsFilled())
+            strTelefonNumbers[*slot] = number.Text();
+    }
+}
+
+void frmEditRecords::ShowFirstType() {
+    if (lstTelefonType->ListCount() > 0)
+        lstTelefonType->SetListIndex(0); // shows its number
+}
+
+void frmEditRecords::DisableAfterFailedLoad() {
+    nTelefonIndex = -1;
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{cmdSave, cmdDelete, lstTelefonType, txtTelefonNumber})
+        control->setEnabled(false);
+}
+
+// phones
+
+void frmEditRecords::lstTelefonType_Click() {
+    txtTelefonNumber_LostFocus(); // a pick by other means than mouse and keys comes without a change of focus
+    nTelefonIndex = runtime::Int16(lstTelefonType->ListIndex()).value();
+    txtTelefonNumber->setText(nTelefonIndex < 0 ? QString()
+                                                : runtime::Trim(strTelefonNumbers[nTelefonIndex]));
+}
+
+void frmEditRecords::lstTelefonType_KeyPress(const QString& text) {
+    txtTelefonNumber->setFocus();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, text);
+    QApplication::sendEvent(txtTelefonNumber, &press);
+}
+
+void frmEditRecords::txtTelefonNumber_LostFocus() {
+    if (txtTelefonNumber->isReadOnly())
+        return;
+    forms::ReplaceApostrophes(txtTelefonNumber);
+    if (nTelefonIndex >= 0)
+        strTelefonNumbers[nTelefonIndex] = txtTelefonNumber->text();
+}
+
+// writing
+
+void frmEditRecords::cmdSave_Click() {
+    try {
+        if (!CheckBith() || !ConfirmNameless() || !Save())
+            return;
+        forms::MsgBox(QStringLiteral("Запись успешно сохранена в базу данных."), forms::Icon::Information);
+        RefreshListAndUnload();
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdSave_Click:"), failure);
+    }
+}
+
+bool frmEditRecords::CheckBith() {
+    if (txtBith->text().isEmpty() || runtime::IsDate(txtBith->text()))
+        return true;
+    forms::MsgBox(QStringLiteral("Не правильный формат даты."), forms::Icon::Exclamation);
+    txtBith->setFocus();
+    return false;
+}
+
+bool frmEditRecords::ConfirmNameless() {
+    if (!IsBlank(txtLastName) || !IsBlank(txtFirstName) || !IsBlank(txtMiddleName))
+        return true;
+    return forms::AskNo(
+        QStringLiteral("Вы действительно хотите сохранить запись с не заполнеными полями 'Фамилия', "
+                       "'Имя' и 'Отчество'?"));
+}
+
+/// False, after a box, if the database no longer has what the card stands on.
+bool frmEditRecords::Save() {
+    const std::optional<QString> id = Tag().isEmpty() ? InsertRecord() : UpdateRecord();
+    return id && InsertTelefonNumbers(*id);
+}
+
+/// Writes the record and takes its phones out, to be written anew. Nothing, after a box, if somebody else has
+/// deleted the record: phones written then would belong to no card.
+std::optional<QString> frmEditRecords::UpdateRecord() {
+    const QString id = Tag();
+    Execute(QStringLiteral("UPDATE a01 SET a01last = ") + Quoted(txtLastName->text()) +
+            QStringLiteral(", a01frst = ") + Quoted(txtFirstName->text()) + QStringLiteral(", a01midl = ") +
+            Quoted(txtMiddleName->text()) + QStringLiteral(", a01memo = ") + Quoted(txtRemark->text()) +
+            QStringLiteral(", a01bith = ") + Quoted(txtBith->text()) + QStringLiteral(" WHERE a01clid = ") +
+            id);
+    if (gDatabase->RecordsAffected() == 0) {
+        ShowIntegrityBox(NoRecord());
+        return std::nullopt;
+    }
+    QString removal = QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + id;
+    if (!m_foreignCodes.isEmpty())
+        removal += QStringLiteral(" AND a02code NOT IN (") + m_foreignCodes.join(QStringLiteral(", ")) +
+                   QStringLiteral(")");
+    Execute(removal);
+    return id;
+}
+
+/// Writes a new record under the highest number plus one, which it returns.
+QString frmEditRecords::InsertRecord() {
+    engine::Recordset next =
+        gDatabase->OpenRecordset(QStringLiteral("SELECT max(a01clid) + 1 FROM a01"), engine::dbOpenDynaset);
+    next.MoveFirst();
+    const engine::Value number = next.Fields(0).Value();
+    const QString id = number.IsFilled() ? number.Text() : QStringLiteral("1");
+    next.Close();
+    Execute(
+        QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo, a01bith) VALUES (") +
+        id + QStringLiteral(", ") + Quoted(txtLastName->text()) + QStringLiteral(", ") +
+        Quoted(txtFirstName->text()) + QStringLiteral(", ") + Quoted(txtMiddleName->text()) +
+        QStringLiteral(", ") + Quoted(txtRemark->text()) + QStringLiteral(", ") + Quoted(txtBith->text()) +
+        QStringLiteral(")"));
+    return id;
+}
+
+/// One row for each number. False, after a box, if a type is no longer there.
+bool frmEditRecords::InsertTelefonNumbers(const QString& id) {
+    engine::Recordset types =
+        gDatabase->OpenRecordset(QStringLiteral("SELECT t01code, t01cval FROM t01 WHERE t01type = 0"));
+    for (int i = 0; i < lstTelefonType->ListCount(); ++i) {
+        const QString number = runtime::Trim(strTelefonNumbers[static_cast<std::size_t>(i)]);
+        if (number.isEmpty())
+            continue;
+        types.FindFirst(QStringLiteral("t01cval= ") + Quoted(lstTelefonType->List(i)));
+        if (types.NoMatch()) {
+            ShowIntegrityBox(NoTypes());
+            return false;
+        }
+        Execute(QStringLiteral("INSERT INTO a02 (a02clid, a02cval, a02code) VALUES (") + id +
+                QStringLiteral(", ") + Quoted(number) + QStringLiteral(", ") +
+                types.Fields(u"t01code").Text() + QStringLiteral(")"));
+    }
+    return true;
+}
+
+void frmEditRecords::cmdDelete_Click() {
+    try {
+        if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить запись из базы данных?")))
+            return;
+        Execute(QStringLiteral("DELETE FROM a01 WHERE a01clid = ") + Tag());
+        Execute(QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + Tag());
+        forms::MsgBox(QStringLiteral("Запись успешно удалена из базы данных."), forms::Icon::Information);
+        RefreshListAndUnload();
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdDelete_Click:"), failure);
+    }
+}
+
+void frmEditRecords::RefreshListAndUnload() {
+    if (frmRecordsPtr && frmRecordsPtr->IsLoaded()) // the list can have been closed before the card
+        frmRecordsPtr->FillGrid({});
+    Unload();
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "platform/engine/Recordset.h"
+#include "platform/forms/Controls.h"
+#include "platform/forms/Form.h"
+#include "platform/forms/ListForm.h"
+#include "platform/runtime/Numbers.h"
+
+#include <optional>
+#include <vector>
+
+class QBoxLayout;
+
+/// The card: one record of a01 with its phones. Tag is the number of the record, empty for a new one; a
+/// disabled cmdSave makes it a view.
+class frmEditRecords final : public forms::Form {
+    Q_OBJECT
+
+public:
+    frmEditRecords();
+
+    /// The list that is told of every change.
+    void SetFrm(std::shared_ptr<forms::ListForm> ptr);
+    /// Turns the loaded card into a view: nothing can be changed, saved or deleted.
+    void LockForView();
+
+protected:
+    void CreateControls(QWidget* surface) override;
+    void Form_Load() override;
+    void Form_Activate() override;
+
+private:
+    class SlotTable;
+
+    QWidget* MakeRecordFrame(QWidget* parent);
+    QBoxLayout* MakeTelefonRow(QWidget* parent);
+    QBoxLayout* MakeButtonRow(QWidget* parent);
+    void SetTabOrder();
+    void ConnectControls();
+
+    bool LoadCard();
+    QString TypesStatement();
+    void LoadTypes(engine::Recordset& types, SlotTable& slots);
+    bool LoadRecord();
+    void LoadTelefonNumbers(const SlotTable& slots);
+    void ShowFirstType();
+    void DisableAfterFailedLoad();
+
+    void lstTelefonType_Click();
+    void lstTelefonType_KeyPress(const QString& text);
+    void txtTelefonNumber_LostFocus();
+    void cmdSave_Click();
+    void cmdDelete_Click();
+
+    bool CheckBith();
+    bool ConfirmNameless();
+    bool Save();
+    std::optional<QString> UpdateRecord();
+    QString InsertRecord();
+    bool InsertTelefonNumbers(const QString& id);
+    void RefreshListAndUnload();
+
+    QLineEdit* txtLastName = nullptr;
+    QLineEdit* txtFirstName = nullptr;
+    QLineEdit* txtMiddleName = nullptr;
+    QLineEdit* txtBith = nullptr;
+    QLineEdit* txtRemark = nullptr;
+    forms::ListBox* lstTelefonType = nullptr;
+    QLineEdit* txtTelefonNumber = nullptr;
+    QPushButton* cmdSave = nullptr;
+    QPushButton* cmdCancel = nullptr;
+    QPushButton* cmdDelete = nullptr;
+
+    std::vector<QString> strTelefonNumbers; ///< one for each place of lstTelefonType
+    std::int16_t nTelefonIndex = -1;        ///< whose number txtTelefonNumber shows; -1: nobody's
+    std::shared_ptr<forms::ListForm> frmRecordsPtr;
+    bool m_read = false;
+    QStringList m_foreignCodes; ///< of phones whose type does not exist: not shown, spared by a save
+};

@@ -1,0 +1,177 @@
+#include "records/frmEditTelefonType.h"
+
+#include "platform/forms/MsgBox.h"
+#include "platform/runtime/Numbers.h"
+#include "records/frmEditTelefonTypeDialog.h"
+#include "shell/Declaration.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int LastProtectedIndex = 3; // the types of a new database stand first
+constexpr int FirstUserCode = 10;     // lower codes are kept for types of the program's own
+
+forms::Design WindowDesign() {
+    forms::Design design;
+    design.name = QStringLiteral("frmEditTelefonType");
+    design.caption = QStringLiteral("Редакт. типов телефон. номеров");
+    return design;
+}
+
+int NextCode() {
+    const engine::Recordset last =
+        gDatabase->OpenRecordset(QStringLiteral("SELECT max(t01code) FROM t01 WHERE t01type = 0"));
+    const engine::Value code = last.Fields(0).Value();
+    return std::max(code.IsNull() ? FirstUserCode : code.Long() + 1, FirstUserCode);
+}
+
+/// From the current row on, whether a phone has a number that the user would lose.
+bool AnyFilledNumber(engine::Recordset& phones) {
+    for (; !phones.EndOfFile(); phones.MoveNext()) {
+        if (!runtime::Trim(phones.Fields(u"a02cval").Text()).isEmpty())
+            return true;
+    }
+    return false;
+}
+
+void Execute(const QString& sql) {
+    gDatabase->Execute(sql, engine::dbFailOnError);
+}
+
+} // namespace
+
+frmEditTelefonType::frmEditTelefonType()
+    : Form(WindowDesign()) {
+}
+
+void frmEditTelefonType::CreateControls(QWidget* surface) {
+    lstTelefonType = forms::Named(new forms::ListBox(surface), QStringLiteral("lstTelefonType"));
+    lstTelefonType->setAccessibleName(WindowDesign().caption);
+    lstTelefonType->setMinimumSize(surface->fontMetrics().averageCharWidth() * 36,
+                                   surface->fontMetrics().height() * 8);
+    auto* cmdAdd = forms::MakeButton(QStringLiteral("cmdAdd"), QStringLiteral("Добавить..."), surface);
+    cmdEdit = forms::MakeButton(QStringLiteral("cmdEdit"), QStringLiteral("Редактировать..."), surface);
+    cmdDelete = forms::MakeButton(QStringLiteral("cmdDelete"), QStringLiteral("Удалить"), surface);
+    lstTelefonType_Click(); // nothing is selected yet
+
+    auto* buttons = new QVBoxLayout; // one column, so equal widths
+    buttons->addWidget(cmdAdd);
+    buttons->addWidget(cmdEdit);
+    buttons->addWidget(cmdDelete);
+    buttons->addStretch();
+    auto* layout = new QHBoxLayout(surface);
+    layout->addWidget(lstTelefonType, 1);
+    layout->addLayout(buttons);
+
+    On(lstTelefonType, &forms::ListBox::Click, [this] { lstTelefonType_Click(); });
+    On(cmdAdd, &QPushButton::clicked, [this] { cmdAdd_Click(); });
+    On(cmdEdit, &QPushButton::clicked, [this] { cmdEdit_Click(); });
+    On(cmdDelete, &QPushButton::clicked, [this] { cmdDelete_Click(); });
+}
+
+void frmEditTelefonType::Form_Load() {
+    FillList();
+}
+
+void frmEditTelefonType::FillList() {
+    try {
+        lstTelefonType->Clear();
+        // Without ORDER BY the rows come in the order of their keys, so as they were created.
+        engine::Recordset types = gDatabase->OpenRecordset(
+            QStringLiteral("SELECT * FROM t01 WHERE t01type = 0"), engine::dbOpenDynaset);
+        if (types.RecordCount() < 1) {
+            forms::MsgBox(QStringLiteral("Нарушена целостность базы данных:\r\n"
+                                         "в базе отсутствуют записи типов телефонных номеров."),
+                          forms::Icon::Critical);
+        } else {
+            for (; !types.EndOfFile(); types.MoveNext()) {
+                const QString name = types.Fields(u"t01cval").Text();
+                lstTelefonType->AddItem(name.isEmpty() ? QStringLiteral(" ") : name);
+            }
+            types.Close();
+        }
+        lstTelefonType->SetListIndex(0);
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция FillList:"), failure);
+    }
+}
+
+QString frmEditTelefonType::SelectedType() const {
+    return lstTelefonType->List(lstTelefonType->ListIndex());
+}
+
+void frmEditTelefonType::lstTelefonType_Click() {
+    const bool changeable = lstTelefonType->ListIndex() > LastProtectedIndex;
+    cmdDelete->setEnabled(changeable);
+    cmdEdit->setEnabled(changeable);
+}
+
+void frmEditTelefonType::cmdAdd_Click() {
+    const auto dialog = Default<frmEditTelefonTypeDialog>();
+    try {
+        dialog->Load();
+        dialog->SetCaption(QStringLiteral("Добавление"));
+        dialog->Show(true);
+        if (runtime::TextToNumber(dialog->Tag()) != 0) {
+            Execute(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, ") +
+                    QString::number(NextCode()) + QStringLiteral(", '") + dialog->NewValue() +
+                    QStringLiteral("')"));
+            FillList();
+        }
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdAdd_Click:"), failure);
+    }
+    dialog->Unload();
+}
+
+void frmEditTelefonType::cmdEdit_Click() {
+    const auto dialog = Default<frmEditTelefonTypeDialog>();
+    try {
+        const QString name = SelectedType();
+        dialog->Load();
+        dialog->SetCaption(QStringLiteral("Редактирование"));
+        dialog->SetNewValue(name);
+        dialog->Show(true);
+        if (dialog->Tag() == QStringLiteral("1")) {
+            Execute(QStringLiteral("UPDATE t01 SET t01cval = '") + dialog->NewValue() +
+                    QStringLiteral("' WHERE t01cval = '") + name + QStringLiteral("'"));
+            FillList();
+        }
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdEdit_Click:"), failure);
+    }
+    dialog->Unload();
+}
+
+void frmEditTelefonType::cmdDelete_Click() {
+    try {
+        DeleteType(SelectedType());
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdDelete_Click:"), failure);
+    }
+}
+
+void frmEditTelefonType::DeleteType(const QString& name) {
+    engine::Recordset phones = gDatabase->OpenRecordset(
+        QStringLiteral("SELECT * FROM a02, t01 WHERE a02code = t01code AND t01type = 0 AND t01cval = '") +
+            name + QStringLiteral("'"),
+        engine::dbOpenDynaset);
+    if (phones.RecordCount() < 1) {
+        Execute(QStringLiteral("DELETE FROM t01 WHERE t01cval = '") + name + QStringLiteral("'"));
+    } else {
+        if (AnyFilledNumber(phones) &&
+            !forms::AskNo(
+                QStringLiteral("В книге присутствуют записи с этим типом телефона. При удалении данного "
+                               "типа телефона эти записи также будут удалены. Вы согласны?")))
+            return;
+        phones.MoveFirst();
+        const QString code = phones.Fields(u"t01code").Text();
+        Execute(QStringLiteral("DELETE FROM a02 WHERE a02code = ") + code);
+        Execute(QStringLiteral("DELETE FROM t01 WHERE t01code = ") + code);
+    }
+    FillList();
+}

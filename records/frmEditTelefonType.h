@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/forms/Controls.h"
+#include "platform/forms/Form.h"
+
+/// Adds, renames and deletes phone types. The types that every new database starts with are protected.
+class frmEditTelefonType final : public forms::Form {
+    Q_OBJECT
+
+public:
+    frmEditTelefonType();
+
+protected:
+    void CreateControls(QWidget* surface) override;
+    void Form_Load() override;
+
+private:
+    void FillList();
+    void lstTelefonType_Click();
+    void cmdAdd_Click();
+    void cmdEdit_Click();
+    void cmdDelete_Click();
+
+    QString SelectedType() const;
+    void DeleteType(const QString& name);
+
+    forms::ListBox* lstTelefonType = nullptr;
+    QPushButton* cmdEdit = nullptr;
+    QPushButton* cmdDelete = nullptr;
+};

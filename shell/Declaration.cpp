@@ -1,0 +1,9 @@
+#include "shell/Declaration.h"
+
+std::shared_ptr<engine::Workspace> gWorkspace;
+std::shared_ptr<engine::Database> gDatabase;
+
+clsRegister& gRegister() {
+    static clsRegister instance;
+    return instance;
+}

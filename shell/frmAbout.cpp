@@ -1,0 +1,126 @@
+#include "shell/frmAbout.h"
+
+#include "Product.h"
+#include "platform/forms/Controls.h"
+#include "platform/forms/MsgBox.h"
+#include "shell/Declaration.h"
+#include "shell/LinkLabel.h"
+
+#include <QGridLayout>
+#include <QVBoxLayout>
+
+namespace {
+
+QString Version() {
+    return QStringLiteral("%1.%2.%3").arg(product::Major).arg(product::Minor).arg(product::Revision);
+}
+
+QString AuthorMail() {
+    return QString::fromUtf16(product::AuthorMail);
+}
+
+} // namespace
+
+frmAbout::frmAbout()
+    : Form({.name = QStringLiteral("frmAbout"),
+            .caption = QStringLiteral("О программе"),
+            .kind = forms::Kind::Child,
+            .border = forms::Border::Fixed,
+            .tag = {}}) {
+}
+
+QLineEdit* frmAbout::AddRow(QGridLayout* grid, const QString& labelName, const QString& caption,
+                            const QString& fieldName) {
+    QLabel* label = forms::MakeLabel(labelName, caption);
+    QLineEdit* field = forms::MakeTextBox(fieldName);
+    field->setReadOnly(true);
+    forms::NameField(field, fieldName, label);
+    const int row = grid->rowCount();
+    grid->addWidget(label, row, 0);
+    grid->addWidget(field, row, 1);
+    return field;
+}
+
+void frmAbout::CreateControls(QWidget* surface) {
+    constexpr int Margin = 12;
+    constexpr int CharactersInField = 42;
+
+    QLabel* author =
+        forms::MakeLabel(QStringLiteral("Label1"), QStringLiteral("Norvane 58, автор Orlenta+"), surface);
+    QFont bold = author->font();
+    bold.setBold(true);
+    author->setFont(bold);
+    QLabel* legal =
+        forms::MakeLabel(QStringLiteral("Label2"), QString::fromUtf16(product::LegalLine), surface);
+    legal->setWordWrap(true);
+
+    auto* fields = new QGridLayout;
+    fields->setHorizontalSpacing(Margin);
+    txtVersion = AddRow(fields, QStringLiteral("Label3"), QStringLiteral("Версия программы:"),
+                        QStringLiteral("txtVersion"));
+    txtVersionBase = AddRow(fields, QStringLiteral("Label4"), QStringLiteral("Версия базы:"),
+                            QStringLiteral("txtVersionBase"));
+    txtUseBase = AddRow(fields, QStringLiteral("Label5"), QStringLiteral("Используется база:"),
+                        QStringLiteral("txtUseBase"));
+    txtCompileDate = AddRow(fields, QStringLiteral("Label7"), QStringLiteral("Дата компиляции:"),
+                            QStringLiteral("txtCompileDate"));
+    txtUseBase->setMinimumWidth(txtUseBase->fontMetrics().averageCharWidth() * CharactersInField);
+
+    QLabel* invitation = forms::MakeLabel(
+        QStringLiteral("Label6"),
+        QStringLiteral("Все вопросы и пожелания по поводу функционала программы направляйте по "
+                       "адресу: "),
+        surface);
+    invitation->setWordWrap(true);
+    auto* lblMailTo = forms::Named(new LinkLabel(AuthorMail(), surface), QStringLiteral("lblMailTo"));
+
+    auto* layout = new QVBoxLayout(surface);
+    layout->setContentsMargins(Margin, Margin, Margin, Margin);
+    layout->setSpacing(Margin);
+    layout->addWidget(author);
+    layout->addWidget(legal);
+    layout->addLayout(fields);
+    layout->addWidget(invitation);
+    layout->addWidget(lblMailTo, 0, Qt::AlignLeft);
+    On(lblMailTo, &LinkLabel::Click, [this] { lblMailTo_Click(); });
+}
+
+void frmAbout::Form_Load() {
+    const auto tellBroken = [] {
+        forms::MsgBox(QStringLiteral("Нарушена целостность базы данных."), forms::Icon::Critical);
+    };
+    try {
+        txtVersion->setText(Version());
+        engine::Recordset version =
+            gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM v00"), engine::dbOpenDynaset);
+        if (version.RecordCount() == 0)
+            return tellBroken();
+        version.MoveLast();
+        version.MoveFirst();
+        if (version.RecordCount() >= 2)
+            return tellBroken();
+        txtVersionBase->setText(version.Fields(u"v00vrid").Value().Text());
+        version.Close();
+        txtUseBase->setText(gRegister().GetKeyVal(QStringLiteral("DB_Path")));
+        txtUseBase->setToolTip(txtUseBase->text().toHtmlEscaped());
+        txtUseBase->setCursorPosition(0);
+        txtCompileDate->setText(QStringLiteral("02.08.2006"));
+    } catch (const runtime::Failure& failure) {
+        forms::ShowErrorBox(QStringLiteral("frmAbout функция Form_Load:"), failure);
+    }
+}
+
+void frmAbout::lblMailTo_Click() {
+    try {
+        mpsConnect.SignOn();
+        mpmMessage.Compose();
+        mpmMessage.RecipDisplayName = QStringLiteral("Orlenta+");
+        mpmMessage.RecipAddress = AuthorMail();
+        mpmMessage.Send(true);
+        mpsConnect.SignOff();
+    } catch (const runtime::Failure& failure) {
+        if (mpsConnect.IsOpen())
+            mpsConnect.SignOff();
+        forms::ShowErrorBox(QStringLiteral("frmAbout функция lblMailTo_Click:"), failure);
+    }
+}

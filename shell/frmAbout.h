@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/forms/Form.h"
+#include "platform/runtime/Mail.h"
+
+class QGridLayout;
+class QLineEdit;
+
+/// Versions, file in use, date of the build, and a mail to the author.
+class frmAbout final : public forms::Form {
+    Q_OBJECT
+
+public:
+    frmAbout();
+
+protected:
+    void CreateControls(QWidget* surface) override;
+    void Form_Load() override;
+
+private:
+    /// A label and its read-only text box as the next row of the grid.
+    static QLineEdit* AddRow(QGridLayout* grid, const QString& labelName, const QString& caption,
+                             const QString& fieldName);
+    void lblMailTo_Click();
+
+    QLineEdit* txtVersion = nullptr;
+    QLineEdit* txtVersionBase = nullptr;
+    QLineEdit* txtUseBase = nullptr;
+    QLineEdit* txtCompileDate = nullptr;
+    runtime::MapiSession mpsConnect;
+    runtime::MapiMessage mpmMessage;
+};

@@ -1,0 +1,48 @@
+#include "platform/engine/DBEngine.h"
+#include "platform/forms/Application.h"
+#include "platform/forms/Form.h"
+#include "platform/forms/MsgBox.h"
+#include "shell/Declaration.h"
+#include "shell/General.h"
+
+#include <QIcon>
+
+namespace {
+
+QIcon ProgramIcon() {
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        icon.addFile(QStringLiteral(":/icons/zavelik-%1.png").arg(size));
+    return icon;
+}
+
+/// Main in the place of a handler: what escapes it is shown, and the process goes on to its end.
+void Start() {
+    try {
+        General::Main();
+    } catch (const runtime::Failure& failure) {
+        forms::ShowEscapedFailure(failure);
+    }
+}
+
+/// Finished statements reach the disk before the process ends; if they cannot, the user is told.
+void MakeDurable() {
+    try {
+        engine::DBEngine::Commit();
+    } catch (const runtime::Failure& failure) {
+        forms::ShowEscapedFailure(failure);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    forms::Application application(argc, argv);
+    QApplication::setWindowIcon(ProgramIcon());
+    Start();
+    const int status = forms::Form::Loaded().empty() ? 0 : QApplication::exec();
+    MakeDurable();
+    gDatabase.reset(); // while everything that an open file leans on still lives
+    gWorkspace.reset();
+    return status;
+}

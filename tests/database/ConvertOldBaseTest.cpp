@@ -1,0 +1,258 @@
+#include "database/ConvertOldBase.h"
+
+#include "database/SeedData.h"
+#include "database/frmInstall.h"
+#include "platform/engine/EngineError.h"
+#include "platform/runtime/Process.h"
+#include "tests/database/BoundBase.h"
+#include "tests/engine/jet4/OldFiles.h"
+#include "tests/support/Keys.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QPushButton>
+#include <QtTest>
+
+using forms::Icon;
+using test::ErrorStart;
+
+namespace {
+
+QString Question(const QString& path, const QString& name) {
+    return QStringLiteral("Файл ") + path +
+           QStringLiteral(" создан прежней версией программы. Преобразовать его в новый формат? Прежний файл "
+                          "сохранится рядом под именем ") +
+           name + u'.';
+}
+
+QString Success(const QString& path, const QString& name) {
+    return QStringLiteral("Файл ") + path +
+           QStringLiteral(" преобразован в новый формат. Прежний файл сохранён под именем ") + name + u'.';
+}
+
+class OldBase : public test::Unbound {
+protected:
+    /// A copy of one of the old files, as the book.
+    void Copy(const char* name) const {
+        QFile::remove(Path());
+        ASSERT_TRUE(QFile::copy(test::OldFile(QString::fromUtf8(name)), Path()));
+        ASSERT_TRUE(QFile::setPermissions(Path(), QFile::ReadOwner | QFile::WriteOwner));
+    }
+
+    QString Kept() const { return Path(QStringLiteral("book.jet4.mdb")); }
+
+    /// Converts the book; the user agrees.
+    void Convert() const {
+        test::Answers answers;
+        answers.Question(Question(Path(), QStringLiteral("book.jet4.mdb")), true, true)
+            .Box(Success(Path(), QStringLiteral("book.jet4.mdb")), Icon::Information);
+        EXPECT_TRUE(OfferConversion(Path()));
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    }
+
+    QStringList Files() const {
+        return QFileInfo(Path()).dir().entryList({QStringLiteral("*.mdb*"), QStringLiteral(".zavelik*")},
+                                                 QDir::Files | QDir::Hidden);
+    }
+
+    /// Table by table what a second connection reads of the new file.
+    void ExpectRows(const QJsonObject& tables) const {
+        for (auto it = tables.begin(); it != tables.end(); ++it) {
+            SCOPED_TRACE(it.key().toStdString());
+            if (!it.value().isObject())
+                continue;
+            QStringList columns;
+            for (const QJsonValue& column : it.value()[QLatin1String("columns")].toArray())
+                columns += column.toString();
+            QStringList expected;
+            for (const QJsonValue& row : it.value()[QLatin1String("rows")].toArray()) {
+                QStringList values;
+                for (const QJsonValue& value : row.toArray())
+                    values += value.isNull() ? QStringLiteral("NULL") : value.toVariant().toString();
+                expected += values.join(u'|');
+            }
+            EXPECT_EQ(Rows(QStringLiteral("SELECT %1 FROM %2 ORDER BY 1").arg(columns.join(u','), it.key())),
+                      expected);
+        }
+    }
+
+    /// The regions and towns are those that a new book gets.
+    void ExpectReference() const {
+        QStringList regions;
+        QStringList towns;
+        int region = 0;
+        for (const seed::Region& known : seed::AllRegions()) {
+            regions += QString::fromUtf16(known.name);
+            ++region;
+            for (const seed::Town& town : known.towns)
+                towns +=
+                    QStringLiteral("%1|%2|%3").arg(region).arg(QString::fromUtf16(town.name)).arg(town.code);
+        }
+        EXPECT_EQ(Rows(QStringLiteral("SELECT t02cval FROM t02 ORDER BY t02rcid")), regions);
+        QStringList found = Rows(QStringLiteral("SELECT t03code, t03cval, t03numb FROM t03"));
+        towns.sort();
+        found.sort();
+        EXPECT_EQ(found, towns);
+    }
+};
+
+} // namespace
+
+TEST_F(OldBase, EverySoundFileBecomesABookOfItsVersion) {
+    const QJsonObject expected = test::ExpectedRows();
+    const struct {
+        const char* file;
+        const char* rows;
+        int version;
+    } files[] = {
+        {"v1-old.mdb", "v1-old.mdb", 1},
+        {"v1-encoded.mdb", "v1-old.mdb", 1},
+        {"broken-property-loop.mdb", "v1-old.mdb", 1},
+        {"v2-old.mdb", "v2-old.mdb", 2},
+        {"v3-small.mdb", "v3-small.mdb", 3},
+        {"v3-upgraded.mdb", "v3-upgraded.mdb", 3},
+    };
+    for (const auto& file : files) {
+        SCOPED_TRACE(file.file);
+        Copy(file.file);
+        const QByteArray before = test::BytesOf(Path());
+        Convert();
+        EXPECT_EQ(test::BytesOf(Kept()), before);
+        EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
+        ExpectRows(expected[QString::fromUtf8(file.rows)].toObject());
+        if (file.version > 1)
+            ExpectReference();
+
+        // The ladder goes on from there.
+        gWorkspace = engine::DBEngine::Workspaces(0);
+        gDatabase = gWorkspace->OpenDatabase(Path());
+        General::UpdateBaseIfNeed();
+        EXPECT_EQ(Row(QStringLiteral("SELECT v00vrid FROM v00")), QStringLiteral("3"));
+        ExpectReference();
+        gDatabase->Close();
+        gDatabase.reset();
+        QFile::remove(Kept());
+    }
+}
+
+// A converted book of the current version is a new one in everything but its rows.
+TEST_F(OldBase, TheSchemaIsThatOfANewBook) {
+    Copy("v3-small.mdb");
+    Convert();
+    const QString fresh = Path(QStringLiteral("fresh.mdb"));
+    gWorkspace = engine::DBEngine::Workspaces(0);
+    gDatabase = gWorkspace->CreateDatabase(fresh, QString::fromUtf16(engine::dbLangGeneral));
+    ASSERT_TRUE(General::ApplySQLToCreateDB(*gDatabase));
+    gDatabase->Close();
+    const QString schema = QStringLiteral("SELECT name, sql FROM sqlite_master ORDER BY name");
+    EXPECT_EQ(test::ReadRows(Path(), schema), test::ReadRows(fresh, schema));
+
+    gDatabase = gWorkspace->OpenDatabase(Path());
+    const auto execute = [](const char* sql) {
+        gDatabase->Execute(QString::fromUtf8(sql), engine::dbFailOnError);
+    };
+    execute("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (1, 1, 'x')");
+    execute("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, 99, 'x')");
+    EXPECT_EQ(Row(QStringLiteral("SELECT max(a02rcid) FROM a02")), QStringLiteral("36"));
+    EXPECT_EQ(Row(QStringLiteral("SELECT max(t01ctid) FROM t01")), QStringLiteral("8"));
+    EXPECT_EQ(test::FailureNumber([&] { execute("UPDATE a02 SET a02cval = ''"); }),
+              engine::EmptyTextNotAllowed);
+    EXPECT_EQ(test::FailureNumber([&] { execute("UPDATE t01 SET t01cval = 'Дача'"); }), engine::DuplicateKey);
+}
+
+TEST_F(OldBase, WhatIsRefusedStaysAsItIs) {
+    const struct {
+        const char* file;
+        int number;
+    } files[] = {
+        {"broken-empty.mdb", 0}, // left to the engine, as are the next three
+        {"broken-text.mdb", 0},
+        {"broken-jet3-header.mdb", 0},
+        {"broken-ace-header.mdb", 0},
+        {"broken-short-header.mdb", engine::CannotOpenDatabase},
+        {"broken-header-only.mdb", engine::CannotOpenDatabase},
+        {"broken-truncated.mdb", engine::CannotOpenDatabase},
+        {"broken-truncated-tail.mdb", engine::CannotOpenDatabase},
+        {"broken-page.mdb", engine::CannotOpenDatabase},
+        {"broken-columns.mdb", engine::CannotOpenDatabase},
+        {"broken-pointer-loop.mdb", engine::CannotOpenDatabase},
+        {"v1-password.mdb", engine::PasswordNeeded},
+        {"foreign.mdb", engine::UnrecognisedFormat},
+    };
+    const test::Answers nobodyIsAsked;
+    for (const auto& file : files) {
+        SCOPED_TRACE(file.file);
+        Copy(file.file);
+        const QByteArray before = test::BytesOf(Path());
+        bool goOn = false;
+        EXPECT_EQ(test::FailureNumber([&] { goOn = OfferConversion(Path()); }), file.number);
+        EXPECT_EQ(goOn, file.number == 0);
+        if (goOn) {
+            const int expected = QString::fromUtf8(file.file).contains(u"jet3") ? engine::OlderFormat
+                                                                                : engine::UnrecognisedFormat;
+            EXPECT_EQ(test::FailureNumber([&] { engine::DBEngine::Workspaces(0)->OpenDatabase(Path()); }),
+                      expected);
+        }
+        EXPECT_EQ(test::BytesOf(Path()), before);
+        EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    }
+}
+
+TEST_F(OldBase, OnNoNothingChanges) {
+    Copy("v1-old.mdb");
+    const QByteArray before = test::BytesOf(Path());
+    test::Answers answers;
+    answers.Question(Question(Path(), QStringLiteral("book.jet4.mdb")), false, true);
+    EXPECT_FALSE(OfferConversion(Path()));
+    EXPECT_EQ(test::BytesOf(Path()), before);
+    EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
+}
+
+TEST_F(OldBase, ThereIsNoQuestionForAFileOfOurs) {
+    const test::Answers nobodyIsAsked;
+    engine::DBEngine::Workspaces(0)
+        ->CreateDatabase(Path(), QString::fromUtf16(engine::dbLangGeneral))
+        ->Close();
+    EXPECT_TRUE(OfferConversion(Path()));
+    EXPECT_TRUE(OfferConversion(Path(QStringLiteral("missing.mdb"))));
+    EXPECT_TRUE(OfferConversion(QFileInfo(Path()).absolutePath()));
+}
+
+// In the master a refusal leaves the window open, and a file that is converted is the chosen one.
+TEST_F(OldBase, TheMasterTakesAnOldFile) {
+    Copy("v1-old.mdb");
+    const QString damaged = Path(QStringLiteral("damaged.mdb"));
+    ASSERT_TRUE(QFile::copy(test::OldFile(QStringLiteral("broken-columns.mdb")), damaged));
+    const auto select = [](QWidget& window) {
+        QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("cmdSelect")), Qt::LeftButton);
+    };
+    test::Answers answers;
+    answers.Modal(QStringLiteral("frmInstall"), [&](QWidget& window) {
+        select(window);
+        EXPECT_TRUE(window.isVisible());
+        select(window);
+        EXPECT_TRUE(window.isVisible());
+        EXPECT_EQ(gDatabase, nullptr);
+        select(window);
+        EXPECT_FALSE(window.isVisible());
+    });
+    answers.File(damaged)
+        .BoxStarting(
+            ErrorStart(QStringLiteral("frmInstall функция cmdSelect_Click:"), engine::CannotOpenDatabase),
+            Icon::Critical)
+        .File(Path())
+        .Question(Question(Path(), QStringLiteral("book.jet4.mdb")), false, true)
+        .File(Path())
+        .Question(Question(Path(), QStringLiteral("book.jet4.mdb")), true, true)
+        .Box(Success(Path(), QStringLiteral("book.jet4.mdb")), Icon::Information);
+    const std::shared_ptr<frmInstall> master = forms::Form::Default<frmInstall>();
+    master->Show(true);
+    EXPECT_EQ(master->Tag(), QStringLiteral("1"));
+    master->Unload();
+    EXPECT_EQ(gRegister().GetKeyVal(QStringLiteral("DB_Path")), Path());
+    General::UpdateBaseIfNeed();
+    EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM a01")), QStringLiteral("11"));
+    EXPECT_EQ(Row(QStringLiteral("SELECT v00vrid FROM v00")), QStringLiteral("3"));
+    EXPECT_TRUE(QFile::exists(Kept()));
+}

@@ -1,0 +1,128 @@
+// A child process is killed hard while it creates a file or upgrades one. Afterwards there is no file, or one
+// that opens, is sound, and holds the statements up to one of them and none behind it.
+
+#include "database/SeedData.h"
+#include "tests/database/BoundBase.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+#include <QThread>
+
+namespace {
+
+const char* const PathVariable = "ZAVELIK_CRASH_PATH";
+
+void TellParent() {
+    QFile output;
+    ASSERT_TRUE(output.open(stdout, QFile::WriteOnly));
+    output.write("working\n");
+    output.flush();
+}
+
+/// The child's work, which the parent alone starts.
+class DISABLED_CrashChild : public test::Unbound {
+protected:
+    DISABLED_CrashChild() { gWorkspace = engine::DBEngine::Workspaces(0); }
+    const QString path = qEnvironmentVariable(PathVariable);
+};
+
+TEST_F(DISABLED_CrashChild, Create) {
+    TellParent();
+    gDatabase = gWorkspace->CreateDatabase(path, QString::fromUtf16(engine::dbLangGeneral));
+    General::ApplySQLToCreateDB(*gDatabase);
+    engine::DBEngine::Commit();
+}
+
+TEST_F(DISABLED_CrashChild, Upgrade) {
+    gDatabase = gWorkspace->OpenDatabase(path);
+    TellParent();
+    General::UpdateBaseIfNeed();
+}
+
+class Crash : public test::Unbound {
+protected:
+    void KillWhileRunning(const QString& work, unsigned long microseconds) const {
+        QProcess child;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(PathVariable), Path());
+        child.setProcessEnvironment(environment);
+        child.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("--gtest_also_run_disabled_tests"),
+                     QStringLiteral("--gtest_filter=DISABLED_CrashChild.") + work});
+        QByteArray said;
+        while (!said.contains("working\n") && child.waitForReadyRead(20'000))
+            said += child.readAllStandardOutput();
+        ASSERT_TRUE(said.contains("working\n")) << said.constData();
+        QThread::usleep(microseconds);
+        child.kill();
+        child.waitForFinished();
+    }
+
+    void Open() {
+        gWorkspace = engine::DBEngine::Workspaces(0);
+        gDatabase = gWorkspace->OpenDatabase(Path()); // rolls back what a dead process left
+        EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
+    }
+    void Close() {
+        gDatabase.reset();
+        gWorkspace.reset();
+    }
+    bool Has(const char* table) const { return gDatabase->TableNames().contains(QString::fromLatin1(table)); }
+};
+
+constexpr unsigned long Moments[] = {0, 2'000, 5'000, 8'000, 12'000, 18'000, 30'000, 60'000, 120'000};
+
+} // namespace
+
+TEST_F(Crash, CreationLeavesNoFileOrTheStatementsUpToOne) {
+    QStringList seed;
+    for (const seed::Region& region : seed::AllRegions()) {
+        for (const seed::Town& town : region.towns)
+            seed += QString::fromUtf16(town.name) + u'|' + QString::number(town.code);
+    }
+    for (const unsigned long moment : Moments) {
+        SCOPED_TRACE(moment);
+        KillWhileRunning(QStringLiteral("Create"), moment);
+        if (QFile::exists(Path())) {
+            Open();
+            const QStringList towns =
+                Has("t03") ? Rows(QStringLiteral("SELECT t03cval, t03numb FROM t03 ORDER BY t03rcid"))
+                           : QStringList();
+            EXPECT_EQ(towns, seed.mid(0, towns.size()));
+            if (!towns.empty()) {
+                EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM t02")), QStringLiteral("79"));
+            }
+            Close();
+        }
+        QFile::remove(Path());
+        EXPECT_FALSE(QFile::exists(Path()));
+    }
+}
+
+TEST_F(Crash, AnUpgradeIsDoneWholeOrNotAtAll) {
+    for (const unsigned long moment : Moments) {
+        SCOPED_TRACE(moment);
+        QFile::remove(Path());
+        const auto workspace = engine::DBEngine::Workspaces(0);
+        const auto db = workspace->CreateDatabase(Path(), QString::fromUtf16(engine::dbLangGeneral));
+        db->Execute(QStringLiteral("CREATE TABLE a01 (a01clid INTEGER NOT NULL PRIMARY KEY)"));
+        db->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (5)"));
+        db->Execute(QStringLiteral("CREATE TABLE v00 (v00vrid BYTE NOT NULL PRIMARY KEY)"));
+        db->Execute(QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (1)"));
+        db->Close();
+
+        KillWhileRunning(QStringLiteral("Upgrade"), moment);
+        Open();
+        const QString version = Row(QStringLiteral("SELECT v00vrid FROM v00"));
+        const bool raised = version != u"1";
+        EXPECT_EQ(Row(QStringLiteral("SELECT a01clid FROM a01")), QStringLiteral("5"));
+        EXPECT_EQ(gDatabase->TableDefs(QStringLiteral("a01")).FieldsCount(), raised ? 2 : 1);
+        EXPECT_EQ(Has("t02"), raised);
+        EXPECT_EQ(Has("a03"), version == u"3");
+        if (raised) {
+            EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM t03")), QStringLiteral("1913"));
+        }
+        Close();
+    }
+}

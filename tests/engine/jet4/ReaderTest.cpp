@@ -1,0 +1,173 @@
+#include "platform/engine/jet4/Reader.h"
+
+#include "platform/engine/EngineError.h"
+#include "tests/engine/jet4/OldFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+#include <QtEndian>
+
+#include <algorithm>
+
+using engine::Value;
+using engine::jet4::Reader;
+using engine::jet4::Table;
+
+namespace {
+
+/// All rows of a table, in ascending order of its first column.
+std::vector<std::vector<Value>> SortedRows(const Reader& reader, const Table& table) {
+    std::vector<std::vector<Value>> rows;
+    for (const auto place : reader.Rows(table)) {
+        rows.emplace_back();
+        reader.Read(table, place, rows.back());
+    }
+    std::stable_sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
+        const auto* first = a.front().template As<std::int64_t>();
+        const auto* second = b.front().template As<std::int64_t>();
+        return first && second && *first < *second;
+    });
+    return rows;
+}
+
+void ExpectRows(const Reader& reader, const Table& table, const QJsonObject& expected) {
+    const QJsonArray columns = expected[QLatin1String("columns")].toArray();
+    ASSERT_EQ(columns.size(), static_cast<qsizetype>(table.columns.size()));
+    QJsonArray rows;
+    for (const auto& row : SortedRows(reader, table)) {
+        QJsonArray values;
+        for (const QJsonValue& column : columns) {
+            const int place = table.Find(column.toString());
+            ASSERT_GE(place, 0) << column.toString().toStdString();
+            values.append(test::JsonOf(row[static_cast<std::size_t>(place)],
+                                       table.columns[static_cast<std::size_t>(place)].type));
+        }
+        rows.append(values);
+    }
+    EXPECT_EQ(QJsonDocument(rows).toJson().toStdString(),
+              QJsonDocument(expected[QLatin1String("rows")].toArray()).toJson().toStdString());
+}
+
+void ReadAll(const Reader& reader) {
+    std::vector<Value> values;
+    for (const Table& table : reader.Tables()) {
+        for (const auto place : reader.Rows(table))
+            reader.Read(table, place, values);
+    }
+}
+
+} // namespace
+
+TEST(OldFormatReader, ReadsEveryRowOfTheSoundFiles) {
+    const QJsonObject expected = test::ExpectedRows();
+    const struct {
+        const char* file;
+        const char* rows; ///< the file that lists its rows
+    } files[] = {
+        {"v3-small.mdb", "v3-small.mdb"},
+        {"v1-old.mdb", "v1-old.mdb"},
+        {"v2-old.mdb", "v2-old.mdb"},
+        {"v3-upgraded.mdb", "v3-upgraded.mdb"},
+        {"foreign.mdb", "foreign.mdb"},
+        {"v1-encoded.mdb", "v1-old.mdb"},
+        // The spoilt block belongs to properties, which tell nothing of the rows.
+        {"broken-property-loop.mdb", "v1-old.mdb"},
+    };
+    for (const auto& file : files) {
+        SCOPED_TRACE(file.file);
+        const QString path = test::OldFile(QString::fromUtf8(file.file));
+        EXPECT_TRUE(Reader::IsOldFormat(path));
+        const Reader reader(path);
+        const QJsonObject tables = expected[QString::fromUtf8(file.rows)].toObject();
+        EXPECT_EQ(reader.Tables().size(), static_cast<std::size_t>(tables.size()));
+        for (auto it = tables.begin(); it != tables.end(); ++it) {
+            SCOPED_TRACE(it.key().toStdString());
+            const Table* table = reader.Find(it.key());
+            ASSERT_NE(table, nullptr);
+            if (it.value().isObject())
+                ExpectRows(reader, *table, it.value().toObject());
+            else
+                EXPECT_EQ(reader.Rows(*table).size(), it.key() == u"t02" ? 79U : 1913U);
+        }
+    }
+}
+
+TEST(OldFormatReader, KnowsTheColumns) {
+    using enum engine::DataType;
+    const Reader reader(test::OldFile(QStringLiteral("v3-small.mdb")));
+    const struct {
+        const char* table;
+        const char* column;
+        engine::DataType type;
+        int size;
+    } rows[] = {
+        {"a01", "a01clid", Long, 0},  {"a01", "a01memo", Text, 100}, {"A02", "A02RCID", Counter, 0},
+        {"a02", "a02code", Short, 0}, {"t01", "t01type", Byte, 0},   {"a03", "a03evdt", Text, 20},
+    };
+    for (const auto& row : rows) {
+        const Table* table = reader.Find(QString::fromUtf8(row.table));
+        ASSERT_NE(table, nullptr) << row.table;
+        const int place = table->Find(QString::fromUtf8(row.column));
+        ASSERT_GE(place, 0) << row.column;
+        EXPECT_EQ(table->columns[static_cast<std::size_t>(place)].type, row.type) << row.column;
+        EXPECT_EQ(table->columns[static_cast<std::size_t>(place)].size, row.size) << row.column;
+    }
+    EXPECT_TRUE(reader.OtherObjects().isEmpty());
+}
+
+TEST(OldFormatReader, NamesWhatItRefuses) {
+    const struct {
+        const char* file;
+        int number;
+    } files[] = {
+        {"broken-empty.mdb", engine::UnrecognisedFormat},
+        {"broken-text.mdb", engine::UnrecognisedFormat},
+        {"broken-jet3-header.mdb", engine::UnrecognisedFormat},
+        {"broken-ace-header.mdb", engine::UnrecognisedFormat},
+        {"broken-short-header.mdb", engine::CannotOpenDatabase},
+        {"broken-header-only.mdb", engine::CannotOpenDatabase},
+        {"broken-truncated.mdb", engine::CannotOpenDatabase},
+        {"broken-truncated-tail.mdb", engine::CannotOpenDatabase},
+        {"broken-page.mdb", engine::CannotOpenDatabase},
+        {"broken-columns.mdb", engine::CannotOpenDatabase},
+        {"broken-pointer-loop.mdb", engine::CannotOpenDatabase},
+        {"v1-password.mdb", engine::PasswordNeeded},
+        {"missing.mdb", engine::FileNotFound},
+        {"", engine::FileNotFound},
+    };
+    for (const auto& file : files) {
+        const QString path = test::OldFile(QString::fromUtf8(file.file));
+        EXPECT_EQ(test::FailureNumber([&path] { ReadAll(Reader(path)); }), file.number) << file.file;
+        EXPECT_EQ(Reader::IsOldFormat(path),
+                  file.number == engine::CannotOpenDatabase || file.number == engine::PasswordNeeded)
+            << file.file;
+    }
+}
+
+// Every page in turn is spoilt in several ways: the reader either reads all rows or says that the file is
+// damaged.
+TEST(OldFormatReader, NeverDeliversHalfATable) {
+    const QByteArray sound = test::BytesOf(test::OldFile(QStringLiteral("v1-old.mdb")));
+    constexpr qsizetype pageSize = 4096;
+    const char patterns[] = {'\0', '\xFF', '\x01', '\x40', '\x80'};
+    int refused = 0;
+    for (qsizetype page = 1; page < sound.size() / pageSize; ++page) {
+        for (const char pattern : patterns) {
+            for (const qsizetype place : {0, 1, 4, 8, 12, 14, 16, 43, 45, 51, 55, 63, 200, 4090}) {
+                QByteArray bytes = sound;
+                for (qsizetype i = 0; i < 4; ++i)
+                    bytes[page * pageSize + place + i] = pattern;
+                const int number = test::FailureNumber([&bytes] {
+                    const Reader reader(bytes, QStringLiteral("x.mdb"));
+                    ReadAll(reader);
+                    const Table* cards = reader.Find(u"a01");
+                    EXPECT_TRUE(!cards || reader.Rows(*cards).size() == cards->rowCount);
+                });
+                EXPECT_TRUE(number == 0 || number == engine::CannotOpenDatabase) << number;
+                refused += number != 0;
+            }
+        }
+    }
+    EXPECT_GT(refused, 500);
+}

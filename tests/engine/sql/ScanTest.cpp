@@ -1,0 +1,79 @@
+// The shape of a statement, by which prepared statements are found again.
+#include "platform/engine/sql/Plan.h"
+#include "platform/runtime/Failure.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using engine::sql::Scan;
+using engine::sql::Scanned;
+
+struct Pair {
+    const char16_t* first;
+    const char16_t* second;
+};
+
+Scanned ScanOf(const char16_t* text) {
+    return Scan(QString::fromUtf16(text));
+}
+
+TEST(ScanTest, TextsThatDifferInLiteralsShareAShape) {
+    static const Pair pairs[] = {
+        {u"SELECT * FROM a01 WHERE a01clid = 1", u"SELECT * FROM  a01\r\nWHERE a01clid =22"},
+        {u"INSERT INTO t02 (t02cval) VALUES ('a')", u"INSERT INTO t02 (t02cval) VALUES ('it''s')"},
+        {u"a02clid= 5AND a02code = 1", u"a02clid= 77AND a02code = 2"},
+        {u"SELECT 1 WHERE a LIKE 'x*'", u"SELECT 1 WHERE a LIKE '[a]'"},
+        {u"SELECT 1 WHERE a LIKE 'x'", u"SELECT 1 WHERE a LIKE ''"},
+        {u"SELECT #1/1/2000#", u"SELECT #2/2/2002 10:30#"},
+    };
+    for (const Pair& pair : pairs) {
+        const Scanned first = ScanOf(pair.first);
+        EXPECT_TRUE(first.cacheable);
+        EXPECT_EQ(first.shape, ScanOf(pair.second).shape) << QString::fromUtf16(pair.first).toStdString();
+    }
+}
+
+TEST(ScanTest, TextsThatMeanSomethingElseDoNot) {
+    static const Pair pairs[] = {
+        {u"SELECT 1", u"SELECT '1'"},
+        {u"SELECT 1", u"SELECT 1.5"},
+        {u"SELECT 1", u"SELECT 3000000000"},
+        {u"SELECT a WHERE a LIKE 'x'", u"SELECT a WHERE a LIKE 'x*'"},
+        {u"SELECT a WHERE a LIKE 'x'", u"SELECT a WHERE a LIKE '['"},
+        {u"SELECT TOP 1 a FROM b", u"SELECT TOP 2 a FROM b"},
+        {u"SELECT a, b FROM c ORDER BY 1", u"SELECT a, b FROM c ORDER BY 2"},
+        {u"SELECT a, b FROM c ORDER BY a, 1", u"SELECT a, b FROM c ORDER BY a, 2"},
+        {u"SELECT a + 1 FROM b GROUP BY a + 1", u"SELECT a + 1 FROM b GROUP BY a + 2"},
+        {u"SELECT DISTINCT a + 1 FROM b ORDER BY a + 1", u"SELECT DISTINCT a + 1 FROM b ORDER BY a + 2"},
+        {u"SELECT [a b]", u"SELECT a b"},
+        {u"SELECT a AS b", u"SELECT a AS B"},
+        {u"SELECT 1 IN (1, 2)", u"SELECT 1 IN (1, 2, 3)"},
+    };
+    for (const Pair& pair : pairs)
+        EXPECT_NE(ScanOf(pair.first).shape, ScanOf(pair.second).shape)
+            << QString::fromUtf16(pair.first).toStdString();
+}
+
+TEST(ScanTest, LiteralsComeInOrder) {
+    const Scanned scanned = ScanOf(u"a = 'it''s' AND b = &H10 OR c=1.5E2AND d = #12/31/2006#");
+    ASSERT_EQ(scanned.literals.size(), 4U);
+    EXPECT_EQ(scanned.literals[0], engine::Value(QStringLiteral("it's")));
+    EXPECT_EQ(scanned.literals[1], engine::Value(16));
+    EXPECT_EQ(scanned.literals[2], engine::Value(150.0));
+    EXPECT_EQ(scanned.literals[3].Text(), QStringLiteral("31.12.2006"));
+}
+
+TEST(ScanTest, SomeTextsHaveNoShape) {
+    QString list = QStringLiteral("SELECT 1 IN (1");
+    for (int i = 0; i < 300; ++i)
+        list += QStringLiteral(", 1");
+    EXPECT_FALSE(Scan(list + u')').cacheable);
+    EXPECT_FALSE(ScanOf(u"CREATE TABLE a (b TEXT(5))").cacheable);
+    EXPECT_FALSE(ScanOf(u"alter table a add column b TEXT(5)").cacheable);
+    EXPECT_FALSE(ScanOf(u"SELECT 'left open").cacheable);
+    EXPECT_TRUE(ScanOf(u"SELECT a FROM create1").cacheable);
+    EXPECT_THROW(Scan(QString(1'000'001, u' ')), runtime::Failure);
+}
+
+} // namespace

@@ -1,0 +1,147 @@
+#include "tests/engine/storage/StorageTest.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QThread>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class Commit : public test::Storage {
+protected:
+    Commit() {
+        MakeCards();
+        engine::DBEngine::Commit();
+    }
+    void Insert(int id) {
+        Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, 'Иванов')").arg(id));
+    }
+    QString Disk() const {
+        return test::ReadRows(path, QStringLiteral("SELECT a01clid FROM a01 ORDER BY 1")).join(u' ');
+    }
+};
+
+// No file of this process grows beyond its size: the disk is full, as it were.
+class NoRoom {
+public:
+    explicit NoRoom(const QString& path) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit limit = m_before;
+        limit.rlim_cur = static_cast<rlim_t>(QFile(path).size());
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~NoRoom() { setrlimit(RLIMIT_FSIZE, &m_before); }
+    NoRoom(const NoRoom&) = delete;
+    NoRoom& operator=(const NoRoom&) = delete;
+
+private:
+    rlimit m_before{};
+};
+
+} // namespace
+
+TEST_F(Commit, StatementsBecomeDurableInGroups) {
+    Insert(1);
+    EXPECT_EQ(Disk(), QString());
+    EXPECT_EQ(Ask(QStringLiteral("SELECT a01clid FROM a01")), QStringList{QStringLiteral("1")});
+    engine::DBEngine::Idle();
+    EXPECT_EQ(Disk(), QStringLiteral("1"));
+    EXPECT_FALSE(QFile::exists(path + QStringLiteral("-journal")));
+
+    Insert(2);
+    QThread::msleep(60);
+    Insert(3); // the group is old enough now
+    EXPECT_EQ(Disk(), QStringLiteral("1 2 3"));
+
+    Insert(4);
+    workspace->BeginTrans();
+    EXPECT_EQ(Disk(), QStringLiteral("1 2 3 4"));
+    Insert(5);
+    engine::DBEngine::Commit(); // a box inside a transaction changes nothing
+    EXPECT_EQ(Disk(), QStringLiteral("1 2 3 4"));
+    workspace->CommitTrans();
+    EXPECT_EQ(Disk(), QStringLiteral("1 2 3 4 5"));
+
+    Insert(6);
+    database->Close();
+    EXPECT_EQ(Disk(), QStringLiteral("1 2 3 4 5 6"));
+}
+
+TEST_F(Commit, AFailedStatementDoesNotHoldALock) {
+    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (NULL)")), 3314);
+    const auto other = workspace->OpenDatabase(path);
+    other->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)"), engine::dbFailOnError);
+    other->Close();
+    EXPECT_EQ(Disk(), QStringLiteral("1"));
+}
+
+TEST_F(Commit, ALostGroupIsToldToWhoeverPassesOverFailures) {
+    const QString text = QString(50, u'я');
+    const auto insert = [&](int id) {
+        return FailureOfRun(
+            QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, '%2')").arg(id).arg(text));
+    };
+    EXPECT_EQ(insert(1), 0);
+    engine::DBEngine::Commit();
+    int failures = 0;
+    {
+        const NoRoom noRoom(path);
+        for (int id = 2; id < 500; ++id) {
+            if (id == 300)
+                QThread::msleep(60); // the group is due
+            failures += insert(id) != 0;
+        }
+    }
+    // There is room again, but the rows before the failure are gone: nothing may go on as if they were there.
+    EXPECT_EQ(failures, 200);
+    EXPECT_NE(insert(6000), 0);
+    EXPECT_NE(test::FailureOf([] { engine::DBEngine::Commit(); }), 0);
+    EXPECT_EQ(test::FailureOf([] { engine::DBEngine::Commit(); }), 0);
+    EXPECT_EQ(insert(6000), 0);
+    engine::DBEngine::Commit();
+    EXPECT_TRUE(Disk().startsWith(QStringLiteral("1 ")) && Disk().endsWith(QStringLiteral(" 6000")));
+    EXPECT_EQ(test::Integrity(path), QStringLiteral("ok"));
+}
+
+TEST_F(Commit, AGroupThatCannotBeCommittedIsToldOnceAtTheEnd) {
+    Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (1, 'x')"));
+    engine::DBEngine::Commit();
+    {
+        const NoRoom noRoom(path);
+        workspace->BeginTrans();
+        const QString text = QString(50, u'я');
+        for (int id = 2; id < 200; ++id)
+            Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, '%2')").arg(id).arg(text));
+        EXPECT_EQ(test::FailureOf([&] { workspace->CommitTrans(); }), 3043);
+        workspace->Rollback();
+        EXPECT_EQ(test::FailureOf([&] { workspace->Rollback(); }), 3034);
+    }
+    EXPECT_EQ(Ask(QStringLiteral("SELECT a01clid FROM a01")), QStringList{QStringLiteral("1")});
+    Insert(2);
+    engine::DBEngine::Commit();
+    EXPECT_EQ(Disk(), QStringLiteral("1 2"));
+}
+
+// A program that is killed keeps what it had made durable, whole, and nothing else.
+TEST_F(Commit, AKilledProgramKeepsWholeStatements) {
+    database->Close();
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const auto mine = engine::DBEngine::CreateWorkspace({}, {}, {})->OpenDatabase(path);
+        mine->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)"), engine::dbFailOnError);
+        engine::DBEngine::Commit();
+        mine->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (2)"), engine::dbFailOnError);
+        ::kill(getpid(), SIGKILL);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    database = workspace->OpenDatabase(path);
+    EXPECT_EQ(Ask(QStringLiteral("SELECT a01clid FROM a01")), QStringList{QStringLiteral("1")});
+}

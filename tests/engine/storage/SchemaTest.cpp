@@ -1,0 +1,124 @@
+#include "tests/engine/storage/StorageTest.h"
+
+using engine::DataType;
+
+namespace {
+
+class Schema : public test::Storage {
+protected:
+    QStringList Columns(const QString& table) {
+        QStringList columns;
+        const auto definition = database->TableDefs(table);
+        for (int at = 0; at < definition.FieldsCount(); ++at) {
+            const auto field = definition.Fields(at);
+            columns += QStringLiteral("%1:%2:%3%4%5")
+                           .arg(field.Name())
+                           .arg(static_cast<int>(field.Type()))
+                           .arg(field.Size())
+                           .arg(field.Required() ? QStringLiteral("!") : QString(),
+                                field.AllowZeroLength() ? QStringLiteral("0") : QString());
+        }
+        return columns;
+    }
+    static QString Column(const char* name, DataType type, int size = 0, const char* marks = "") {
+        return QStringLiteral("%1:%2:%3%4")
+            .arg(QString::fromUtf8(name))
+            .arg(static_cast<int>(type))
+            .arg(size)
+            .arg(QString::fromUtf8(marks));
+    }
+};
+
+} // namespace
+
+TEST_F(Schema, WhatAColumnIsDeclaredToBeOutlivesTheProgram) {
+    Run(QStringLiteral(
+        "CREATE TABLE [Мои данные] (n COUNTER, b BYTE NOT NULL, s SHORT, l INTEGER, t1 TEXT(1), [t 255] "
+        "TEXT, m LONGTEXT, f SINGLE, d DOUBLE, c CURRENCY, w DATETIME, y BIT, [a\"b] TEXT(7) NOT NULL)"));
+    const QStringList expected{Column("n", DataType::Counter),        Column("b", DataType::Byte, 0, "!"),
+                               Column("s", DataType::Short),          Column("l", DataType::Long),
+                               Column("t1", DataType::Text, 1),       Column("t 255", DataType::Text, 255),
+                               Column("m", DataType::Memo),           Column("f", DataType::Single),
+                               Column("d", DataType::Double),         Column("c", DataType::Currency),
+                               Column("w", DataType::Date),           Column("y", DataType::Bit),
+                               Column("a\"b", DataType::Text, 7, "!")};
+    EXPECT_EQ(Columns(QStringLiteral("МОИ ДАННЫЕ")), expected);
+    Reopen();
+    EXPECT_EQ(Columns(QStringLiteral("Мои данные")), expected);
+    EXPECT_EQ(database->TableNames(), QStringList{QStringLiteral("Мои данные")});
+    EXPECT_EQ(test::Integrity(path), QStringLiteral("ok"));
+}
+
+TEST_F(Schema, ChangesKeepRowsRulesAndCounters) {
+    MakeCards();
+    Run(QStringLiteral("CREATE INDEX i ON a02 (a02clid, a02code)"));
+    for (int row = 1; row <= 3; ++row)
+        Run(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (%1, 1, 'т%1')").arg(row));
+    Run(QStringLiteral("DELETE FROM a02 WHERE a02rcid = 3"));
+
+    Run(QStringLiteral("ALTER TABLE a02 ADD COLUMN note TEXT(20)"));
+    Run(QStringLiteral("ALTER TABLE a02 ADD COLUMN must SHORT NOT NULL"));
+    EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM a02")),
+              (QStringList{QStringLiteral("1|1|1|т1|NULL|NULL"), QStringLiteral("2|2|1|т2|NULL|NULL")}));
+    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (1, 1, 'x')")),
+              3314);
+    EXPECT_EQ(FailureOfRun(QStringLiteral(
+                  "INSERT INTO a02 (a02clid, a02code, a02cval, note, must) VALUES (1, 1, 'x', '', 1)")),
+              3315);
+    Run(QStringLiteral("ALTER TABLE a02 ALTER COLUMN a02cval TEXT(60)"));
+    Run(QStringLiteral("ALTER TABLE a02 DROP COLUMN must"));
+    Reopen();
+    EXPECT_EQ(Columns(QStringLiteral("a02")).mid(3),
+              (QStringList{Column("a02cval", DataType::Text, 60), Column("note", DataType::Text, 20)}));
+    // Two numbers were used up by the inserts that failed above.
+    Run(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (9, 1, 'т9')"));
+    EXPECT_GT(AskOne(QStringLiteral("SELECT max(a02rcid) FROM a02")).toInt(), 3);
+
+    const struct {
+        const char* sql;
+        int failure;
+    } refused[] = {
+        {"CREATE TABLE A02 (x TEXT(5))", 3010},
+        {"CREATE TABLE z (x TEXT(5), X SHORT)", 3191},
+        {"ALTER TABLE a02 ADD COLUMN NOTE TEXT(5)", 3380},
+        {"ALTER TABLE a02 ADD COLUMN wide TEXT(256)", 3382},
+        {"ALTER TABLE a02 DROP COLUMN nothing", 3381},
+        {"ALTER TABLE a02 DROP COLUMN a02rcid", 3280},
+        {"ALTER TABLE a02 DROP COLUMN a02clid", 3280},
+        {"ALTER TABLE nothing ADD COLUMN x TEXT(5)", 3371},
+        {"DROP TABLE nothing", 3376},
+        {"DROP INDEX nothing ON a02", 3372},
+        {"CREATE INDEX I ON a02 (note)", 3375},
+    };
+    for (const auto& row : refused)
+        EXPECT_EQ(FailureOfRun(QString::fromUtf8(row.sql)), row.failure) << row.sql;
+    Run(QStringLiteral("DROP INDEX i ON a02"));
+    Run(QStringLiteral("DROP TABLE a02"));
+    EXPECT_EQ(database->TableNames(), QStringList{QStringLiteral("a01")});
+    EXPECT_EQ(test::Integrity(path), QStringLiteral("ok"));
+}
+
+TEST_F(Schema, KeysAndIndexesHold) {
+    Run(QStringLiteral("CREATE TABLE p (n COUNTER, a SHORT, b TEXT(5), CONSTRAINT pk PRIMARY KEY (a, b), "
+                       "CONSTRAINT un UNIQUE (b, a))"));
+    Run(QStringLiteral("INSERT INTO p (a, b) VALUES (1, 'x')"));
+    Reopen();
+    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO p (a, b) VALUES (1, 'X')")), 3022);
+    EXPECT_EQ(FailureOfRun(QStringLiteral("CREATE INDEX pk2 ON p (n) WITH PRIMARY")), 3283);
+    Run(QStringLiteral("DROP INDEX pk ON p"));
+    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO p (a, b) VALUES (1, 'X')")), 3022);
+    Run(QStringLiteral("DROP INDEX un ON p"));
+    Run(QStringLiteral("INSERT INTO p (a, b) VALUES (1, 'X')"));
+    EXPECT_EQ(FailureOfRun(QStringLiteral("CREATE UNIQUE INDEX again ON p (b)")), 3022);
+    EXPECT_EQ(Ask(QStringLiteral("SELECT n, a, b FROM p ORDER BY n")).size(), 2);
+}
+
+TEST_F(Schema, SelectIntoMakesATable) {
+    MakeCards();
+    Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (1, 'Иванов')"));
+    Run(QStringLiteral("SELECT a01clid, a01last INTO copy FROM a01"));
+    EXPECT_EQ(database->RecordsAffected(), 1);
+    EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM copy")), QStringList{QStringLiteral("1|Иванов")});
+    EXPECT_EQ(FailureOfRun(QStringLiteral("SELECT * INTO copy FROM a01")), 3010);
+    EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM copy")).size(), 1);
+}

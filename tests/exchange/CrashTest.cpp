@@ -1,0 +1,126 @@
+// A child process is killed hard while it imports or extracts, at moments that the parent chooses; the
+// working database then has to be sound, and to hold the statements of the run up to one of them and none
+// behind it.
+
+#include "exchange/ExtractToAnotherDB.h"
+#include "shell/frmMain.h"
+#include "tests/exchange/ImportMaster.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QThread>
+
+namespace {
+
+constexpr int RowCount = 20000;
+const QStringList Columns{"Last Name", "Home Phone", "Mobile Phone", "Business Phone"};
+
+/// The folder that the parent hands to its child.
+QString Handed(const QString& name) {
+    return qEnvironmentVariable("ZAVELIK_CRASH_FOLDER") + u'/' + name;
+}
+
+void TellParent() {
+    QFile output;
+    ASSERT_TRUE(output.open(stdout, QFile::WriteOnly));
+    output.write("working\n");
+    output.flush();
+}
+
+/// The child's tests: run by the parent alone.
+class DISABLED_CrashChild : public testing::Test {
+protected:
+    void SetUp() override {
+        forms::Form::Default<frmMain>()->Show();
+        gWorkspace = engine::DBEngine::Workspaces(0);
+        gDatabase = gWorkspace->OpenDatabase(Handed("book.mdb"));
+    }
+};
+
+TEST_F(DISABLED_CrashChild, Import) {
+    const test::ImportMaster master;
+    master.TypeFile(Handed("in.csv"));
+    master.Go(2);
+    master.Tick(Columns);
+    TellParent();
+    master.PressImport();
+}
+
+TEST_F(DISABLED_CrashChild, Extract) {
+    auto list = forms::Form::Create<frmRecords>();
+    list->Show();
+    test::Answers answers;
+    answers.File(Handed("target.mdb"), [](QFileDialog&) { TellParent(); });
+    exchange::ExtractToAnotherDB(*list, "SELECT * FROM a01");
+}
+
+class CrashTest : public test::ExchangeTest {
+protected:
+    /// Starts a child on the closed book, kills it so long after it began its work.
+    void KillWhileRunning(const QString& childTest, unsigned long milliseconds) const {
+        QProcess child;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("ZAVELIK_CRASH_FOLDER", QFileInfo(bookPath).path());
+        child.setProcessEnvironment(environment);
+        child.start(QCoreApplication::applicationFilePath(),
+                    {"--gtest_also_run_disabled_tests", "--gtest_filter=DISABLED_CrashChild." + childTest});
+        QByteArray said;
+        while (!said.contains("working\n") && child.waitForReadyRead(20000))
+            said += child.readAllStandardOutput();
+        ASSERT_TRUE(said.contains("working\n")) << said.constData();
+        QThread::msleep(milliseconds);
+        child.kill();
+        child.waitForFinished();
+    }
+    void CloseBook() const { gDatabase->Close(); }
+    void OpenBook() const { gDatabase = gWorkspace->OpenDatabase(bookPath); }
+};
+
+TEST_F(CrashTest, ImportLeavesWholeStatements) {
+    QByteArray text = Columns.join(u',').toLatin1() + "\r\n";
+    for (int i = 1; i <= RowCount; ++i)
+        text += QStringLiteral("N%1,h%1,m%1,b%1\r\n").arg(i).toLatin1();
+    test::WriteBytes(Beside("in.csv"), text);
+
+    const QStringList letters{"", "h", "m", "b"};
+    int imported = 0;
+    for (const unsigned long moment : {1, 40, 90, 150, 230, 400, 700}) {
+        SCOPED_TRACE(moment);
+        Execute("DELETE FROM a01");
+        Execute("DELETE FROM a02");
+        CloseBook();
+        KillWhileRunning("Import", moment);
+        OpenBook(); // rolls back what a dead process left
+        EXPECT_EQ(test::Integrity(bookPath), QStringLiteral("ok"));
+
+        QStringList phones = Rows("SELECT a02clid, a02code, a02cval FROM a02 ORDER BY a02clid, a02code");
+        const QStringList cards = Rows("SELECT a01clid, a01last FROM a01 ORDER BY a01clid");
+        imported += cards.size();
+        for (int id = 1; id <= cards.size(); ++id)
+            ASSERT_EQ(cards.at(id - 1), QStringLiteral("%1|N%1").arg(id));
+        // The numbers are those of the cards in the order of the statements; only the last card may lack
+        // some.
+        ASSERT_GE(phones.size(), 3 * (cards.size() - 1));
+        ASSERT_LE(phones.size(), 3 * cards.size());
+        for (int i = 0; i < phones.size(); ++i)
+            ASSERT_EQ(phones.at(i),
+                      QStringLiteral("%1|%2|%3").arg(i / 3 + 1).arg(i % 3 + 1).arg(letters.at(i % 3 + 1)) +
+                          QString::number(i / 3 + 1));
+    }
+    EXPECT_GT(imported, 0) << "no run got as far as its first group";
+}
+
+TEST_F(CrashTest, ExtractionLeavesTheWorkingDatabaseAlone) {
+    AddManyCards(RowCount);
+    CloseBook();
+    const QByteArray bytes = test::ReadBytes(bookPath);
+    for (const unsigned long moment : {1, 100, 250, 500}) {
+        KillWhileRunning("Extract", moment);
+        EXPECT_TRUE(test::ReadBytes(bookPath) == bytes);
+        QFile::remove(Beside("target.mdb"));
+    }
+    OpenBook();
+    EXPECT_EQ(test::Integrity(bookPath), QStringLiteral("ok"));
+}
+
+} // namespace

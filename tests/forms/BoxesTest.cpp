@@ -1,0 +1,175 @@
+// Message boxes and file dialogs, answered as a user does.
+
+#include "platform/forms/CommonDialog.h"
+#include "platform/forms/MsgBox.h"
+#include "tests/support/Answers.h"
+#include "tests/support/TestBook.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+
+using forms::Answer;
+using forms::Icon;
+
+namespace {
+
+void Touch(const QString& path) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+}
+
+QString ButtonText(QMessageBox& box, QMessageBox::StandardButton which) {
+    return box.button(which)->text().remove(u'&');
+}
+
+} // namespace
+
+TEST(MsgBoxTest, IconsButtonsAndAnswers) {
+    const QString text = QStringLiteral("<b>Имя</b> & путь\r\nвторая строка");
+    test::Answers answers;
+    for (const Icon icon : {Icon::Critical, Icon::Question, Icon::Exclamation, Icon::Information}) {
+        answers.Box(text, icon);
+        EXPECT_EQ(forms::MsgBox(text, icon), Answer::Ok);
+    }
+    struct Case {
+        bool yes;
+        bool yesPreselected;
+    };
+    for (const Case& c : {Case{true, true}, Case{true, false}, Case{false, true}, Case{false, false}}) {
+        answers.Question(text, c.yes, c.yesPreselected);
+        EXPECT_EQ(c.yesPreselected ? forms::AskYes(text) : forms::AskNo(text), c.yes);
+    }
+    answers.Question(text, true, false, Icon::Critical);
+    EXPECT_TRUE(forms::AskNo(text, Icon::Critical));
+}
+
+TEST(MsgBoxTest, QuestionIsLeftByItsButtonsAlone) {
+    test::Answers answers;
+    answers.Modal(QStringLiteral("MsgBox"), [](QWidget& window) {
+        auto& box = dynamic_cast<QMessageBox&>(window);
+        EXPECT_EQ(ButtonText(box, QMessageBox::Yes), QStringLiteral("Да"));
+        EXPECT_EQ(ButtonText(box, QMessageBox::No), QStringLiteral("Нет"));
+        EXPECT_FALSE(box.windowFlags() & Qt::WindowCloseButtonHint);
+        QTest::keyClick(&box, Qt::Key_Escape);
+        EXPECT_TRUE(box.isVisible());
+        box.close();
+        EXPECT_TRUE(box.isVisible());
+        QTest::keyClick(&box, Qt::Key_Return);
+        EXPECT_FALSE(box.isVisible());
+    });
+    EXPECT_FALSE(forms::AskNo(QStringLiteral("Вопрос?"))) << "Enter takes the default button";
+}
+
+TEST(MsgBoxTest, OkBoxIsLeftByEscToo) {
+    test::Answers answers;
+    answers.Modal(QStringLiteral("MsgBox"),
+                  [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
+    EXPECT_EQ(forms::MsgBox(QStringLiteral("Готово."), Icon::Information), Answer::Ok);
+}
+
+TEST(MsgBoxTest, TextIsShownAsItIsAndFitsTheBox) {
+    const QString path =
+        QStringLiteral("/home/user/") + QStringLiteral("очень длинное имя папки/").repeated(20);
+    const QString text = QStringLiteral("<i>Файл</i> &") + path;
+    test::Answers answers;
+    answers.Modal(QStringLiteral("MsgBox"), [&](QWidget& window) {
+        const auto* label = window.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+        EXPECT_EQ(label->textFormat(), Qt::PlainText);
+        EXPECT_EQ(label->text(), text);
+        EXPECT_TRUE(label->wordWrap());
+        EXPECT_LE(window.width(), 1024);
+        EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+        QTest::keyClick(&window, Qt::Key_Return);
+    });
+    forms::MsgBox(text, Icon::Exclamation);
+}
+
+TEST(MsgBoxTest, ErrorBox) {
+    const runtime::Failure failure(3044, QStringLiteral("Путь не найден"));
+    test::Answers answers;
+    answers.Box(
+        QStringLiteral("frmInstall функция cmdCreate_Click:\r\nпроизошла ошибка №3044 Путь не найден"),
+        Icon::Critical);
+    forms::ShowErrorBox(QStringLiteral("frmInstall функция cmdCreate_Click:"), failure);
+    answers.Box(QStringLiteral("Глава\r\nпроизошла ошибка №3044 Путь не найден"), Icon::Exclamation);
+    forms::ShowErrorBox(QStringLiteral("Глава"), failure, Icon::Exclamation);
+    answers.Box(QStringLiteral("произошла ошибка №3044 Путь не найден"), Icon::Critical);
+    forms::ShowEscapedFailure(failure);
+}
+
+class CommonDialogTest : public testing::Test {
+protected:
+    QString Native(const QString& name) const { return QDir::toNativeSeparators(folder.Path(name)); }
+
+    test::TestFolder folder;
+    forms::CommonDialog dialog{QStringLiteral("cdlTest")};
+    test::Answers answers;
+};
+
+TEST_F(CommonDialogTest, SaveAddsTheExtensionAndNeverAsks) {
+    Touch(folder.Path(QStringLiteral("old.csv")));
+    struct Case {
+        const char* typed;
+        const char* result;
+    };
+    for (const Case& c : {Case{"new", "new.csv"}, Case{"new.txt", "new.txt"}, Case{"old.csv", "old.csv"},
+                          Case{"old", "old.csv"}}) {
+        dialog.InitDir = folder.Path(QString());
+        dialog.Flags = forms::cdlOFNPathMustExist;
+        dialog.Filter = QStringLiteral("Файл с разделителями (*.csv)|*.csv");
+        dialog.FileName.clear();
+        answers.File(folder.Path(QString::fromLatin1(c.typed)), [this](QFileDialog& window) {
+            EXPECT_EQ(window.objectName(), QStringLiteral("cdlTest"));
+            EXPECT_EQ(window.nameFilters(), QStringList(QStringLiteral("Файл с разделителями (*.csv)")));
+            EXPECT_EQ(QDir(window.directory()), QDir(folder.Path(QString())));
+            auto* buttons = window.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
+            EXPECT_EQ(buttons->button(QDialogButtonBox::Save)->text().remove(u'&'),
+                      QStringLiteral("Сохранить"));
+        });
+        dialog.ShowSave(nullptr);
+        EXPECT_EQ(dialog.FileName, Native(QString::fromLatin1(c.result))) << c.typed;
+    }
+}
+
+TEST_F(CommonDialogTest, CancelLeavesTheNameEmpty) {
+    dialog.FileName = Native(QStringLiteral("before.mdb"));
+    answers.File(QString());
+    dialog.ShowOpen(nullptr);
+    EXPECT_EQ(dialog.FileName, QString());
+}
+
+TEST_F(CommonDialogTest, WhatMustExistIsAskedForAgain) {
+    Touch(folder.Path(QStringLiteral("book.mdb")));
+    dialog.InitDir = folder.Path(QString());
+    dialog.Flags = forms::cdlOFNPathMustExist | forms::cdlOFNFileMustExist;
+    dialog.Filter = QStringLiteral("База данных Access (*.mdb)|*.mdb");
+    answers.File(folder.Path(QStringLiteral("none.mdb")))
+        .BoxStarting(Native(QStringLiteral("none.mdb")), Icon::Exclamation)
+        .File(folder.Path(QStringLiteral("nofolder/book.mdb")))
+        .BoxStarting(Native(QStringLiteral("nofolder/book.mdb")), Icon::Exclamation)
+        .File(folder.Path(QStringLiteral("book.mdb")));
+    dialog.ShowOpen(nullptr);
+    EXPECT_EQ(dialog.FileName, Native(QStringLiteral("book.mdb")));
+
+    dialog.Flags = forms::cdlOFNPathMustExist;
+    answers.File(folder.Path(QStringLiteral("nofolder/new.mdb")))
+        .BoxStarting(Native(QStringLiteral("nofolder/new.mdb")), Icon::Exclamation)
+        .File(folder.Path(QStringLiteral("new.mdb")));
+    dialog.FileName.clear();
+    dialog.ShowSave(nullptr);
+    EXPECT_EQ(dialog.FileName, Native(QStringLiteral("new.mdb")));
+
+    dialog.Flags = 0;
+    answers.File(folder.Path(QStringLiteral("none.mdb")));
+    dialog.ShowOpen(nullptr);
+    EXPECT_EQ(dialog.FileName, Native(QStringLiteral("none.mdb"))) << "without flags nothing has to exist";
+}

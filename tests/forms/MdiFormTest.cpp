@@ -1,0 +1,178 @@
+// The frame: commands on the active child, menus, window list, arrangements, the end.
+
+#include "SampleForms.h"
+#include "platform/runtime/Failure.h"
+#include "tests/support/Answers.h"
+
+#include <gtest/gtest.h>
+
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
+
+using forms::Form;
+using forms::MdiForm;
+
+class MdiFormTest : public testing::Test {
+protected:
+    void SetUp() override {
+        frame = Form::Create<SampleFrame>();
+        frame->Show();
+        QTest::qWait(0);
+    }
+
+    std::shared_ptr<SampleForm> Open(const QString& name, forms::Border border = forms::Border::Sizable) {
+        auto form = Form::Create<DerivedSampleForm>(name, forms::Kind::Child, border);
+        form->Show();
+        TakeTold();
+        return form;
+    }
+
+    static QMdiSubWindow* FrameOf(const std::shared_ptr<SampleForm>& form) {
+        return qobject_cast<QMdiSubWindow*>(form->Surface()->parentWidget());
+    }
+
+    QStringList WindowList() const {
+        Q_EMIT frame->windows->aboutToShow();
+        QStringList entries;
+        for (const QAction* entry : frame->windows->actions())
+            if (entry->isCheckable())
+                entries.append((entry->isChecked() ? u'*' + entry->text() : entry->text()));
+        return entries;
+    }
+
+    std::shared_ptr<SampleFrame> frame;
+};
+
+TEST_F(MdiFormTest, CallsTheActiveChildByName) {
+    frame->CallActive("Nothing"); // no child: nothing
+    const auto first = Open(QStringLiteral("a"));
+    const auto second = Open(QStringLiteral("b"));
+    frame->CallActive("Nothing");
+    frame->CallActive("Refill", 200);
+    frame->CallActive("Number", -5);
+    frame->CallActive("Truth", true);
+    frame->CallActive("Words", QString());
+    EXPECT_EQ(TakeTold(), QStringLiteral("b.nothing b.refill(200) b.number(-5) b.truth(1) b.words()"));
+    for (const char* unknown : {"NoSuch", "Fail2"}) {
+        try {
+            frame->CallActive(unknown);
+            ADD_FAILURE() << unknown;
+        } catch (const runtime::Failure& failure) {
+            EXPECT_EQ(failure.number(), 438);
+        }
+    }
+    EXPECT_THROW(frame->CallActive("Nothing", 1), runtime::Failure) << "it takes no argument";
+}
+
+TEST_F(MdiFormTest, BarShowsItsMenusAndHidesTheContextMenus) {
+    QStringList names;
+    for (const QAction* entry : frame->Window()->menuBar()->actions())
+        if (entry->isVisible())
+            names.append(entry->menu()->objectName());
+    EXPECT_EQ(names, QStringList({QStringLiteral("mnuBook"), QStringLiteral("mnuWindows")}));
+    ASSERT_TRUE(frame->Window()->findChild<QMenu*>(QStringLiteral("mnuContext")));
+    const auto* separator = frame->Window()->findChild<QAction*>(QStringLiteral("mnuContextSeparator"));
+    ASSERT_TRUE(separator);
+    EXPECT_TRUE(separator->isSeparator());
+}
+
+TEST_F(MdiFormTest, PopupMenuReturnsBehindItsCommand) {
+    const auto first = Open(QStringLiteral("a"));
+    const auto second = Open(QStringLiteral("b"));
+    test::Answers answers;
+    answers.Menu(QStringLiteral("mnuContext"), QStringLiteral("mnuContextRefill"));
+    forms::PopupMenu(QStringLiteral("mnuContext"), QPoint(50, 50));
+    EXPECT_EQ(TakeTold(), QStringLiteral("b.refill(7)"));
+    answers.Menu(QStringLiteral("mnuContext"), QString());
+    forms::PopupMenu(QStringLiteral("mnuContext"), QPoint(50, 50));
+    EXPECT_EQ(TakeTold(), QString());
+    answers.Menu(QStringLiteral("mnuContext"), QStringLiteral("mnuContextClose"));
+    forms::PopupMenu(QStringLiteral("mnuContext"), QPoint(50, 50));
+    EXPECT_FALSE(second->IsLoaded());
+    EXPECT_EQ(frame->ActiveForm(), first);
+}
+
+TEST_F(MdiFormTest, WindowListFollowsTheChildren) {
+    EXPECT_EQ(WindowList(), QStringList());
+    const qsizetype own = frame->windows->actions().size();
+    const auto first = Open(QStringLiteral("a"));
+    const auto second = Open(QStringLiteral("b"));
+    const auto hidden = Open(QStringLiteral("c"));
+    hidden->SetVisible(false);
+    TakeTold();
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("Окно a"), QStringLiteral("*Окно b")}));
+    EXPECT_TRUE(frame->windows->actions().at(own)->isSeparator());
+
+    frame->windows->actions().at(own + 1)->trigger();
+    EXPECT_EQ(frame->ActiveForm(), first);
+    EXPECT_EQ(TakeTold(), QStringLiteral("b.left a.activate"));
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно a"), QStringLiteral("Окно b")}));
+
+    FrameOf(second)->showMinimized();
+    WindowList();
+    frame->windows->actions().at(own + 2)->trigger();
+    EXPECT_FALSE(second->IsMinimised()) << "choosing a minimised child restores it";
+    EXPECT_EQ(frame->ActiveForm(), second);
+
+    for (const auto& form : {first, second, hidden})
+        form->Unload();
+    EXPECT_EQ(WindowList(), QStringList());
+    EXPECT_EQ(frame->windows->actions().size(), own) << "no separator without entries";
+}
+
+TEST_F(MdiFormTest, Arrangements) {
+    for (const auto arrangement : {MdiForm::Cascade, MdiForm::TileHorizontally, MdiForm::TileVertically})
+        frame->Arrange(arrangement); // without a child: nothing
+    const auto a = Open(QStringLiteral("a"));
+    const auto fixed = Open(QStringLiteral("b"), forms::Border::Fixed);
+    const auto c = Open(QStringLiteral("c"));
+    const QSize fixedSize = FrameOf(fixed)->size();
+    const QRect ground = frame->Area()->viewport()->rect();
+    const auto place = [](const auto& form) { return FrameOf(form)->geometry(); };
+
+    frame->Arrange(MdiForm::TileHorizontally);
+    for (const auto& form : {a, c}) {
+        EXPECT_EQ(place(form).left(), ground.left());
+        EXPECT_EQ(place(form).right(), ground.right()) << "wide windows one under the other";
+    }
+    EXPECT_EQ(place(c).top(), ground.top()) << "the active child first";
+    EXPECT_EQ(place(fixed).topLeft(), QPoint(0, place(c).bottom() + 1));
+    EXPECT_EQ(place(fixed).size(), fixedSize);
+
+    frame->Arrange(MdiForm::TileVertically);
+    for (const auto& form : {a, c}) {
+        EXPECT_EQ(place(form).top(), ground.top());
+        EXPECT_EQ(place(form).bottom(), ground.bottom()) << "side by side";
+    }
+    EXPECT_EQ(place(fixed).topLeft(), QPoint(place(c).right() + 1, 0));
+    EXPECT_EQ(place(a).right(), ground.right());
+
+    FrameOf(a)->showMaximized();
+    c->Show();
+    TakeTold();
+    frame->Arrange(MdiForm::Cascade);
+    EXPECT_FALSE(FrameOf(a)->isMaximized());
+    EXPECT_GT(place(c).top(), place(fixed).top());
+    EXPECT_GT(place(c).left(), place(fixed).left());
+    EXPECT_EQ(place(fixed).size(), fixedSize);
+    EXPECT_EQ(frame->ActiveForm(), c);
+    EXPECT_FALSE(TakeTold().contains(QStringLiteral("activate"))) << "arranging activates nobody";
+    EXPECT_EQ(c->Surface()->focusWidget(), c->txtFirst);
+}
+
+TEST_F(MdiFormTest, ClosingTheFrameUnloadsEveryChildFirst) {
+    Open(QStringLiteral("a"));
+    const auto b = Open(QStringLiteral("b"));
+    b->SetVisible(false);
+    Open(QStringLiteral("c"));
+    TakeTold();
+    frame->Window()->close();
+    EXPECT_EQ(TakeTold(), QStringLiteral("a.unload a.terminate b.unload c.unload c.terminate frmMain.unload"))
+        << "hidden ones too, and none is activated on the way";
+    EXPECT_EQ(MdiForm::Current(), nullptr);
+    EXPECT_TRUE(Form::Loaded().empty());
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/forms/Controls.h"
+#include "platform/forms/MdiForm.h"
+
+#include <QStringList>
+
+/// What the windows of the test tell of their life, in order.
+QStringList& Told();
+/// The same joined by blanks, and emptied.
+QString TakeTold();
+
+/// A window with a text field, a second field, a list, a multi-line editor and three buttons that tells each
+/// event.
+class SampleForm : public forms::Form {
+    Q_OBJECT
+
+public:
+    explicit SampleForm(const QString& name, forms::Kind kind = forms::Kind::Child,
+                        forms::Border border = forms::Border::Fixed);
+
+    Q_INVOKABLE void Refill(uchar argument);
+    Q_INVOKABLE void Number(short argument);
+    Q_INVOKABLE void Truth(bool argument);
+    Q_INVOKABLE void Words(const QString& argument);
+    Q_INVOKABLE void Nothing();
+    Q_INVOKABLE void Fail();
+
+    /// Run inside the event of that name.
+    std::function<void()> inLoad;
+    std::function<void()> inActivate;
+    std::function<void()> inUnload;
+    std::function<void()> inFind;
+
+    int resized = 0;
+    bool previewsKeys = false;
+
+    QLineEdit* txtFirst = nullptr;
+    QLineEdit* txtSecond = nullptr;
+    QPushButton* cmdFind = nullptr;
+    QPushButton* cmdCancel = nullptr;
+    QPushButton* cmdOther = nullptr;
+    QWidget* txtLines = nullptr;
+
+protected:
+    void CreateControls(QWidget* surface) override;
+    void Form_Load() override;
+    void Form_Activate() override;
+    void Form_Resize() override { ++resized; }
+    void Form_Unload() override;
+    void Form_Terminate() override;
+    bool Form_KeyDown(int key, Qt::KeyboardModifiers modifiers) override;
+
+private:
+    void Tell(const QString& what);
+};
+
+/// A child window whose operations stand in its base class.
+class DerivedSampleForm final : public SampleForm {
+    Q_OBJECT
+
+public:
+    using SampleForm::SampleForm;
+};
+
+/// A frame with a menu of the bar, a context menu and the window list.
+class SampleFrame final : public forms::MdiForm {
+    Q_OBJECT
+
+public:
+    SampleFrame();
+
+    QMenu* windows = nullptr;
+
+protected:
+    void CreateControls(QWidget* surface) override;
+    void Form_Unload() override;
+};

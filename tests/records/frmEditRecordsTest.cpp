@@ -1,0 +1,352 @@
+#include "platform/engine/EngineError.h"
+#include "tests/records/RecordsTest.h"
+
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMdiSubWindow>
+
+namespace {
+
+constexpr auto Card = "frmEditRecords";
+constexpr auto AddEntry = "mnuRecordsAdd";
+constexpr auto EditEntry = "mnuRecordsEdit";
+constexpr auto ViewEntry = "mnuRecordsView";
+const QString Saved = QStringLiteral("Запись успешно сохранена в базу данных.");
+const QString Integrity = QStringLiteral("Ошибка целостности базы данных:\r\n");
+const QString NoRecord = Integrity + QStringLiteral("в базе данных отсутствует запись по данному клиенту.");
+const QString NoTypes = Integrity + QStringLiteral("в базе данных отсутствуют записи для типов телефонов.");
+const QString CardsInFile = QStringLiteral("SELECT * FROM a01 ORDER BY a01clid");
+const QString PhonesInFile =
+    QStringLiteral("SELECT a02clid, a02code, a02cval FROM a02 ORDER BY a02clid, a02code");
+constexpr const char* TextFields[]{"txtLastName", "txtFirstName", "txtMiddleName", "txtBith", "txtRemark"};
+
+class frmEditRecordsTest : public RecordsTest {
+protected:
+    using Window = std::shared_ptr<forms::Form>;
+
+    static QString Text(const Window& card, const char* field) {
+        return Control<QLineEdit>(card, field).text();
+    }
+    static QStringList Texts(const Window& card) {
+        QStringList texts;
+        for (const char* field : TextFields)
+            texts += Text(card, field);
+        return texts;
+    }
+    static QString Number(const Window& card) { return Text(card, "txtTelefonNumber"); }
+    static QListWidget& Types(const Window& card) { return Control<QListWidget>(card, "lstTelefonType"); }
+    static void PickType(const Window& card, int row) {
+        auto& list = Types(card);
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(list.item(row)).center());
+    }
+    static bool IsEnabled(const Window& card, const char* control) {
+        return Control<QWidget>(card, control).isEnabled();
+    }
+    static void Save(const Window& card, const std::function<void(test::Answers&)>& expect) {
+        test::Answers answers;
+        expect(answers);
+        ClickButton(card, "cmdSave");
+    }
+    static void ExpectSaved(test::Answers& answers) { answers.Box(Saved, forms::Icon::Information); }
+
+    Window OpenOnly(const char* entry) { return OpenCard(OpenFilledList(), entry); }
+};
+
+} // namespace
+
+TEST_F(frmEditRecordsTest, ACardIsWrittenByTheKeyboardAlone) {
+    const auto list = OpenFilledList();
+    const auto card = OpenCard(list, AddEntry);
+    EXPECT_FALSE(IsEnabled(card, "cmdDelete"));
+    EXPECT_EQ(Types(card).count(), 4);
+    EXPECT_EQ(Types(card).currentRow(), 0);
+    EXPECT_EQ(Texts(card), QStringList({"", "", "", "", ""}));
+
+    QStringList order;
+    for (const char* text : {"О'Нил", "Пётр", " Ильич ", "5 декабря 2006", "любит '"}) {
+        order += FocusName();
+        Type(QString::fromUtf8(text));
+        Press(Qt::Key_Tab);
+    }
+    order += FocusName();
+    EXPECT_EQ(order, QStringList({"txtLastName", "txtFirstName", "txtMiddleName", "txtBith", "txtRemark",
+                                  "lstTelefonType"}));
+    Press(Qt::Key_Down);
+    Type(QStringLiteral(" 2-22 ")); // on the list; a blank goes on as well
+    EXPECT_EQ(FocusName(), "txtTelefonNumber");
+    Press(Qt::Key_Tab, Qt::ShiftModifier);
+    Press(Qt::Key_Down);
+    Press(Qt::Key_Tab);
+    Type(QStringLiteral("3'33"));
+    {
+        test::Answers answers;
+        ExpectSaved(answers);
+        Press(Qt::Key_Return); // with the number still in the box
+    }
+    EXPECT_FALSE(IsOpen(Card));
+    EXPECT_EQ(Rows(CardsInFile), QStringList{"1|О^Нил|Пётр| Ильич |любит ^|5 декабря 2006"});
+    EXPECT_EQ(Rows(PhonesInFile), QStringList({"1|2|2-22", "1|3|3^33"}));
+    EXPECT_EQ(Column(list, 1), QStringList{"О^Нил"}) << "the list refreshes";
+}
+
+TEST_F(frmEditRecordsTest, TheTabOrderEndsInTheButtons) {
+    AddCard(1, QStringLiteral("Иванов"));
+    const auto card = OpenOnly(EditEntry);
+    Control<QWidget>(card, "txtTelefonNumber").setFocus();
+    QStringList order;
+    for (int i = 0; i < 4; ++i) {
+        Press(Qt::Key_Tab);
+        order += FocusName();
+    }
+    EXPECT_EQ(order, QStringList({"cmdSave", "cmdCancel", "cmdDelete", "txtLastName"}));
+}
+
+TEST_F(frmEditRecordsTest, EditShowsAndWritesBackEveryField) {
+    AddCard(4, QStringLiteral("Иванов"), QStringLiteral("Иван"), QString(), QStringLiteral("сосед"),
+            QStringLiteral("1.2.80"));
+    AddCard(5, QStringLiteral("Петров"));
+    AddPhone(4, 1, QStringLiteral(" 111 "));
+    AddPhone(4, 2, QStringLiteral("222"));
+    AddPhone(4, 3, QStringLiteral("333"));
+    AddPhone(5, 1, QStringLiteral("555"));
+    const auto card = OpenOnly(EditEntry);
+    EXPECT_EQ(card->Caption(), QStringLiteral("Редактирование параметров записи"));
+    EXPECT_EQ(Texts(card), QStringList({"Иванов", "Иван", "", "1.2.80", "сосед"}));
+    EXPECT_EQ(Number(card), QStringLiteral("111"));
+    PickType(card, 1);
+    EXPECT_EQ(Number(card), QStringLiteral("222"));
+    Fill(card, "txtTelefonNumber", QString()); // emptied: gone
+    PickType(card, 2);
+    Fill(card, "txtTelefonNumber", QStringLiteral("   ")); // blanks only: no number
+    PickType(card, 3);
+    Fill(card, "txtTelefonNumber", QStringLiteral(" 4 4 "));
+    Fill(card, "txtRemark", QString());
+    Fill(card, "txtMiddleName", QString(60, QLatin1Char('x')));
+    Save(card, ExpectSaved);
+    EXPECT_EQ(Rows(CardsInFile), QStringList({"4|Иванов|Иван|" + QString(50, QLatin1Char('x')) + "||1.2.80",
+                                              "5|Петров|NULL|NULL|NULL|NULL"}));
+    EXPECT_EQ(Rows(PhonesInFile), QStringList({"4|1|111", "4|4|4 4", "5|1|555"}));
+}
+
+TEST_F(frmEditRecordsTest, ViewLocksTheCardAndShowsOnlyTypesWithANumber) {
+    AddCard(1, QStringLiteral("Иванов"));
+    AddCard(2, QStringLiteral("Петров"));
+    AddPhone(1, 4, QStringLiteral("444"));
+    AddPhone(1, 2, QStringLiteral("222"));
+    const auto list = OpenFilledList();
+    const auto card = OpenCard(list, ViewEntry);
+    EXPECT_EQ(card->Caption(), QStringLiteral("Просмотр параметров записи"));
+    for (const char* field :
+         {"txtLastName", "txtFirstName", "txtMiddleName", "txtBith", "txtRemark", "txtTelefonNumber"})
+        EXPECT_TRUE(Control<QLineEdit>(card, field).isReadOnly()) << field;
+    EXPECT_FALSE(IsEnabled(card, "cmdSave"));
+    EXPECT_FALSE(IsEnabled(card, "cmdDelete"));
+    ASSERT_EQ(Types(card).count(), 2);
+    EXPECT_EQ(Number(card), QStringLiteral("222"));
+    PickType(card, 1);
+    EXPECT_EQ(Types(card).currentItem()->text(), QStringLiteral("Основной телефон"));
+    EXPECT_EQ(Number(card), QStringLiteral("444"));
+    Type(QStringLiteral("9")); // goes to the locked box, which does not take it
+    EXPECT_EQ(Number(card), QStringLiteral("444"));
+    Press(Qt::Key_Escape);
+
+    const auto phoneless = OpenCard(list, ViewEntry, 2);
+    ASSERT_NE(phoneless, nullptr);
+    EXPECT_EQ(Types(phoneless).count(), 0);
+    EXPECT_EQ(Number(phoneless), QString());
+}
+
+TEST_F(frmEditRecordsTest, TheBirthdayIsCheckedBeforeAnythingIsWritten) {
+    AddCard(1, QStringLiteral("Иванов"));
+    const auto card = OpenOnly(EditEntry);
+    Fill(card, "txtLastName", QStringLiteral("Петров"));
+    for (const char* text : {"31.02.2006", "вчера", " ", "12'"}) {
+        Fill(card, "txtBith", QString::fromUtf8(text));
+        Save(card, [](test::Answers& answers) {
+            answers.Box(QStringLiteral("Не правильный формат даты."), forms::Icon::Exclamation);
+        });
+        EXPECT_EQ(FocusName(), "txtBith");
+        EXPECT_EQ(Text(card, "txtBith"), QString::fromUtf8(text)) << "no apostrophe rule here";
+    }
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a01last FROM a01")), QStringList{"Иванов"});
+    Fill(card, "txtBith", QStringLiteral("28.2"));
+    Save(card, ExpectSaved);
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a01last, a01bith FROM a01")), QStringList{"Петров|28.2"});
+}
+
+TEST_F(frmEditRecordsTest, ACardWithoutAnyNameIsSavedOnlyAfterYes) {
+    const QString question = QStringLiteral(
+        "Вы действительно хотите сохранить запись с не заполнеными полями 'Фамилия', 'Имя' и 'Отчество'?");
+    const auto card = OpenOnly(AddEntry);
+    Fill(card, "txtFirstName", QStringLiteral("  "));
+    PickType(card, 0);
+    Type(QStringLiteral("111"));
+    Save(card, [&](test::Answers& answers) { answers.Question(question, false, false); });
+    EXPECT_TRUE(IsOpen(Card));
+    EXPECT_EQ(Rows(CardsInFile), QStringList());
+    Save(card, [&](test::Answers& answers) {
+        answers.Question(question, true, false);
+        ExpectSaved(answers);
+    });
+    EXPECT_EQ(Rows(CardsInFile), QStringList{"1||  |||"});
+    EXPECT_EQ(Rows(PhonesInFile), QStringList{"1|1|111"});
+}
+
+TEST_F(frmEditRecordsTest, PhonesOfAnUnknownTypeSurviveASaveUnchanged) {
+    AddCard(1, QStringLiteral("Иванов"));
+    AddPhone(1, 77, QStringLiteral(" 777 "));
+    AddPhone(1, 1, QStringLiteral("111"));
+    AddPhone(1, 0, QStringLiteral("000"));
+    AddPhone(1, 77, QStringLiteral("778"));
+    const QString foreign = QStringLiteral("SELECT * FROM a02 WHERE a02code IN (0, 77) ORDER BY a02rcid");
+    const QStringList before = Rows(foreign);
+    const auto card = OpenOnly(EditEntry);
+    EXPECT_EQ(Number(card), QStringLiteral("111"));
+    Fill(card, "txtTelefonNumber", QStringLiteral("112"));
+    Save(card, ExpectSaved);
+    EXPECT_EQ(Rows(foreign), before);
+    EXPECT_EQ(Rows(PhonesInFile), QStringList({"1|0|000", "1|1|112", "1|77| 777 ", "1|77|778"}));
+}
+
+TEST_F(frmEditRecordsTest, DeleteAsksAndTakesThePhonesWithTheCard) {
+    const QString question = QStringLiteral("Вы действительно хотите удалить запись из базы данных?");
+    AddCard(1, QStringLiteral("Иванов"));
+    AddCard(2, QStringLiteral("Петров"));
+    AddPhone(1, 1, QStringLiteral("111"));
+    AddPhone(2, 1, QStringLiteral("222"));
+    const auto list = OpenFilledList();
+    const auto card = OpenCard(list, EditEntry);
+    for (const bool yes : {false, true}) {
+        test::Answers answers;
+        answers.Question(question, yes, false);
+        if (yes)
+            answers.Box(QStringLiteral("Запись успешно удалена из базы данных."), forms::Icon::Information);
+        ClickButton(card, "cmdDelete");
+        EXPECT_EQ(IsOpen(Card), !yes);
+        EXPECT_EQ(Rows(CardsInFile).size(), yes ? 1 : 2);
+    }
+    EXPECT_EQ(Rows(PhonesInFile), QStringList{"2|1|222"});
+    EXPECT_EQ(Column(list), QStringList{"2"});
+}
+
+TEST_F(frmEditRecordsTest, ARecordThatIsGoneIsToldByLoadAndSave) {
+    AddCard(1, QStringLiteral("Иванов"));
+    AddPhone(1, 1, QStringLiteral("111"));
+    const auto list = OpenFilledList();
+    const auto card = OpenCard(list, EditEntry);
+    Run(QStringLiteral("DELETE FROM a01"));
+    Run(QStringLiteral("DELETE FROM a02"));
+    Save(card, [](test::Answers& answers) { answers.Box(NoRecord, forms::Icon::Critical); });
+    EXPECT_TRUE(IsOpen(Card));
+    EXPECT_EQ(Rows(PhonesInFile), QStringList()) << "phones that belong to no card";
+    card->Unload();
+
+    for (const char* entry : {EditEntry, ViewEntry}) {
+        ChooseInMenu(list, entry,
+                     [](test::Answers& answers) { answers.Box(NoRecord, forms::Icon::Critical); });
+        EXPECT_FALSE(IsOpen(Card));
+    }
+}
+
+TEST_F(frmEditRecordsTest, MissingTypesCloseTheCardOrStopTheSave) {
+    AddCard(1, QStringLiteral("Иванов"));
+    AddPhone(1, 1, QStringLiteral("111"));
+    AddPhone(1, 2, QStringLiteral("222"));
+    const auto list = OpenFilledList();
+    const auto card = OpenCard(list, EditEntry);
+    Fill(card, "txtLastName", QStringLiteral("Петров"));
+    Run(QStringLiteral("UPDATE t01 SET t01cval = 'Сотовый' WHERE t01code = 2"));
+    Save(card, [](test::Answers& answers) { answers.Box(NoTypes, forms::Icon::Critical); });
+    EXPECT_TRUE(IsOpen(Card));
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a01last FROM a01")), QStringList{"Петров"});
+    EXPECT_EQ(Rows(PhonesInFile), QStringList{"1|1|111"}) << "what came before the stop stands";
+    card->Unload();
+
+    RemoveTypes();
+    for (const char* entry : {AddEntry, EditEntry}) {
+        ChooseInMenu(list, entry,
+                     [](test::Answers& answers) { answers.Box(NoTypes, forms::Icon::Critical); });
+        EXPECT_FALSE(IsOpen(Card));
+    }
+    EXPECT_NE(OpenCard(list, ViewEntry), nullptr) << "a view needs no types";
+}
+
+TEST_F(frmEditRecordsTest, ACodeOutOfRangeFailsTheLoadAndLocksTheCard) {
+    AddCard(1, QStringLiteral("Иванов"));
+    const QString box =
+        ErrorText(QStringLiteral("frmEditRecords функция Form_Activate:"), runtime::SubscriptOutOfRange,
+                  runtime::RuntimeText(runtime::SubscriptOutOfRange));
+    const auto list = OpenFilledList();
+    for (const int code : {-1, 32000, 32001}) {
+        SCOPED_TRACE(code);
+        AddPhone(1, code, QStringLiteral("999"));
+        const bool fails = code != 32000;
+        ChooseInMenu(list, EditEntry, [&](test::Answers& answers) {
+            if (fails)
+                answers.Box(box, forms::Icon::Critical);
+        });
+        const auto card = Last(Card);
+        for (const char* control : {"cmdSave", "cmdDelete", "lstTelefonType", "txtTelefonNumber"})
+            EXPECT_EQ(IsEnabled(card, control), !fails) << control;
+        ClickButton(card, "cmdCancel");
+        EXPECT_FALSE(IsOpen(Card));
+        Run(QStringLiteral("DELETE FROM a02"));
+    }
+}
+
+TEST_F(frmEditRecordsTest, AFailedAddStaysOpenAndASecondSaveTakesANewNumber) {
+    AddCard(2147483647, QStringLiteral("Последний"));
+    const auto card = OpenOnly(AddEntry);
+    Fill(card, "txtLastName", QStringLiteral("Иванов"));
+    Save(card, [](test::Answers& answers) {
+        answers.BoxStarting(QStringLiteral("frmEditRecord функция cmdSave_Click:\r\nпроизошла ошибка №"),
+                            forms::Icon::Critical);
+    });
+    EXPECT_TRUE(IsOpen(Card));
+    Run(QStringLiteral("UPDATE a01 SET a01clid = 41"));
+    Save(card, ExpectSaved);
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a01clid, a01last FROM a01 ORDER BY a01clid")),
+              QStringList({"41|Последний", "42|Иванов"}));
+}
+
+TEST_F(frmEditRecordsTest, AFailedDeleteIsToldAndTheCardStays) {
+    AddCard(1, QStringLiteral("Иванов"));
+    const auto card = OpenOnly(EditEntry);
+    Run(QStringLiteral("DROP TABLE a02"));
+    test::Answers answers;
+    answers.Question(QStringLiteral("Вы действительно хотите удалить запись из базы данных?"), true, false);
+    answers.BoxStarting(QStringLiteral("frmEditRecord функция cmdDelete_Click:\r\nпроизошла ошибка №3078 "),
+                        forms::Icon::Critical);
+    ClickButton(card, "cmdDelete");
+    EXPECT_TRUE(IsOpen(Card));
+}
+
+TEST_F(frmEditRecordsTest, ComingBackKeepsTypingAndTheLastSaveWins) {
+    AddCard(1, QStringLiteral("Иванов"));
+    AddPhone(1, 1, QStringLiteral("111"));
+    const auto list = OpenFilledList();
+    const auto first = OpenCard(list, EditEntry);
+    Fill(first, "txtTelefonNumber", QStringLiteral("222"));
+    const auto second = OpenCard(list, EditEntry);
+    Fill(second, "txtLastName", QStringLiteral("Петров"));
+    Activate(first);
+    EXPECT_EQ(Number(first), QStringLiteral("222"));
+    EXPECT_EQ(Types(first).count(), 4) << "the data is read once";
+    Save(second, ExpectSaved);
+    FrameOf(list).close(); // a card outlives its list
+    Save(first, ExpectSaved);
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a01last FROM a01")), QStringList{"Иванов"});
+    EXPECT_EQ(Rows(PhonesInFile), QStringList{"1|1|222"});
+}
+
+TEST_F(frmEditRecordsTest, CancelAndTheCloseBoxDropWhatWasTyped) {
+    AddCard(1, QStringLiteral("Иванов"));
+    const auto list = OpenFilledList();
+    for (const bool byKey : {true, false}) {
+        const auto card = OpenCard(list, EditEntry);
+        Fill(card, "txtLastName", QStringLiteral("Петров"));
+        byKey ? Press(Qt::Key_Escape) : static_cast<void>(FrameOf(card).close());
+        EXPECT_FALSE(IsOpen(Card));
+    }
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a01last FROM a01")), QStringList{"Иванов"});
+}

@@ -1,0 +1,250 @@
+#include "platform/runtime/Files.h"
+
+#include "tests/runtime/Expect.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using runtime::InputFile;
+using runtime::OutputFile;
+
+namespace {
+
+class Files : public testing::Test {
+protected:
+    QString Path(const QString& name) const { return m_folder.filePath(name); }
+
+    QString Make(const QString& name, const QByteArray& content = {}) const {
+        QFile file(Path(name));
+        EXPECT_TRUE(file.open(QFile::WriteOnly));
+        file.write(content);
+        return file.fileName();
+    }
+
+    static QByteArray Content(const QString& path) {
+        QFile file(path);
+        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArrayLiteral("no file");
+    }
+
+    QString MakePipe(const QString& name) const {
+        EXPECT_EQ(::mkfifo(QFile::encodeName(Path(name)).constData(), 0600), 0);
+        return Path(name);
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+QString LongPath() {
+    return u'/' + QStringLiteral("folder/").repeated(715);
+}
+
+const QString OddName = QStringLiteral("строка\nвторая \U0001F4D2 'x' *?.mdb");
+
+} // namespace
+
+TEST_F(Files, OnlyPlainFilesAreFound) {
+    QDir().mkdir(Path(QStringLiteral("folder.mdb")));
+    const QString plain = Make(QStringLiteral("plain.mdb"));
+    QFile::link(plain, Path(QStringLiteral("link.mdb")));
+    QFile::link(Path(QStringLiteral("gone")), Path(QStringLiteral("dangling.mdb")));
+    const struct {
+        QString path;
+        bool found;
+    } rows[] = {
+        {plain, true},
+        {Path(QStringLiteral("link.mdb")), true},
+        {Make(OddName), true},
+        {Path(QStringLiteral("dangling.mdb")), false},
+        {Path(QStringLiteral("folder.mdb")), false},
+        {Make(QStringLiteral(".hidden.mdb")), false},
+        {MakePipe(QStringLiteral("pipe.mdb")), false},
+        {QStringLiteral("/dev/null"), false},
+        {Path(QStringLiteral("missing")), false},
+        {plain + u'/', false},
+        {Path(QStringLiteral("pl*.mdb")), false},
+        {QString(), false},
+        {plain + QChar(0) + u'x', false},
+        {LongPath(), false},
+        {plain + QChar(0xD83D), false},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(runtime::IsPlainFile(row.path), row.found) << row.path.toStdString();
+}
+
+TEST_F(Files, KillDeletesFilesAndNothingElse) {
+    const QString folder = Path(QStringLiteral("folder"));
+    QDir().mkdir(folder);
+    const QString odd = Make(OddName);
+    const QString kept = Make(QStringLiteral("kept"));
+    const QString link = Path(QStringLiteral("link"));
+    QFile::link(kept, link);
+    const struct {
+        QString path;
+        int failure;
+    } rows[] = {
+        {odd, 0},
+        {odd, runtime::FileNotFound},
+        {link, 0},
+        {folder, runtime::PathFileAccess},
+        {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
+        {Path(QStringLiteral("no/such")), runtime::FileNotFound},
+        {Path(QStringLiteral("*")), runtime::FileNotFound},
+        {LongPath(), runtime::BadFileName},
+        {QString(), runtime::BadFileName},
+        {kept + QChar(0), runtime::BadFileName},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(test::NumberOf([&] { runtime::Kill(row.path); }), row.failure) << row.path.toStdString();
+    EXPECT_TRUE(QFile::exists(kept));
+    EXPECT_TRUE(QFile::exists(folder));
+    EXPECT_FALSE(QFile::exists(odd));
+    EXPECT_FALSE(QFile::exists(link));
+}
+
+TEST_F(Files, AnOpenDatabaseIsNeitherDeletedNorOverwrittenUnderAnyName) {
+    const QString book = Make(QStringLiteral("book.mdb"), "cards");
+    const QString link = Path(QStringLiteral("link.mdb"));
+    const QString hardLink = Path(QStringLiteral("hard.mdb"));
+    QFile::link(book, link);
+    ASSERT_EQ(::link(QFile::encodeName(book).constData(), QFile::encodeName(hardLink).constData()), 0);
+    QDir().mkdir(Path(QStringLiteral("sub")));
+    {
+        const runtime::OpenDatabaseFile open(book);
+        const runtime::OpenDatabaseFile openTwice(link);
+        for (const QString& path : {book, link, hardLink, Path(QStringLiteral("sub/../book.mdb")),
+                                    Path(QStringLiteral("sub/.././/book.mdb"))}) {
+            EXPECT_EQ(test::NumberOf([&] { runtime::Kill(path); }), runtime::PermissionDenied);
+            EXPECT_EQ(test::NumberOf([&] { OutputFile file(path); }), runtime::PermissionDenied);
+        }
+        EXPECT_EQ(Content(book), "cards");
+    }
+    EXPECT_EQ(test::NumberOf([&] { runtime::Kill(book); }), 0);
+    EXPECT_FALSE(runtime::OpenDatabaseFile::Holds(book));
+}
+
+TEST_F(Files, OutputIsWrittenInTheCodePageWithBothLineEnds) {
+    const QString path = Make(OddName, "older and longer content than the new one");
+    OutputFile file(path);
+    file.Print(QStringLiteral("Имя;№"));
+    file.Print(QStringLiteral("日\nx"));
+    file.Close();
+    file.Close();
+    EXPECT_EQ(Content(path), QByteArrayLiteral("\xC8\xEC\xFF;\xB9\r\n?\nx\r\n"));
+}
+
+TEST_F(Files, OutputNamesWhatIsWrong) {
+    QDir().mkdir(Path(QStringLiteral("folder")));
+    const struct {
+        QString path;
+        int failure;
+    } rows[] = {
+        {Path(QStringLiteral("folder")), runtime::PathFileAccess},
+        {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
+        {QStringLiteral("/dev/full"), runtime::PathFileAccess},
+        {Path(QStringLiteral("no/such.csv")), runtime::PathNotFound},
+        {Make(QStringLiteral("file")) + QStringLiteral("/x.csv"), runtime::PathNotFound},
+        {LongPath(), runtime::BadFileName},
+        {QString(), runtime::BadFileName},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(test::NumberOf([&] { OutputFile file(row.path); }), row.failure) << row.path.toStdString();
+}
+
+TEST_F(Files, AFullDiskIsReportedAtTheLatestOnClosing) {
+    // The greatest size of a file stands in for the end of the disk.
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before = {};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const QString line(99, u'x');
+    for (const rlim_t room : {rlim_t{0}, rlim_t{512}, rlim_t{100'000}}) {
+        OutputFile file(Path(QStringLiteral("full.csv")));
+        const rlimit limit = {room, before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const int failure = test::NumberOf([&] {
+            for (rlim_t written = 0; written <= room; written += 101)
+                file.Print(line);
+            file.Close();
+        });
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(failure, runtime::DiskFull) << room;
+    }
+}
+
+TEST_F(Files, InputSplitsLinesAtCarriageReturns) {
+    const QByteArray large(70'000, 'y');
+    const struct {
+        QByteArray content;
+        QStringList lines;
+    } rows[] = {
+        {"", {}},
+        {"one", {"one"}},
+        {"one\r\ntwo\r\n", {"one", "two"}},
+        {"one\rtwo", {"one", "two"}},
+        {"one\ntwo\r\nthree", {"one\ntwo", "three"}},
+        {"\r\n\r\n", {"", ""}},
+        {"one\r\r\n", {"one", ""}},
+        {"\n", {"\n"}},
+        {"one\x1Atwo\r\n", {"one"}},
+        {"one\r\n\x1Atwo", {"one"}},
+        {"\x1A", {}},
+        {"\xEF\xBB\xBFx", {QStringLiteral("п»їx")}},
+        {"\xC8\xEC\xFF\r", {QStringLiteral("Имя")}},
+        {large.left(65'535) + "\r\nz", {QString::fromLatin1(large.left(65'535)), "z"}},
+        {large + "\r\n" + large + "\rz", {QString::fromLatin1(large), QString::fromLatin1(large), "z"}},
+    };
+    for (const auto& row : rows) {
+        InputFile file(Make(QStringLiteral("in.csv"), row.content));
+        QStringList lines;
+        while (!file.AtEnd())
+            lines += file.LineInput();
+        EXPECT_EQ(lines, row.lines) << row.content.left(40).toStdString();
+        EXPECT_EQ(test::NumberOf([&] { file.LineInput(); }), runtime::InputPastEnd);
+    }
+}
+
+TEST_F(Files, InputNamesWhatIsWrong) {
+    QDir().mkdir(Path(QStringLiteral("folder")));
+    const struct {
+        QString path;
+        int failure;
+    } rows[] = {
+        {Path(QStringLiteral("missing")), runtime::FileNotFound},
+        {Path(QStringLiteral("folder")), runtime::PathFileAccess},
+        {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
+        {QStringLiteral("/dev/zero"), runtime::PathFileAccess},
+        {LongPath(), runtime::BadFileName},
+        {QString(), runtime::BadFileName},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(test::NumberOf([&] { InputFile file(row.path); }), row.failure) << row.path.toStdString();
+}
+
+TEST_F(Files, PathsAreJoinedWithOneSeparator) {
+    EXPECT_EQ(runtime::JoinPath(QStringLiteral("/home/x"), QStringLiteral("a.mdb")),
+              QStringLiteral("/home/x/a.mdb"));
+    EXPECT_EQ(runtime::JoinPath(QStringLiteral("/"), QStringLiteral("a.mdb")), QStringLiteral("/a.mdb"));
+}
+
+TEST_F(Files, TheProgramFolderCanBeWritten) {
+    int count = 1;
+    QByteArray name = "test";
+    char* arguments[] = {name.data(), nullptr};
+    const QCoreApplication application(count, static_cast<char**>(arguments));
+    const QString folder = runtime::ProgramFolder();
+    EXPECT_FALSE(folder.endsWith(u'/'));
+    EXPECT_EQ(test::NumberOf([&] {
+                  OutputFile file(runtime::JoinPath(folder, QStringLiteral("program-folder-test.tmp")));
+              }),
+              0);
+    runtime::Kill(runtime::JoinPath(folder, QStringLiteral("program-folder-test.tmp")));
+}

@@ -1,0 +1,35 @@
+#include "platform/runtime/Process.h"
+
+#include "tests/runtime/Expect.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+TEST(ProcessDeathTest, EndRunsTheLastRoutinesAndNoDestructor) {
+    const auto end = [] {
+        struct Scoped {
+            ~Scoped() { std::fputs("destructor", stderr); }
+        };
+        const Scoped scoped;
+        runtime::AtEnd([] {
+            std::fputs("[first]", stderr);
+            runtime::Raise(runtime::DiskFull);
+        });
+        runtime::AtEnd([] { std::fputs("[second]", stderr); });
+        runtime::End();
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(0), "^\\[first\\]\\[second\\]$");
+}
+
+TEST(Process, ATrapTurnsTheEndIntoAnExceptionThatNoHandlerOfFailuresTakes) {
+    const runtime::EndTrap trap;
+    const auto end = [] {
+        try {
+            runtime::End();
+        } catch (const runtime::Failure&) {
+            ADD_FAILURE() << "taken for a failure";
+        }
+    };
+    EXPECT_THROW(end(), runtime::ProcessEnded);
+}

@@ -1,0 +1,114 @@
+#include "platform/runtime/Settings.h"
+
+#include "tests/runtime/Expect.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+using runtime::DeleteSetting;
+using runtime::GetSetting;
+using runtime::InvalidCall;
+using runtime::PathFileAccess;
+using runtime::SaveSetting;
+
+namespace {
+
+const QString App = QStringLiteral("Zavelik");
+const QString General = QStringLiteral("General");
+const QString Key = QStringLiteral("DB_Path");
+
+class Settings : public testing::Test {
+protected:
+    void SetUp() override { runtime::UseSettingsFile(Path(QStringLiteral("store.ini"))); }
+    void TearDown() override { runtime::UseSettingsFile({}); }
+    QString Path(const QString& name) const { return m_folder.filePath(name); }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(Settings, ValuesComeBackUnchanged) {
+    EXPECT_EQ(GetSetting(App, General, Key), QString());
+    EXPECT_EQ(GetSetting(App, General, Key, QStringLiteral("x")), QStringLiteral("x"));
+    const QString values[] = {
+        QStringLiteral("C:\\Книги\\Завелик.mdb"),
+        QStringLiteral("/home/пользователь/a,b;c=\"d\" %20.mdb"),
+        QStringLiteral(" blanks at both ends "),
+        QStringLiteral("line\r\nbreak\ttab"),
+        QStringLiteral("\U0001F4D2.mdb"),
+        QStringLiteral("@Invalid()"),
+        QStringLiteral("1,2"),
+        QString(5000, u'я'),
+        QStringLiteral(""),
+    };
+    for (const QString& value : values) {
+        SaveSetting(App, General, Key, value);
+        EXPECT_EQ(GetSetting(App, General, Key, QStringLiteral("missing")), value);
+    }
+}
+
+TEST_F(Settings, AnotherProcessReadsWhatWasSaved) {
+    SaveSetting(App, General, Key, QStringLiteral("/книга.mdb"));
+    const QString copy = Path(QStringLiteral("copy.ini"));
+    ASSERT_TRUE(QFile::copy(Path(QStringLiteral("store.ini")), copy));
+    runtime::UseSettingsFile(copy);
+    EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("/книга.mdb"));
+}
+
+TEST_F(Settings, NamesIgnoreCaseAndMayHoldAnySign) {
+    SaveSetting(App, General, Key, QStringLiteral("one"));
+    SaveSetting(QStringLiteral("ZAVELIK"), QStringLiteral("general"), QStringLiteral("db_path"),
+                QStringLiteral("two"));
+    EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("two"));
+
+    const QString odd = QStringLiteral("Раздел/с\\чертой%2F");
+    SaveSetting(App, odd, odd, QStringLiteral("three"));
+    EXPECT_EQ(GetSetting(App, odd.toUpper(), odd.toLower()), QStringLiteral("three"));
+    EXPECT_EQ(GetSetting(App, QStringLiteral("Раздел"), odd, QStringLiteral("none")), QStringLiteral("none"));
+    EXPECT_EQ(test::NumberOf([&] { SaveSetting(App, General, {}, odd); }), InvalidCall);
+}
+
+TEST_F(Settings, DeletingTakesAwayWhatWasNamed) {
+    const QString other = QStringLiteral("Other");
+    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App); }), InvalidCall);
+    SaveSetting(App, General, Key, QStringLiteral("1"));
+    SaveSetting(App, General, other, QStringLiteral("2"));
+    SaveSetting(App, other, Key, QStringLiteral("3"));
+
+    DeleteSetting(App, General, QStringLiteral("db_PATH"));
+    EXPECT_EQ(GetSetting(App, General, Key), QString());
+    EXPECT_EQ(GetSetting(App, General, other), QStringLiteral("2"));
+    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App, General, Key); }), InvalidCall);
+    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App, QStringLiteral("none"), Key); }), InvalidCall);
+
+    DeleteSetting(App, General);
+    EXPECT_EQ(GetSetting(App, General, other), QString());
+    EXPECT_EQ(GetSetting(App, other, Key), QStringLiteral("3"));
+    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App, General); }), InvalidCall);
+
+    DeleteSetting(App);
+    EXPECT_EQ(GetSetting(App, other, Key), QString());
+}
+
+TEST_F(Settings, AStoreThatCannotBeWrittenIsNoticed) {
+    const QString file = Path(QStringLiteral("file"));
+    ASSERT_TRUE(QFile(file).open(QFile::WriteOnly));
+    QDir().mkdir(Path(QStringLiteral("folder.ini")));
+    for (const QString& store : {file + QStringLiteral("/store.ini"), Path(QStringLiteral("folder.ini")),
+                                 QStringLiteral("/proc/store.ini")}) {
+        SCOPED_TRACE(store.toStdString());
+        runtime::UseSettingsFile(store);
+        EXPECT_EQ(test::NumberOf([&] { SaveSetting(App, General, Key, QStringLiteral("x")); }),
+                  PathFileAccess);
+        runtime::UseSettingsFile(Path(QStringLiteral("store.ini")));
+        runtime::UseSettingsFile(store);
+        QString value;
+        test::NumberOf([&] { value = GetSetting(App, General, Key); });
+        EXPECT_EQ(value, QString()) << "a value that was not stored is read back";
+    }
+}

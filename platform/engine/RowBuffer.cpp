@@ -29,25 +29,6 @@ std::size_t UnitsOf(std::int64_t number) {
     return IsSmall(number) ? 1 : 1 + numberUnits;
 }
 
-std::size_t UnitsOf(sqlite3_stmt* row, int column) {
-    switch (sqlite3_column_type(row, column)) {
-    case SQLITE_INTEGER:
-        return UnitsOf(std::int64_t{sqlite3_column_int64(row, column)});
-    case SQLITE_FLOAT:
-        return 1 + numberUnits;
-    case SQLITE_TEXT: {
-        if (sqlite3_column_text16(row, column) == nullptr)
-            throw std::bad_alloc();
-        const auto size = static_cast<std::size_t>(sqlite3_column_bytes16(row, column)) / 2;
-        return 1 + size + (size < shortLimit ? 0 : lengthUnits);
-    }
-    case SQLITE_BLOB:
-        return 1 + lengthUnits + (static_cast<std::size_t>(sqlite3_column_bytes(row, column)) + 1) / 2;
-    default:
-        return 1;
-    }
-}
-
 char16_t* PutLength(char16_t* to, std::size_t length) {
     to[0] = static_cast<char16_t>(length & 0xffff);
     to[1] = static_cast<char16_t>(length >> 16);
@@ -66,43 +47,6 @@ char16_t* Put(char16_t* to, std::int64_t number) {
     *to++ = FormInteger;
     std::memcpy(to, &number, sizeof number);
     return to + numberUnits;
-}
-
-char16_t* Put(char16_t* to, sqlite3_stmt* row, int column) {
-    switch (sqlite3_column_type(row, column)) {
-    case SQLITE_INTEGER:
-        return Put(to, std::int64_t{sqlite3_column_int64(row, column)});
-    case SQLITE_FLOAT: {
-        const double number = sqlite3_column_double(row, column);
-        *to++ = FormReal;
-        std::memcpy(to, &number, sizeof number);
-        return to + numberUnits;
-    }
-    case SQLITE_TEXT: {
-        const void* text = sqlite3_column_text16(row, column);
-        const auto size = static_cast<std::size_t>(sqlite3_column_bytes16(row, column)) / 2;
-        if (size < shortLimit) {
-            *to++ = static_cast<char16_t>((size << 3) | FormShortText);
-        } else {
-            *to++ = FormLongText;
-            to = PutLength(to, size);
-        }
-        std::memcpy(to, text, size * 2);
-        return to + size;
-    }
-    case SQLITE_BLOB: {
-        const void* bytes = sqlite3_column_blob(row, column);
-        const auto size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
-        *to++ = FormBytes;
-        to = PutLength(to, size);
-        if (size > 0)
-            std::memcpy(to, bytes, size);
-        return to + (size + 1) / 2;
-    }
-    default:
-        *to++ = FormNull;
-        return to;
-    }
 }
 
 const char16_t* Skip(const char16_t* cell) {
@@ -157,6 +101,76 @@ RowBuffer::Cell Read(const char16_t* cell) {
 
 } // namespace
 
+RowBuffer::Source RowBuffer::SourceOf(sqlite3_stmt* row, int column) {
+    Source source;
+    source.type = sqlite3_column_type(row, column);
+    switch (source.type) {
+    case SQLITE_INTEGER:
+        source.integer = sqlite3_column_int64(row, column);
+        break;
+    case SQLITE_FLOAT:
+        source.real = sqlite3_column_double(row, column);
+        break;
+    case SQLITE_TEXT:
+        source.data = sqlite3_column_text16(row, column);
+        if (source.data == nullptr)
+            throw std::bad_alloc();
+        source.size = static_cast<std::size_t>(sqlite3_column_bytes16(row, column)) / 2;
+        break;
+    case SQLITE_BLOB:
+        source.data = sqlite3_column_blob(row, column);
+        source.size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
+        break;
+    default:
+        break;
+    }
+    return source;
+}
+
+std::size_t RowBuffer::UnitsOf(const Source& source) {
+    switch (source.type) {
+    case SQLITE_INTEGER:
+        return engine::UnitsOf(source.integer);
+    case SQLITE_FLOAT:
+        return 1 + numberUnits;
+    case SQLITE_TEXT:
+        return 1 + source.size + (source.size < shortLimit ? 0 : lengthUnits);
+    case SQLITE_BLOB:
+        return 1 + lengthUnits + (source.size + 1) / 2;
+    default:
+        return 1;
+    }
+}
+
+char16_t* RowBuffer::Put(char16_t* to, const Source& source) {
+    switch (source.type) {
+    case SQLITE_INTEGER:
+        return engine::Put(to, source.integer);
+    case SQLITE_FLOAT:
+        *to++ = FormReal;
+        std::memcpy(to, &source.real, sizeof source.real);
+        return to + numberUnits;
+    case SQLITE_TEXT:
+        if (source.size < shortLimit) {
+            *to++ = static_cast<char16_t>((source.size << 3) | FormShortText);
+        } else {
+            *to++ = FormLongText;
+            to = PutLength(to, source.size);
+        }
+        std::memcpy(to, source.data, source.size * 2);
+        return to + source.size;
+    case SQLITE_BLOB:
+        *to++ = FormBytes;
+        to = PutLength(to, source.size);
+        if (source.size > 0)
+            std::memcpy(to, source.data, source.size);
+        return to + (source.size + 1) / 2;
+    default:
+        *to++ = FormNull;
+        return to;
+    }
+}
+
 void RowBuffer::Add(const Statement& row) {
     m_rows.push_back(nullptr);
     m_rows.back() = Store(row, nullptr);
@@ -168,15 +182,16 @@ void RowBuffer::Replace(std::size_t place, const Statement& row, std::int64_t ro
 
 const char16_t* RowBuffer::Store(const Statement& row, const std::int64_t* rowNumber) {
     const int columns = row.ColumnCount();
-    std::size_t units = rowNumber == nullptr ? 0 : UnitsOf(*rowNumber);
+    m_sources.clear();
+    std::size_t units = rowNumber == nullptr ? 0 : engine::UnitsOf(*rowNumber);
     for (int column = 0; column < columns; ++column)
-        units += UnitsOf(row.Handle(), column);
+        units += UnitsOf(m_sources.emplace_back(SourceOf(row.Handle(), column)));
     char16_t* start = Reserve(units);
     char16_t* to = start;
-    for (int column = 0; column < columns; ++column)
-        to = Put(to, row.Handle(), column);
+    for (const Source& source : m_sources)
+        to = Put(to, source);
     if (rowNumber != nullptr)
-        Put(to, *rowNumber);
+        engine::Put(to, *rowNumber);
     return start;
 }
 

@@ -32,10 +32,23 @@ public:
     void Clear() noexcept;
 
 private:
+    /// A column of the statement's row as SQLite delivers it, good until the next step.
+    struct Source {
+        int type = 0; ///< SQLite's
+        std::int64_t integer = 0;
+        double real = 0;
+        const void* data = nullptr; ///< of a text or bytes
+        std::size_t size = 0;       ///< units of a text, or bytes
+    };
+    static Source SourceOf(sqlite3_stmt* row, int column);
+    static std::size_t UnitsOf(const Source& source);
+    static char16_t* Put(char16_t* to, const Source& source);
+
     /// Copies the row, and the number as one more cell if there is one.
     const char16_t* Store(const Statement& row, const std::int64_t* rowNumber);
     char16_t* Reserve(std::size_t units);
 
+    std::vector<Source> m_sources; ///< of the row being copied: each column is asked once
     std::vector<const char16_t*> m_rows;
     std::vector<std::unique_ptr<char16_t[]>> m_blocks;
     std::size_t m_left = 0; ///< units left in the last block

@@ -187,11 +187,6 @@ void Form::MakeVisible() {
 }
 
 void Form::TakeFirstFocus() {
-    if (m->focusBeforeHiding) {
-        m->focusBeforeHiding->setFocus();
-        m->focusBeforeHiding = nullptr;
-        return;
-    }
     if (m_surface->focusWidget())
         return;
     for (QWidget* next = m_surface->nextInFocusChain(); next && next != m_surface;

@@ -23,9 +23,6 @@ struct Form::State {
     FieldRules entering;
     /// The field that lost the focus to another window or to a menu; getting it back is no entering.
     QPointer<QWidget> resting;
-    /// What had the focus when the window was hidden: hiding passes it on to the next widget, showing gives
-    /// it back.
-    QPointer<QWidget> focusBeforeHiding;
     QEventLoop* modalLoop = nullptr; ///< of the modal show that is running
     bool unloading = false;
 };

@@ -145,9 +145,6 @@ void MdiForm::ShowChild(ChildFrame* frame) {
 void MdiForm::HideChild(ChildFrame* frame) {
     {
         const Switching switching(m_frame);
-        const std::shared_ptr<Form> form = frame->Owner();
-        if (form && form->IsLoaded())
-            form->m->focusBeforeHiding = form->Surface()->focusWidget();
         frame->hide();
         if (m_frame->front == frame)
             ActivateNext();

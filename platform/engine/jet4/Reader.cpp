@@ -326,7 +326,8 @@ std::vector<RowPlace> Reader::RowsOf(const Table& table) const {
         if (places.size() > table.rowCount)
             throw Damage();
     });
-    std::sort(places.begin(), places.end());
+    if (!std::is_sorted(places.begin(), places.end()))
+        std::sort(places.begin(), places.end());
     if (places.size() != table.rowCount || std::adjacent_find(places.begin(), places.end()) != places.end())
         throw Damage();
     return places;

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <sqlite3.h>
 
+#include <algorithm>
+
 namespace engine::jet4 {
 
 namespace {
@@ -43,6 +45,22 @@ const Value& Converted(const Table& table, const CopiedColumns& columns, std::si
     if (table.columns[columns.places[i]].type != target.type)
         value = functions::ToColumn(value, target.type, 0, table.name + u'.' + target.name);
     return value;
+}
+
+QString InsertText(const Table& table, const CopiedColumns& columns, std::size_t rows) {
+    const QStringList parameters(columns.names.size(), QStringLiteral("?"));
+    const QStringList values(static_cast<qsizetype>(rows), u'(' + parameters.join(u',') + u')');
+    return QStringLiteral("INSERT INTO %1 (%2) VALUES ")
+               .arg(QuoteName(table.name), columns.names.join(u',')) +
+           values.join(u',');
+}
+
+/// The row number under which the new file keeps a row; those without a key are counted.
+std::int64_t KeyOf(const CopiedColumns& columns, const std::vector<Value>& values, std::int64_t count) {
+    if (columns.rowNumber < 0)
+        return count;
+    return static_cast<std::int64_t>(
+        values[columns.places[static_cast<std::size_t>(columns.rowNumber)]].Number());
 }
 
 bool Equals(const Statement& statement, int column, const Value& value) {
@@ -118,60 +136,79 @@ void RowCopy::CompareAll() {
         Compare(table);
 }
 
+// Many rows go into one statement: what SQLite does once for each statement weighs as much as a row.
 void RowCopy::Copy(const Table& table) {
     const FileCatalog catalog(m_db, m_path);
     const Layout* layout = catalog.FindLayout(table.name);
     if (!layout)
         return;
     const CopiedColumns columns = ColumnsOf(table, *layout);
-    QStringList parameters;
-    for (qsizetype i = 0; i < columns.names.size(); ++i)
-        parameters += QStringLiteral("?");
+    const std::vector<RowPlace> places = m_reader.Rows(table);
+    constexpr std::size_t most = 50;
+    std::vector<std::vector<Value>> rows(std::min(most, places.size()));
     Statement insert;
-    const QString text = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                             .arg(QuoteName(table.name), columns.names.join(u','), parameters.join(u','));
-    if (const int code = insert.Prepare(m_db, text, Statement::Lifetime::Kept); code != SQLITE_OK)
-        Raise(code);
-    std::vector<Value> values;
-    for (const RowPlace place : m_reader.Rows(table)) {
-        m_reader.Read(table, place, values);
-        for (std::size_t i = 0; i < columns.places.size(); ++i)
-            insert.Bind(static_cast<int>(i) + 1, Converted(table, columns, i, values));
+    std::size_t prepared = 0;
+    for (std::size_t start = 0; start < places.size(); start += prepared) {
+        const std::size_t count = std::min(most, places.size() - start);
+        if (count != prepared)
+            Prepare(insert, InsertText(table, columns, count));
+        prepared = count;
+        int parameter = 0;
+        for (std::size_t row = 0; row < count; ++row) {
+            m_reader.Read(table, places[start + row], rows[row]);
+            for (std::size_t i = 0; i < columns.places.size(); ++i)
+                insert.Bind(++parameter, Converted(table, columns, i, rows[row]));
+        }
         if (const int code = insert.Step(); code != SQLITE_DONE)
             Raise(code);
         insert.Reset();
     }
 }
 
+void RowCopy::Prepare(Statement& statement, const QString& text) {
+    if (const int code = statement.Prepare(m_db, text, Statement::Lifetime::Kept); code != SQLITE_OK)
+        Raise(code);
+}
+
+// The rows of an old file lie nearly in the order of their keys: they are met on the way through the new
+// table, and only those that are not are looked up.
 void RowCopy::Compare(const Table& table) {
     const FileCatalog catalog(m_db, m_path);
     const Layout* layout = catalog.FindLayout(table.name);
     if (!layout)
         return;
     const CopiedColumns columns = ColumnsOf(table, *layout);
-    Statement select;
-    const QString text = QStringLiteral("SELECT %1 FROM %2 WHERE rowid = ?")
-                             .arg(columns.names.join(u','), QuoteName(table.name));
-    if (const int code = select.Prepare(m_db, text, Statement::Lifetime::Kept); code != SQLITE_OK)
-        Raise(code);
-    std::vector<Value> values;
+    const QString text =
+        QStringLiteral("SELECT rowid, %1 FROM %2").arg(columns.names.join(u','), QuoteName(table.name));
+    Statement inOrder;
+    Statement byKey;
+    Prepare(inOrder, text + QStringLiteral(" ORDER BY rowid"));
+    Prepare(byKey, text + QStringLiteral(" WHERE rowid = ?"));
+    bool more = inOrder.Step() == SQLITE_ROW;
     std::int64_t count = 0;
+    std::vector<Value> values;
     for (const RowPlace place : m_reader.Rows(table)) {
         m_reader.Read(table, place, values);
         ++count;
-        const std::size_t key =
-            columns.rowNumber < 0 ? 0 : columns.places[static_cast<std::size_t>(columns.rowNumber)];
-        select.BindNumber(1, columns.rowNumber < 0 ? count : static_cast<std::int64_t>(values[key].Number()));
-        bool same = select.Step() == SQLITE_ROW;
-        for (std::size_t i = 0; same && i < columns.places.size(); ++i)
-            same = Equals(select, static_cast<int>(i), Converted(table, columns, i, values));
-        if (!same)
+        const std::int64_t key = KeyOf(columns, values, count);
+        while (more && inOrder.Number(0) < key)
+            more = inOrder.Step() == SQLITE_ROW;
+        const bool met = more && inOrder.Number(0) == key;
+        if (!met)
+            byKey.BindNumber(1, key);
+        if (!met && byKey.Step() != SQLITE_ROW)
             RaiseEngine(DiskOrNetworkFailure);
-        select.Reset();
+        const Statement& found = met ? inOrder : byKey;
+        for (std::size_t i = 0; i < columns.places.size(); ++i) {
+            if (!Equals(found, static_cast<int>(i) + 1, Converted(table, columns, i, values)))
+                RaiseEngine(DiskOrNetworkFailure);
+        }
+        if (!met)
+            byKey.Reset();
     }
     Statement all;
-    if (all.Prepare(m_db, QStringLiteral("SELECT count(*) FROM ") + QuoteName(table.name)) != SQLITE_OK ||
-        all.Step() != SQLITE_ROW || all.Number(0) != count)
+    Prepare(all, QStringLiteral("SELECT count(*) FROM ") + QuoteName(table.name));
+    if (all.Step() != SQLITE_ROW || all.Number(0) != count)
         RaiseEngine(DiskOrNetworkFailure);
 }
 

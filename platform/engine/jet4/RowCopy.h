@@ -26,6 +26,7 @@ public:
 
 private:
     void Run(const char* text);
+    void Prepare(Statement& statement, const QString& text);
     void Copy(const Table& table);
     void Compare(const Table& table);
     [[noreturn]] void Raise(int code);

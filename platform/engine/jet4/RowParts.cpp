@@ -8,11 +8,12 @@ namespace {
 
 constexpr std::uint32_t fixedStart = 2;
 
-void AppendUtf16(QString& text, Bytes bytes) {
+QString FromUtf16(Bytes bytes) {
     if (bytes.Size() % 2 != 0)
         throw Damage();
-    for (std::uint32_t place = 0; place < bytes.Size(); place += 2)
-        text += QChar(bytes.U16(place));
+    QString text(static_cast<qsizetype>(bytes.Size() / 2), Qt::Uninitialized);
+    qFromLittleEndian<char16_t>(bytes.View().data(), text.size(), text.data());
+    return text;
 }
 
 } // namespace
@@ -70,23 +71,17 @@ std::optional<Bytes> RowParts::Value(const Column& column, std::uint32_t size) c
 
 // Compressed text: one byte a character, and a byte 00 switches to two-byte characters and back.
 QString DecodeText(Bytes text) {
-    QString decoded;
     const bool compressed = text.Size() >= 2 && text.U16(0) == 0xFEFF;
-    if (!compressed) {
-        decoded.reserve(text.Size() / 2);
-        AppendUtf16(decoded, text);
-        return decoded;
-    }
+    if (!compressed)
+        return FromUtf16(text);
+    QString decoded;
     bool oneByte = true;
     for (std::uint32_t start = 2; start < text.Size();) {
         std::uint32_t end = start;
         while (end < text.Size() && text.U8(end) != 0)
             ++end;
         const Bytes run = text.Part(start, end - start);
-        if (oneByte)
-            decoded += QString::fromLatin1(run.View());
-        else
-            AppendUtf16(decoded, run);
+        decoded += oneByte ? QString::fromLatin1(run.View()) : FromUtf16(run);
         oneByte = !oneByte;
         start = end + 1;
     }

@@ -392,7 +392,7 @@ QString frmEditRecords::InsertRecord() {
         gDatabase->OpenRecordset(QStringLiteral("SELECT max(a01clid) + 1 FROM a01"), engine::dbOpenDynaset);
     next.MoveFirst();
     const engine::Value number = next.Fields(0).Value();
-    const QString id = number.IsFilled() ? number.Text() : QStringLiteral("1");
+    QString id = number.IsFilled() ? number.Text() : QStringLiteral("1");
     next.Close();
     Execute(
         QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo, a01bith) VALUES (") +

@@ -402,11 +402,9 @@ void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
             refused = FailureFrom(m_db, code, Doing::Write, m_path, plan.target);
         NoteInsert(plan, code);
     } catch (const runtime::Failure& failure) {
-        statement.Reset();
         m_commits->StatementFailed(failure);
         throw;
     } catch (const std::bad_alloc&) {
-        statement.Reset();
         m_commits->StatementFailed(MemoryFailure());
         throw;
     }
@@ -584,7 +582,9 @@ bool Connection::NoticeOthers(bool now) {
     if (!now && (m_commits->HoldsLock() || Clock::now() - m_lastLook < lookInterval))
         return false;
     m_lastLook = Clock::now();
+    sqlite3_busy_timeout(m_db, 0); // the statement itself waits, and once is enough
     const std::int64_t data = ReadNumber(m_dataVersion, u"PRAGMA data_version");
+    sqlite3_busy_timeout(m_db, Transactions::lockWait);
     if (data == m_seenData || data < 0)
         return false;
     m_seenData = data;

@@ -240,8 +240,8 @@ void SchemaEditor::DropIndex(const QString& name, const QString& index) {
 
 bool SchemaEditor::IsEmpty(const QString& table) const {
     Statement any;
-    return any.Prepare(m_db, QStringLiteral("SELECT 1 FROM ") + QuoteName(table) + QStringLiteral(" LIMIT 1")) ==
-               SQLITE_OK &&
+    return any.Prepare(m_db, QStringLiteral("SELECT 1 FROM ") + QuoteName(table) +
+                                 QStringLiteral(" LIMIT 1")) == SQLITE_OK &&
            any.Step() == SQLITE_DONE;
 }
 
@@ -253,7 +253,8 @@ void SchemaEditor::Rebuild(const Layout& old, const Layout& changed, const QStri
         Run(dropOld);
         Run(CreateTableText(changed, name));
     } else {
-        const QString fresh = FileIndexName(name, QStringLiteral("new")); // holds a point, so no table bears it
+        const QString fresh =
+            FileIndexName(name, QStringLiteral("new")); // holds a point, so no table bears it
         Run(CreateTableText(changed, fresh));
         {
             const RowsUnchecked unchecked(m_db);

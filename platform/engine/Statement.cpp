@@ -70,6 +70,8 @@ int Statement::Step() {
 }
 
 void Statement::Reset() noexcept {
+    if (m_statement == nullptr)
+        return;
     sqlite3_reset(m_statement);
     sqlite3_clear_bindings(m_statement);
 }

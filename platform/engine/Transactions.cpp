@@ -9,7 +9,6 @@ namespace engine {
 namespace {
 
 constexpr auto groupAge = std::chrono::milliseconds(50);
-constexpr int lockWait = 5000; // milliseconds
 
 QString LevelName(int level) {
     return QStringLiteral("level%1").arg(level);

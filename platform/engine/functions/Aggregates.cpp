@@ -145,8 +145,9 @@ using End = void (*)(sqlite3_context*);
 
 void RegisterAggregates(sqlite3* db) {
     const auto add = [db](const char* name, Step step, End end) {
-        sqlite3_create_function_v2(db, name, 1, SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
-                                   nullptr, nullptr, step, end, nullptr);
+        CheckRegistered(sqlite3_create_function_v2(db, name, 1,
+                                                   SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
+                                                   nullptr, nullptr, step, end, nullptr));
     };
     add("zv_first", StepEdge<false>, EndEdge);
     add("zv_last", StepEdge<true>, EndEdge);

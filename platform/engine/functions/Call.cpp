@@ -27,6 +27,11 @@ void SetText(sqlite3_context* context, const QString& text) {
 
 } // namespace
 
+void CheckRegistered(int code) {
+    if (code != SQLITE_OK)
+        throw std::bad_alloc();
+}
+
 bool Arguments::IsNull(int place) const {
     return sqlite3_value_type(m_values[place]) == SQLITE_NULL;
 }

@@ -78,4 +78,7 @@ std::span<const ScalarFunction> OperatorFunctions();
 
 void RegisterAggregates(sqlite3* db);
 
+/// The result of registering something with SQLite; it fails for want of memory alone: std::bad_alloc.
+void CheckRegistered(int code);
+
 } // namespace engine::functions

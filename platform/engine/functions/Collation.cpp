@@ -1,6 +1,7 @@
 // The two orders of text. ZV_FOLD is frozen: UNIQUE indexes of users' files persist it, so its table stands
 // here and follows no library. ZV_SORT is the Russian alphabet of the library, at query time only.
 
+#include "platform/engine/functions/Call.h"
 #include "platform/engine/functions/Functions.h"
 
 #include <QCollator>
@@ -188,8 +189,10 @@ int CompareSorted(QStringView a, QStringView b) {
 }
 
 void RegisterCollations(sqlite3* db) {
-    sqlite3_create_collation_v2(db, "ZV_FOLD", SQLITE_UTF16_ALIGNED, nullptr, CallFold, nullptr);
-    sqlite3_create_collation_v2(db, "ZV_SORT", SQLITE_UTF16_ALIGNED, nullptr, CallSort, nullptr);
+    CheckRegistered(
+        sqlite3_create_collation_v2(db, "ZV_FOLD", SQLITE_UTF16_ALIGNED, nullptr, CallFold, nullptr));
+    CheckRegistered(
+        sqlite3_create_collation_v2(db, "ZV_SORT", SQLITE_UTF16_ALIGNED, nullptr, CallSort, nullptr));
 }
 
 } // namespace engine::functions

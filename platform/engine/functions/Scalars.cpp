@@ -27,9 +27,9 @@ void Register(sqlite3* db, std::span<const ScalarFunction> functions) {
         const int flags =
             SQLITE_UTF16 | SQLITE_INNOCUOUS | (function.deterministic ? SQLITE_DETERMINISTIC : 0);
         for (int count = function.info.minArguments; count <= function.info.maxArguments; ++count)
-            sqlite3_create_function_v2(db, name.constData(), count, flags,
-                                       const_cast<ScalarFunction*>(&function), CallScalar, nullptr, nullptr,
-                                       nullptr);
+            CheckRegistered(sqlite3_create_function_v2(db, name.constData(), count, flags,
+                                                       const_cast<ScalarFunction*>(&function), CallScalar,
+                                                       nullptr, nullptr, nullptr));
     }
 }
 

@@ -148,7 +148,7 @@ void Connection::Configure() {
             throw FailureFrom(m_db, code, Doing::Open, m_path);
     m_catalog = std::make_unique<FileCatalog>(m_db, m_path);
     m_counters = std::make_unique<Counters>(m_db);
-    m_keys = std::make_unique<KeyIndexes>(m_db);
+    m_keys = std::make_unique<KeyIndexes>(m_db, [this](int code) { RaiseRead(code); });
     m_readOnly = sqlite3_db_readonly(m_db, "main") == 1;
 }
 
@@ -234,7 +234,7 @@ BoundPlan Connection::PlanOf(const QString& text, sql::Purpose purpose) {
 }
 
 /// The columns of a TRANSFORM, which the rows tell at each opening.
-std::vector<sql::Heading> Connection::ReadHeadings(const BoundPlan& bound) const {
+std::vector<sql::Heading> Connection::ReadHeadings(const BoundPlan& bound) {
     const sql::Plan& plan = bound.cached->plan;
     Statement statement;
     Prepare(statement, plan.headingsText, Statement::Lifetime::Once);
@@ -263,15 +263,17 @@ void Connection::DropPlans() noexcept {
     m_actions.clear();
 }
 
-void Connection::Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime) const {
+void Connection::Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime) {
     if (statement)
         return;
     if (const int code = statement.Prepare(m_db, text, lifetime); code != SQLITE_OK)
         RaiseRead(code);
 }
 
-void Connection::RaiseRead(int code) const {
-    throw FailureFrom(m_db, code, Doing::Read, m_path);
+void Connection::RaiseRead(int code) {
+    const auto failure = FailureFrom(m_db, code, Doing::Read, m_path);
+    m_commits->StatementFailed(failure); // some failures of a query take a transaction along
+    throw runtime::Failure(failure);
 }
 
 void Connection::Bind(Statement& statement, int firstPlace, const std::vector<sql::Parameter>& parameters,
@@ -372,35 +374,13 @@ void Connection::Run(const BoundPlan& bound, bool failOnError) {
 }
 
 void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
-    CachedPlan& cached = *bound.cached;
-    const sql::Plan& plan = cached.plan;
+    const sql::Plan& plan = bound.cached->plan;
     if (m_readOnly)
         RaiseEngine(NotUpdatable);
     if (m_commits->BeforeWrite(Doing::Write, plan.target) && NoticeOthers(true))
         return Execute(bound.scanned.text, failOnError); // the plan is out of date
-    const auto rows = Candidates(bound);
-    if (rows && rows->empty())
-        return m_commits->StatementDone();
-
-    const Form form = FormFor(cached, rows, failOnError);
-    Statement& statement = form.statement;
-    QString list;
-    std::vector<Value> values;
-    std::optional<runtime::Failure> refused;
-    int code = SQLITE_OK;
     try {
-        Prepare(statement, form.text, Statement::Lifetime::Kept);
-        if (!BindAction(statement, bound, failOnError, values, refused))
-            return m_commits->StatementDone(); // the only row is left out
-        if (rows)
-            BindRows(form, static_cast<int>(plan.parameters.size()) + 1, *rows, list);
-        const ResetGuard guard(statement);
-        code = StepAction(statement, plan);
-        if ((code & 0xff) == SQLITE_MISMATCH && !failOnError)
-            code = SQLITE_DONE; // a key without a value: SQLite leaves the statement out, not the row alone
-        if (code != SQLITE_DONE && !refused)
-            refused = FailureFrom(m_db, code, Doing::Write, m_path, plan.target);
-        NoteInsert(plan, code);
+        Perform(bound, failOnError);
     } catch (const runtime::Failure& failure) {
         m_commits->StatementFailed(failure);
         throw;
@@ -408,12 +388,35 @@ void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
         m_commits->StatementFailed(MemoryFailure());
         throw;
     }
-    if (code != SQLITE_DONE) {
-        const runtime::Failure failure = *refused;
-        m_commits->StatementFailed(failure);
-        throw runtime::Failure(failure);
-    }
     m_commits->StatementDone();
+}
+
+void Connection::Perform(const BoundPlan& bound, bool failOnError) {
+    CachedPlan& cached = *bound.cached;
+    const sql::Plan& plan = cached.plan;
+    const auto rows = Candidates(bound);
+    if (rows && rows->empty())
+        return;
+    const Form form = FormFor(cached, rows, failOnError);
+    Statement& statement = form.statement;
+    Prepare(statement, form.text, Statement::Lifetime::Kept);
+    QString list;
+    std::vector<Value> values;
+    std::optional<runtime::Failure> refused;
+    const ResetGuard guard(statement);
+    if (!BindAction(statement, bound, failOnError, values, refused))
+        return; // the only row is left out
+    if (rows)
+        BindRows(form, static_cast<int>(plan.parameters.size()) + 1, *rows, list);
+    int code = StepAction(statement, plan);
+    if ((code & 0xff) == SQLITE_MISMATCH && !failOnError)
+        code = SQLITE_DONE; // a key without a value: SQLite leaves the statement out, not the row alone
+    if (code == SQLITE_DONE)
+        return NoteInsert(plan, code);
+    if (!refused)
+        refused = FailureFrom(m_db, code, Doing::Write, m_path, plan.target);
+    NoteInsert(plan, code);
+    throw runtime::Failure(*refused);
 }
 
 bool Connection::BindAction(Statement& statement, const BoundPlan& bound, bool failOnError,
@@ -450,6 +453,7 @@ int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
     if (plan.verb == sql::Verb::Insert)
         if (const int code = m_counters->BeforeInsert(plan.target); code != SQLITE_OK)
             return code;
+    m_commits->CheckAlive();
     const int code = statement.Step();
     if (code == SQLITE_DONE)
         m_affected = static_cast<int>(

@@ -75,8 +75,8 @@ public:
     void Register(RecordsetImpl* set) { m_sets.insert(set); }
     void Unregister(RecordsetImpl* set) noexcept { m_sets.erase(set); }
     /// Compiles the text if that is not done yet.
-    void Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime) const;
-    [[noreturn]] void RaiseRead(int code) const;
+    void Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime);
+    [[noreturn]] void RaiseRead(int code);
     /// Binds parameters, converted to their columns; `values` keeps what is bound.
     static void Bind(Statement& statement, int firstPlace, const std::vector<sql::Parameter>& parameters,
                      const std::vector<Value>& literals, std::vector<Value>& values);
@@ -87,13 +87,15 @@ private:
     void Configure();
     void CheckSound();
     BoundPlan PlanOf(const QString& text, sql::Purpose purpose);
-    std::vector<sql::Heading> ReadHeadings(const BoundPlan& bound) const;
+    std::vector<sql::Heading> ReadHeadings(const BoundPlan& bound);
     void EvictPlan(QHash<QString, std::shared_ptr<CachedPlan>>& plans) const;
     /// The row numbers that an action or a query can be held to; none: the plain text.
     std::optional<KeyIndexes::Rows> Candidates(const BoundPlan& bound);
 
     void Run(const BoundPlan& bound, bool failOnError);
     void RunAction(const BoundPlan& bound, bool failOnError);
+    /// The statement of an action itself, within the group or the transaction.
+    void Perform(const BoundPlan& bound, bool failOnError);
     void RunSelectInto(const BoundPlan& bound);
     void RunSchema(const sql::SchemaChange& change);
     template <class Work>

@@ -49,8 +49,9 @@ QString ColumnList(const sql::TableInfo& table, const std::vector<int>& columns)
 
 } // namespace
 
-KeyIndexes::KeyIndexes(sqlite3* db)
-    : m_db(db) {
+KeyIndexes::KeyIndexes(sqlite3* db, std::function<void(int)> raise)
+    : m_db(db)
+    , m_raise(std::move(raise)) {
     sqlite3_update_hook(m_db, &KeyIndexes::OnChange, this);
 }
 
@@ -92,9 +93,9 @@ std::optional<KeyIndexes::Rows> KeyIndexes::Find(const sql::TableInfo& table,
     Index& index = IndexFor(table, columns);
     if (!index.built && (++index.uses < 2 || !IsLarge(table.name)))
         return std::nullopt;
-    if (!(index.built && !index.stale ? Mend(index, table) : Build(index, table))) {
+    if (const int code = index.built && !index.stale ? Mend(index) : Build(index, table); code != SQLITE_OK) {
         Clear(index);
-        return std::nullopt;
+        m_raise(code);
     }
     const auto [begin, end] = index.rows.equal_range(hash.Result());
     Rows rows;
@@ -124,21 +125,25 @@ KeyIndexes::Index& KeyIndexes::IndexFor(const sql::TableInfo& table, const std::
 // By the greatest row number: quick, and only a large table with small numbers is impossible.
 bool KeyIndexes::IsLarge(const QString& table) const {
     Statement statement;
-    return statement.Prepare(m_db, QStringLiteral("SELECT max(rowid) FROM ") + QuoteName(table)) ==
-               SQLITE_OK &&
-           statement.Step() == SQLITE_ROW && statement.Number(0) > smallTable;
+    int code = statement.Prepare(m_db, QStringLiteral("SELECT max(rowid) FROM ") + QuoteName(table));
+    if (code == SQLITE_OK)
+        code = statement.Step();
+    if (code != SQLITE_ROW)
+        m_raise(code);
+    return statement.Number(0) > smallTable;
 }
 
-bool KeyIndexes::Build(Index& index, const sql::TableInfo& table) const {
+int KeyIndexes::Build(Index& index, const sql::TableInfo& table) const {
     Clear(index);
     const QString source =
         ColumnList(table, index.columns) + QStringLiteral(" FROM ") + QuoteName(table.name);
     Statement all;
-    if (all.Prepare(m_db, QStringLiteral("SELECT rowid, ") + source) != SQLITE_OK ||
-        index.readRow.Prepare(m_db, QStringLiteral("SELECT %1 WHERE rowid = ?1").arg(source),
-                              Statement::Lifetime::Kept) != SQLITE_OK)
-        return false;
-    int code = 0;
+    int code = all.Prepare(m_db, QStringLiteral("SELECT rowid, ") + source);
+    if (code == SQLITE_OK)
+        code = index.readRow.Prepare(m_db, QStringLiteral("SELECT %1 WHERE rowid = ?1").arg(source),
+                                     Statement::Lifetime::Kept);
+    if (code != SQLITE_OK)
+        return code;
     while ((code = all.Step()) == SQLITE_ROW) {
         const auto hash = HashOfRow(all, 1, index.columns.size());
         if (!hash)
@@ -147,10 +152,10 @@ bool KeyIndexes::Build(Index& index, const sql::TableInfo& table) const {
         index.hashes.emplace(all.Number(0), *hash);
     }
     index.built = code == SQLITE_DONE;
-    return index.built;
+    return index.built ? SQLITE_OK : code;
 }
 
-bool KeyIndexes::Mend(Index& index, const sql::TableInfo&) const {
+int KeyIndexes::Mend(Index& index) {
     for (const std::int64_t row : index.changed) {
         if (const auto old = index.hashes.find(row); old != index.hashes.end()) {
             const auto [begin, end] = index.rows.equal_range(old->second);
@@ -164,7 +169,7 @@ bool KeyIndexes::Mend(Index& index, const sql::TableInfo&) const {
         index.readRow.BindNumber(1, row);
         const int code = index.readRow.Step();
         if (code != SQLITE_ROW && code != SQLITE_DONE)
-            return false;
+            return code;
         const auto hash =
             code == SQLITE_ROW ? HashOfRow(index.readRow, 0, index.columns.size()) : std::nullopt;
         if (!hash)
@@ -173,7 +178,7 @@ bool KeyIndexes::Mend(Index& index, const sql::TableInfo&) const {
         index.hashes.emplace(row, *hash);
     }
     index.changed.clear();
-    return true;
+    return SQLITE_OK;
 }
 
 void KeyIndexes::Clear(Index& index) noexcept {

@@ -3,6 +3,7 @@
 #include "platform/engine/KeyHash.h"
 #include "platform/engine/sql/Plan.h"
 
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -18,7 +19,8 @@ class KeyIndexes {
 public:
     using Rows = std::vector<std::int64_t>;
 
-    explicit KeyIndexes(sqlite3* db); ///< sets the update hook of the connection
+    /// Sets the update hook of the connection. `raise` throws the failure of a SQLite code.
+    KeyIndexes(sqlite3* db, std::function<void(int)> raise);
     ~KeyIndexes();
     KeyIndexes(const KeyIndexes&) = delete;
     KeyIndexes& operator=(const KeyIndexes&) = delete;
@@ -48,11 +50,13 @@ private:
     static void OnChange(void* self, int operation, const char* database, const char* table, long long row);
     Index& IndexFor(const sql::TableInfo& table, const std::vector<int>& columns);
     bool IsLarge(const QString& table) const;
-    bool Build(Index& index, const sql::TableInfo& table) const;
-    bool Mend(Index& index, const sql::TableInfo& table) const;
+    // SQLite codes.
+    int Build(Index& index, const sql::TableInfo& table) const;
+    static int Mend(Index& index);
     static void Clear(Index& index) noexcept;
 
     sqlite3* m_db;
+    std::function<void(int)> m_raise;
     std::vector<std::unique_ptr<Index>> m_indexes;
 };
 

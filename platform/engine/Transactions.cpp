@@ -78,6 +78,7 @@ void Transactions::Rollback() {
 }
 
 bool Transactions::BeforeWrite(Doing doing, const QString& table) {
+    CheckAlive();
     if (m_lost)
         throw runtime::Failure(*m_lost);
     const bool held = HoldsLock();
@@ -118,6 +119,13 @@ void Transactions::StatementFailed(const runtime::Failure& failure) {
     m_undone();
 }
 
+void Transactions::CheckAlive() {
+    if (!HoldsLock() || sqlite3_get_autocommit(m_db) == 0)
+        return;
+    StatementFailed({runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)});
+    runtime::Raise(runtime::OutOfMemory);
+}
+
 // Somebody may be reading just now; then the group simply grows older.
 void Transactions::CommitDueGroup() {
     sqlite3_busy_timeout(m_db, 0);
@@ -136,6 +144,7 @@ void Transactions::CommitGroup() {
         const runtime::Failure failure = *std::exchange(m_lost, std::nullopt);
         throw runtime::Failure(failure);
     }
+    CheckAlive();
     if (!m_groupOpen)
         return;
     const int code = sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);

@@ -31,6 +31,10 @@ public:
     /// Looks whether SQLite has taken back more than the statement that failed.
     void StatementFailed(const runtime::Failure& failure);
 
+    /// Raises a failure if SQLite has taken the open transaction back unnoticed: what is written now would
+    /// stand alone.
+    void CheckAlive();
+
     /// Commits the group, waiting for locks; raises a failure or a remembered loss, once. Nothing in a
     /// transaction.
     void CommitGroup();

@@ -411,11 +411,12 @@ void Connection::Perform(const BoundPlan& bound, bool failOnError) {
     int code = StepAction(statement, plan);
     if ((code & 0xff) == SQLITE_MISMATCH && !failOnError)
         code = SQLITE_DONE; // a key without a value: SQLite leaves the statement out, not the row alone
-    if (code == SQLITE_DONE)
-        return NoteInsert(plan, code);
-    if (!refused)
+    const bool done = code == SQLITE_DONE;
+    if (!done && !refused)
         refused = FailureFrom(m_db, code, Doing::Write, m_path, plan.target);
-    NoteInsert(plan, code);
+    NoteInsert(plan, (code & 0xff) == SQLITE_CONSTRAINT || (done && !failOnError && m_affected == 0));
+    if (done)
+        return;
     throw runtime::Failure(*refused);
 }
 
@@ -467,13 +468,13 @@ int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
     return code;
 }
 
-void Connection::NoteInsert(const sql::Plan& plan, int code) {
+void Connection::NoteInsert(const sql::Plan& plan, bool leftOut) {
     const Layout* layout = plan.verb == sql::Verb::Insert ? m_catalog->FindLayout(plan.target) : nullptr;
     if (layout == nullptr || layout->CounterColumn() < 0)
         return;
     if (m_affected > 0)
         m_counters->Inserted(plan.target, sqlite3_last_insert_rowid(m_db));
-    else if (!plan.setsCounter && (code == SQLITE_DONE || (code & 0xff) == SQLITE_CONSTRAINT))
+    else if (leftOut && !plan.setsCounter)
         m_counters->Failed(plan.target);
 }
 

@@ -108,7 +108,8 @@ private:
     bool BindAction(Statement& statement, const BoundPlan& bound, bool failOnError,
                     std::vector<Value>& values, std::optional<runtime::Failure>& refused) const;
     void NoteUpheaval() noexcept;
-    void NoteInsert(const sql::Plan& plan, int code);
+    /// Keeps account of generated numbers; `leftOut`: a row was refused by a rule.
+    void NoteInsert(const sql::Plan& plan, bool leftOut);
 
     /// Looks whether another program has changed the file, at most every so often unless `now`. True if the
     /// schema has changed.

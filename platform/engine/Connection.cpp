@@ -486,6 +486,7 @@ void Connection::ChangeSchema(const QString& table, Work work) {
         RaiseEngine(ReadOnly);
     if (m_commits->BeforeWrite(Doing::Define, table))
         NoticeOthers(true);
+    m_commits->CheckAlive();
     const auto run = [this](const char* text) { return sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); };
     const auto forget = [this] {
         DropPlans();

@@ -48,6 +48,7 @@ void Transactions::OpenLevels(Doing doing, const QString& table) {
 }
 
 void Transactions::CommitTrans() {
+    CheckAlive();
     if (m_lost)
         throw runtime::Failure(*m_lost);
     if (m_openLevels == m_depth) {

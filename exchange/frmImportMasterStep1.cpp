@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr int CharactersOfPath = 70; ///< in sight without scrolling
+
 bool IsOneOf(const QString& text, std::initializer_list<QStringView> names) {
     const QString capitals = text.toUpper();
     return std::any_of(names.begin(), names.end(), [&](QStringView name) { return capitals == name; });
@@ -74,6 +76,7 @@ QWidget* frmImportMasterStep1::MakeFilePage() {
                          QStringLiteral("Выберите файл, из которого Вы хотите импортировать данные:"));
     txtFile = forms::MakeTextBox(QStringLiteral("txtFile"), 150);
     forms::NameField(txtFile, txtFile->objectName(), label2);
+    txtFile->setMinimumWidth(txtFile->fontMetrics().averageCharWidth() * CharactersOfPath);
     auto* cmdSelect = forms::MakeButton(QStringLiteral("cmdSelect"), QStringLiteral("Выбрать..."));
 
     auto* line = new QHBoxLayout;

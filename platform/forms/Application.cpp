@@ -3,6 +3,7 @@
 #include "platform/engine/DBEngine.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/Form.h"
+#include "platform/forms/MarkStyle.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/NestedLoop.h"
 
@@ -19,6 +20,8 @@ Application::Application(int& argc, char** argv)
     setApplicationName(QStringView(AppTitle).toString());
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();
+    if (const QString name = style()->name(); name == u"fusion")
+        setStyle(new MarkStyle(name));
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             &Application::CommitWhenIdle);
 }

@@ -2,6 +2,7 @@
 #include "platform/runtime/Codec1251.h"
 #include "platform/runtime/Files.h"
 #include "tests/exchange/ExchangeTest.h"
+#include "tests/support/WindowWalk.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -200,6 +201,7 @@ TEST_F(ExportTest, TheDialogRemembersAConfirmedCancelOnly) {
                            texts.append(Parameters(dialog).item(i)->text());
                        EXPECT_EQ(texts, (QStringList{"Фамилия", "Имя", "Отчество", "ФИО", "Домашний телефон",
                                                      "Мобильный телефон", "Рабочий телефон", "Заметка"}));
+                       EXPECT_EQ(test::WindowFaults(dialog), QStringList());
                        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Выбор разделителя"));
                        Parameters(dialog).item(3)->setCheckState(Qt::Unchecked);
                        Semicolon(dialog);

@@ -1,5 +1,7 @@
 #include "tests/exchange/ImportMaster.h"
 
+#include "tests/support/WindowWalk.h"
+
 #include <QApplication>
 #include <QFileDialog>
 
@@ -17,6 +19,7 @@ protected:
 TEST_F(ImportMasterTest, TheFileHasToBeKnown) {
     test::ImportMaster master;
     EXPECT_EQ(master.form->Caption(), QStringLiteral("Мастер импорта телефонов"));
+    EXPECT_EQ(test::WindowFaults(*master.form->Surface()), QStringList());
     const struct {
         QString file;
         QString message;

@@ -3,12 +3,14 @@
 #include <QApplication>
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QString>
 
 int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QMainWindow window;
     window.setCentralWidget(new QMdiArea);
     window.resize(960, 675);
+    window.setWindowTitle(QStringLiteral("Empty"));
     window.show();
     return QApplication::exec();
 }

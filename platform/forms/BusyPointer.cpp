@@ -1,5 +1,6 @@
 #include "platform/forms/BusyPointer.h"
 
+#include <QCursor>
 #include <QGuiApplication>
 
 namespace forms {

@@ -1,6 +1,7 @@
 #include "platform/forms/DialogWindow.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
 #include <QWindow>

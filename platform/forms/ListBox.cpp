@@ -3,6 +3,7 @@
 #include "platform/runtime/Failure.h"
 
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QScopedValueRollback>
 
 namespace forms {

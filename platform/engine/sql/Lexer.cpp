@@ -239,14 +239,13 @@ Token Lexer::ReadWord() {
 }
 
 Token Lexer::ReadQuoted(char16_t quote) {
-    qsizetype end = m_position + 1;
-    for (;; ++end) {
-        end = m_text.indexOf(QChar(quote), end);
-        if (end < 0)
+    for (qsizetype from = m_position + 1;;) {
+        const qsizetype close = m_text.indexOf(QChar(quote), from);
+        if (close < 0)
             return Make(TokenKind::OpenText, m_text.size());
-        if (At(end + 1) != quote)
-            return Make(TokenKind::Text, end + 1);
-        ++end;
+        if (At(close + 1) != quote)
+            return Make(TokenKind::Text, close + 1);
+        from = close + 2;
     }
 }
 

@@ -356,6 +356,8 @@ void ActionWriter::WriteInto(const Query& query, Plan& plan) {
     const QString& name = query.parts.front().select->into;
     if (m_catalog.FindTable(name))
         RaiseEngine(TableExists, name);
+    if (!IsValidName(name))
+        RaiseEngine(ReservedWord);
     const WrittenQuery written = QueryWriter(m_context, &m_catalog, nullptr).WriteDerived(query);
     plan.verb = Verb::SelectInto;
     plan.target = name;
@@ -371,6 +373,8 @@ void ActionWriter::WriteInto(const Query& query, Plan& plan) {
             made.size = column.value.size > 0 ? column.value.size : widestText;
         if (plan.intoTable.Find(made.name) >= 0)
             RaiseEngine(ColumnDefinedTwice);
+        if (!IsValidName(made.name))
+            RaiseEngine(SyntaxInColumnDefinition);
         names += (names.isEmpty() ? QString() : u", "_s) + Quoted(made.name);
         plan.intoTable.columns.push_back(std::move(made));
     }

@@ -116,9 +116,7 @@ std::optional<Written> ExpressionWriter::WriteAggregate(const Node& node) {
         result.text = u"count(*)"_s + filter;
         return result;
     }
-    const AggregateRule outerRule = std::exchange(m_rule, AggregateRule::InExpression);
-    const Written value = Value(*node.children[0]);
-    m_rule = outerRule;
+    const Written value = WriteAggregated(*node.children[0]);
     QString argument = value.text;
     if (found->result == Aggregate::Same) {
         result.type = value.type == DataType::Counter ? DataType::Long : value.type;
@@ -134,6 +132,25 @@ std::optional<Written> ExpressionWriter::WriteAggregate(const Node& node) {
     }
     result.text = QString::fromUtf16(found->function) + argument + u')' + filter;
     return result;
+}
+
+/// The argument of an aggregate.
+Written ExpressionWriter::WriteAggregated(const Node& node) {
+    const AggregateRule rule = std::exchange(m_rule, AggregateRule::InExpression);
+    const bool own = std::exchange(m_sawOwn, false);
+    const bool outer = std::exchange(m_sawOuter, false);
+    Written value = Value(node);
+    if (m_sawOuter && !m_sawOwn && !m_scope.Sources().empty()) {
+        // SQLite would take the aggregate for one of the statement around this one.
+        value.text = u"CASE "_s + m_scope.Sources().front().columns.front().value.text + u" WHEN 0 THEN "_s +
+                     value.text + u" ELSE "_s + value.text + u" END"_s;
+        value.precedence = PrimaryPrecedence;
+        value.collated = false;
+    }
+    m_sawOwn = m_sawOwn || own;
+    m_sawOuter = m_sawOuter || outer;
+    m_rule = rule;
+    return value;
 }
 
 std::optional<Written> ExpressionWriter::WriteChoice(const Node& node) {

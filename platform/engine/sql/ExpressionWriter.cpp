@@ -37,6 +37,10 @@ Written MakeCondition(QString text, int precedence) {
     return written;
 }
 
+bool IsSimple(const Node& node) {
+    return node.kind == NodeKind::Name || node.kind == NodeKind::Literal;
+}
+
 QString SignOf(Op op) {
     switch (op) {
     case Op::Equal:
@@ -187,7 +191,7 @@ Written ExpressionWriter::Condition(const Node& node) {
     }
     if (value.Kind() == TypeKind::Number || value.Kind() == TypeKind::Date)
         return MakeCondition(value.At(AddPrecedence) + u" <> 0"_s, EqualPrecedence);
-    return MakeCondition(u"zv_compare("_s + value.text + u", 0) <> 0"_s, EqualPrecedence);
+    return MakeCondition(ForArithmetic(value).text + u" <> 0"_s, EqualPrecedence);
 }
 
 Written ExpressionWriter::WriteName(const Node& node) {
@@ -196,6 +200,8 @@ Written ExpressionWriter::WriteName(const Node& node) {
         const auto place = limited ? scope->Find(node.qualifier, node.name, m_first, m_last)
                                    : scope->Find(node.qualifier, node.name);
         if (place) {
+            m_sawOwn = m_sawOwn || scope == &m_scope;
+            m_sawOuter = m_sawOuter || scope != &m_scope;
             if (scope == &m_scope)
                 m_used[static_cast<std::size_t>(place->source)] = true;
             return scope->Column(*place).value;
@@ -343,6 +349,11 @@ Written ExpressionWriter::WriteArithmetic(const Node& node) {
         result.precedence = MultiplyPrecedence;
         if (!date)
             result.type = whole ? DataType::Long : CommonType(left.type, right.type);
+        if (!whole || !IsSimple(*node.children[0]) || !IsSimple(*node.children[1])) {
+            // The engine's addition refuses what has grown beyond all numbers.
+            result.text = u"zv_add("_s + result.text + u", 0)"_s;
+            result.precedence = PrimaryPrecedence;
+        }
         break;
     case Op::IntDivide:
     case Op::Mod:

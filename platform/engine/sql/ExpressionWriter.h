@@ -70,6 +70,7 @@ private:
 
     Written WriteCall(const Node& node);
     std::optional<Written> WriteAggregate(const Node& node);
+    Written WriteAggregated(const Node& node);
     std::optional<Written> WriteChoice(const Node& node);
     Written WriteIif(const Node& node);
     Written WriteSwitch(const Node& node);
@@ -88,6 +89,8 @@ private:
     std::vector<bool> m_used;
     QString m_filter;
     bool m_sawAggregate = false;
+    bool m_sawOwn = false;   ///< a column of the own scope was named
+    bool m_sawOuter = false; ///< a column of a statement around this one was named
     int m_depth = 0;
 };
 

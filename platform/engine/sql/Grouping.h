@@ -15,10 +15,11 @@ public:
 
     /// Failure 3122 for a column that is neither grouped nor aggregated.
     void Check(const Node& expression) const;
+    /// Whether two expressions mean the same.
+    bool Same(const Node& a, const Node& b) const;
 
 private:
     bool IsDecided(const Node& node) const;
-    bool Same(const Node& a, const Node& b) const;
 
     const std::vector<NodePtr>& m_groups;
     const Scope& m_scope;

@@ -107,6 +107,16 @@ Parser::Parser(QStringView text, bool bindsLiterals)
         m_tokens.push_back(lexer.Next());
         m_literals.push_back(bindsLiterals && m_tokens.back().IsLiteral() ? literals++ : -1);
     } while (m_tokens.back().kind != TokenKind::End);
+    m_closes.assign(m_tokens.size(), m_tokens.size() - 1);
+    std::vector<std::size_t> open;
+    for (std::size_t at = 0; at < m_tokens.size(); ++at) {
+        if (m_tokens[at].Is(u'(')) {
+            open.push_back(at);
+        } else if (m_tokens[at].Is(u')') && !open.empty()) {
+            m_closes[open.back()] = at;
+            open.pop_back();
+        }
+    }
 }
 
 const Token& Parser::Peek(std::size_t ahead) const {
@@ -140,10 +150,16 @@ bool Parser::AtName(std::size_t ahead) const {
 }
 
 bool Parser::AtQuery() const {
-    std::size_t ahead = 0;
-    while (Peek(ahead).Is(u'('))
-        ++ahead;
-    return AtWord("SELECT", ahead);
+    std::size_t depth = 0;
+    while (Peek(depth).Is(u'('))
+        ++depth;
+    if (!AtWord("SELECT", depth))
+        return false;
+    if (depth < 2)
+        return true;
+    // In `((SELECT ...) + 1)` only the inner parenthesis is a query.
+    const Token& next = m_tokens[std::min(m_closes[m_at + 1] + 1, m_tokens.size() - 1)];
+    return next.Is(u')') || next.IsWord("UNION") || next.IsWord("ORDER");
 }
 
 void Parser::ExpectWord(std::string_view keyword, int number) {

@@ -31,6 +31,7 @@ private:
     bool TakeSign(char16_t sign);
     bool AtWord(std::string_view keyword, std::size_t ahead = 0) const { return Peek(ahead).IsWord(keyword); }
     bool AtName(std::size_t ahead = 0) const;
+    /// Whether a query begins here, and not a sub-query inside a larger expression.
     bool AtQuery() const;
     /// Failure `number` unless the next token is that word, sign or a name.
     void ExpectWord(std::string_view keyword, int number);
@@ -109,7 +110,8 @@ private:
 
     QStringView m_text;
     std::vector<Token> m_tokens;
-    std::vector<int> m_literals; ///< number of the literal at each token, -1 for others
+    std::vector<int> m_literals;       ///< number of the literal at each token, -1 for others
+    std::vector<std::size_t> m_closes; ///< for each `(` the token of its `)`, or the last token
     std::size_t m_at = 0;
     int m_nesting = 0;
     int m_parentheses = 0; ///< queries in parentheses around the current place

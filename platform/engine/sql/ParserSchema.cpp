@@ -9,11 +9,9 @@ namespace engine::sql {
 namespace {
 
 constexpr int longestText = 255;
-constexpr qsizetype longestName = 64;
 
 void CheckName(const QString& name, int number) {
-    const auto forbidden = [](QChar c) { return QStringView(u".![]`").contains(c) || c.unicode() < u' '; };
-    if (name.size() > longestName || name.startsWith(u' ') || std::ranges::any_of(name, forbidden))
+    if (!IsValidName(name))
         RaiseEngine(number);
 }
 

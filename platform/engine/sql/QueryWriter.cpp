@@ -39,6 +39,17 @@ Written Delivered(ExpressionWriter& writer, const Node& node) {
     return plain.condition ? ExpressionWriter::AsNumber(plain) : plain;
 }
 
+bool IsConstant(const Node& node) {
+    if (node.kind == NodeKind::Name || node.kind == NodeKind::Call || node.query)
+        return false;
+    return std::ranges::all_of(node.children, [](const NodePtr& child) { return IsConstant(*child); });
+}
+
+/// A constant that SQLite does not take for the position of a column.
+QString NoPosition(const Written& constant) {
+    return u'(' + constant.At(ConcatPrecedence) + u" || '')"_s;
+}
+
 /// The number of a position in ORDER BY, or 0.
 int PositionOf(const Node& node) {
     if (node.kind != NodeKind::Literal || node.token.kind != TokenKind::Integer)
@@ -297,10 +308,8 @@ void QueryWriter::WriteGroups(const Select& select, Scope& scope, SelectParts& p
         ExpressionWriter writer(m_context, m_catalog, scope, AggregateRule::InGroupBy);
         std::vector<QString> groups;
         for (const auto& group : select.groupBy) {
-            // A number is a constant here, while SQLite would take it for a position.
-            const bool constant = group->kind == NodeKind::Literal;
             const Written value = writer.Value(*group);
-            groups.push_back(constant ? u'(' + value.text + u" || '')"_s : ExpressionWriter::Folded(value));
+            groups.push_back(IsConstant(*group) ? NoPosition(value) : ExpressionWriter::Folded(value));
         }
         parts.groupBy = Joined(groups);
         parts.groups = true;
@@ -319,6 +328,17 @@ void QueryWriter::WriteGroups(const Select& select, Scope& scope, SelectParts& p
     parts.aggregated = true;
 }
 
+bool QueryWriter::IsShown(const Node& node, const QString& text, const Select& select, const Scope& scope,
+                          const SelectParts& parts) const {
+    if (std::ranges::any_of(parts.columns,
+                            [&](const WrittenColumn& column) { return column.value.text == text; }))
+        return true;
+    const GroupingCheck check(select.groupBy, scope, m_context);
+    return std::ranges::any_of(select.items, [&](const SelectItem& item) {
+        return item.expression && check.Same(*item.expression, node);
+    });
+}
+
 void QueryWriter::WriteOrder(const Select& select, const std::vector<OrderItem>& orderBy, Scope& scope,
                              SelectParts& parts) {
     const bool grouped = parts.aggregated || parts.groups;
@@ -332,9 +352,12 @@ void QueryWriter::WriteOrder(const Select& select, const std::vector<OrderItem>&
             value = parts.columns[static_cast<std::size_t>(position - 1)].value;
         } else {
             value = writer.Value(*item.expression);
-            const bool shown = std::ranges::any_of(
-                parts.columns, [&](const WrittenColumn& column) { return column.value.text == value.text; });
-            if (select.distinct && !shown && m_context.UnknownNames().isEmpty())
+            if (IsConstant(*item.expression)) {
+                value.text = NoPosition(value);
+                value.precedence = PrimaryPrecedence;
+            }
+            if (select.distinct && m_context.UnknownNames().isEmpty() &&
+                !IsShown(*item.expression, value.text, select, scope, parts))
                 RaiseEngine(OrderByConflictsWithDistinct, m_context.Text(*item.expression).toString());
         }
         parts.orderBy.push_back(ExpressionWriter::Sorted(value) + (item.descending ? u" DESC"_s : QString()));

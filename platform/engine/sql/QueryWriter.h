@@ -64,7 +64,6 @@ struct SelectParts {
     bool groups = false;
     int top = 0;
     bool percent = false;
-    const ScopeSource* keyed = nullptr;
 
     /// Whether each row is that of one row of one table.
     bool IsPlain() const { return from.table && !distinct && !aggregated && !groups && top == 0; }
@@ -101,6 +100,9 @@ private:
     void WriteGroups(const Select& select, Scope& scope, SelectParts& parts);
     void WriteOrder(const Select& select, const std::vector<OrderItem>& orderBy, Scope& scope,
                     SelectParts& parts);
+    /// Whether an expression is one of the columns.
+    bool IsShown(const Node& node, const QString& text, const Select& select, const Scope& scope,
+                 const SelectParts& parts) const;
     void CheckGrouped(const Select& select, const std::vector<OrderItem>& orderBy, const Scope& scope);
     void KeepDistinctRows(const Select& select, const Scope& scope, const std::vector<bool>& used,
                           SelectParts& parts) const;

@@ -83,6 +83,12 @@ std::optional<DataType> TypeOfWord(QStringView word) {
     return found->type;
 }
 
+bool IsValidName(QStringView name) {
+    constexpr qsizetype longestName = 64;
+    const auto forbidden = [](QChar c) { return QStringView(u".![]`").contains(c) || c.unicode() < u' '; };
+    return name.size() <= longestName && !name.startsWith(u' ') && std::ranges::none_of(name, forbidden);
+}
+
 bool SameName(QStringView a, QStringView b) {
     return a.size() == b.size() && a.compare(b, Qt::CaseInsensitive) == 0;
 }

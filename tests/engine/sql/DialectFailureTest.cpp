@@ -193,6 +193,8 @@ TEST_F(DialectFailureTest, Types) {
         {u"SELECT a01clid \\ 0 FROM a01", u"#11 "},
         {u"SELECT 1 MOD 0", u"#11 "},
         {u"SELECT SQR(-1)", u"#5 "},
+        {u"SELECT 9E300 * 9E300", u"#6 "},
+        {u"SELECT NOT 'x'", u"#3464 "},
         {u"SELECT CINT(70000)", u"#6 "},
         {u"SELECT CLNG('abc')", u"#13 "},
         {u"SELECT CSTR(NULL)", u"#94 "},

@@ -121,6 +121,8 @@ TEST_F(DialectTest, Order) {
         {u"SELECT TOP 20 PERCENT a02code FROM a02 ORDER BY a02code", u"1 / 1 / 1"},
         {u"SELECT COUNT(*) FROM (SELECT TOP 3 * FROM a01) AS q", u"3"},
         {u"SELECT COUNT(*) FROM (SELECT TOP 41 PERCENT * FROM a01) AS q", u"3"},
+        {u"SELECT TOP 1 a01clid FROM a01 ORDER BY a01clid * 0, TRUE, 'x', a01clid DESC", u"5"},
+        {u"SELECT DISTINCT TOP 2 a01last & '!' FROM a01 ORDER BY a01last & '!'", u"Ёлкин! / Иванов!"},
         {u"SELECT DISTINCT TOP 2 t03numb FROM t03 ORDER BY t03numb DESC", u"814 / 495"},
     };
     CheckOpen(cases);
@@ -197,6 +199,7 @@ TEST_F(DialectTest, Groups) {
         {u"SELECT STDEV(t03numb), VARP(a02code) FROM t03, a02 WHERE t03rcid = 1 AND a02rcid < 3", u"0|0,25"},
         {u"SELECT VAR(id), STDEVP(id) FROM [n 01] WHERE id < 3", u"0,5|0,5"},
         {u"SELECT VAR(id) FROM [n 01] WHERE id = 1", u"NULL"},
+        {u"SELECT COUNT(*) FROM a01 GROUP BY 'x', NULL, TRUE, 1, -1", u"5"}, // constants are no positions
         {u"SELECT FIRST(a01last), LAST(a01last) FROM a01", u"Иванов|иванов"},
         {u"SELECT SUM(a01clid = 1), SUM(dbl) FROM a01, [n 01] WHERE a01clid = id", u"-1|1,5"},
         {u"SELECT DISTINCT a01last FROM a01 WHERE a01last = 'иванов'", u"Иванов"},
@@ -237,6 +240,10 @@ TEST_F(DialectTest, UnionsAndSubqueries) {
          u"1|2 / 2|2 / 3|0 / 4|1 / 5|0"},
         {u"SELECT a01clid FROM a01 WHERE a01clid = (SELECT MAX(a02clid) FROM a02)", u"4"},
         {u"SELECT (SELECT a01last FROM a01 WHERE a01clid = 99)", u"NULL"},
+        {u"SELECT a01clid, (SELECT COUNT(a01clid) FROM t02) FROM a01 WHERE a01clid < 3 ORDER BY 1",
+         u"1|3 / 2|3"},
+        {u"SELECT ((SELECT MAX(a01clid) FROM a01) + 1), ((SELECT 1)), 1 IN ((SELECT 1), 2)", u"6|1|-1"},
+        {u"SELECT x, y FROM ((SELECT 1 AS x) AS q INNER JOIN (SELECT 1 AS y) AS r ON q.x = r.y)", u"1|1"},
         {u"SELECT a01clid FROM a01 WHERE a01clid > ALL (SELECT a02clid FROM a02)", u"5"},
         {u"SELECT a01clid FROM a01 WHERE a01clid >= ANY (SELECT a02clid FROM a02 WHERE a02clid > 1) ORDER BY "
          u"a01clid",

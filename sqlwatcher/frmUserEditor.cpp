@@ -53,7 +53,10 @@ void frmUserEditor::CreateControls(QWidget* surface) {
     txtSQLEditor = new QPlainTextEdit(surface);
     forms::NameField(txtSQLEditor, QStringLiteral("txtSQLEditor"), Label2);
     Label3->setBuddy(txtSQLEditor);
-    txtSQLEditor->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (surface->font().pointSizeF() > 0)
+        font.setPointSizeF(surface->font().pointSizeF());
+    txtSQLEditor->setFont(font);
     txtSQLEditor->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     txtSQLEditor->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     txtSQLEditor->setTabChangesFocus(true);

@@ -2,10 +2,10 @@
 
 #include "platform/engine/DBEngine.h"
 #include "platform/forms/Controls.h"
+#include "platform/forms/EventDelivery.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MarkStyle.h"
 #include "platform/forms/MsgBox.h"
-#include "platform/forms/NestedLoop.h"
 
 #include <QAbstractEventDispatcher>
 #include <QKeyEvent>
@@ -45,6 +45,13 @@ void Application::LoadToolkitTexts() {
 }
 
 bool Application::notify(QObject* receiver, QEvent* event) {
+    EventDelivery delivery;
+    const bool handled = Deliver(receiver, event);
+    delivery.Finish();
+    return handled;
+}
+
+bool Application::Deliver(QObject* receiver, QEvent* event) {
     try {
         if (event->type() == QEvent::KeyPress && receiver->isWidgetType()) {
             const std::shared_ptr<Form> form = Form::Of(static_cast<QWidget*>(receiver));
@@ -56,9 +63,7 @@ bool Application::notify(QObject* receiver, QEvent* event) {
         ShowEscapedFailure(failure);
         return true;
     } catch (...) {
-        if (!NestedLoop::IsRunning())
-            throw;
-        NestedLoop::CarryOut();
+        EventDelivery::Keep();
         return true;
     }
 }

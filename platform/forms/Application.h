@@ -25,6 +25,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    bool Deliver(QObject* receiver, QEvent* event);
     void LoadToolkitTexts();
     void CommitWhenIdle();
     void TellLater(const runtime::Failure& failure);

@@ -2,6 +2,7 @@
 
 #include "platform/forms/ChildSurface.h"
 #include "platform/forms/DialogWindow.h"
+#include "platform/forms/EventDelivery.h"
 #include "platform/forms/FormState.h"
 #include "platform/forms/MdiForm.h"
 #include "platform/forms/MsgBox.h"
@@ -321,6 +322,15 @@ void Form::Dispatch(const std::function<void()>& handler) {
         handler();
     } catch (const runtime::Failure& failure) {
         ShowEscapedFailure(failure);
+    }
+}
+
+void Form::DispatchSignal(const std::function<void()>& handler) {
+    try {
+        Dispatch(handler);
+    } catch (...) {
+        if (!EventDelivery::Keep())
+            throw;
     }
 }
 

@@ -143,7 +143,7 @@ protected:
                              const std::shared_ptr<Form> form = weak.lock();
                              if (!form || form->m_surface != surface)
                                  return;
-                             form->Dispatch([&] {
+                             form->DispatchSignal([&] {
                                  form->PrepareFor(sender);
                                  Hand(handler, std::forward<decltype(arguments)>(arguments)...);
                              });
@@ -201,6 +201,8 @@ private:
     void MakeVisible();
     void ShowModal();
     void TakeFirstFocus();
+    /// Dispatch for a handler that the toolkit calls: no exception goes on into its frames.
+    void DispatchSignal(const std::function<void()>& handler);
     void PrepareFor(const QObject* sender);
     QWidget* OuterWindow() const;
     void Resized();

@@ -27,8 +27,8 @@ bool NestedLoop::IsRunning() {
     return innermost != nullptr;
 }
 
-void NestedLoop::CarryOut() {
-    innermost->m_carried = std::current_exception();
+void NestedLoop::CarryOut(std::exception_ptr exception) {
+    innermost->m_carried = std::move(exception);
     innermost->m_stop();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/forms/EventDelivery.h"
+
 #include <exception>
 #include <functional>
 
@@ -21,10 +23,11 @@ public:
 
     /// Whether a handler's loop is running.
     static bool IsRunning();
-    /// Keeps the current exception for the innermost loop and stops it.
-    static void CarryOut();
+    /// Takes the exception out of the innermost loop and stops it.
+    static void CarryOut(std::exception_ptr exception);
 
 private:
+    EventDelivery::Pause m_pause;
     std::function<void()> m_stop;
     std::exception_ptr m_carried;
     NestedLoop* m_outer;

@@ -370,7 +370,7 @@ TEST_F(FormTest, EndOfTheProcessReachesTheOneWhoCalled) {
     const auto form = Make(QStringLiteral("a"));
     form->inFind = [] { runtime::End(); };
     form->Show();
-    EXPECT_THROW(form->cmdFind->click(), runtime::ProcessEnded);
+    EXPECT_THROW(QTest::keyClick(form->txtFirst, Qt::Key_Return), runtime::ProcessEnded);
     EXPECT_THROW(QTest::mouseClick(form->cmdFind, Qt::LeftButton), runtime::ProcessEnded);
     form->inActivate = [] { runtime::End(); };
     form->SetVisible(false);

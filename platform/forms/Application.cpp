@@ -24,6 +24,7 @@ Application::Application(int& argc, char** argv)
         setStyle(new MarkStyle(name));
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             &Application::CommitWhenIdle);
+    connect(this, &QCoreApplication::aboutToQuit, this, &Application::CommitAtEnd);
 }
 
 Application::~Application() {
@@ -81,6 +82,15 @@ void Application::CommitWhenIdle() {
         engine::DBEngine::Idle();
     } catch (const runtime::Failure& failure) {
         TellLater(failure);
+    }
+}
+
+void Application::CommitAtEnd() {
+    // What the last handlers wrote: behind this nobody could be told.
+    try {
+        engine::DBEngine::Commit();
+    } catch (const runtime::Failure& failure) {
+        ShowEscapedFailure(failure);
     }
 }
 

@@ -28,6 +28,7 @@ private:
     bool Deliver(QObject* receiver, QEvent* event);
     void LoadToolkitTexts();
     void CommitWhenIdle();
+    void CommitAtEnd();
     void TellLater(const runtime::Failure& failure);
 
     bool m_telling = false;

@@ -92,10 +92,12 @@ std::vector<std::shared_ptr<Form>> Form::Loaded() {
 }
 
 std::shared_ptr<Form> Form::Of(const QWidget* widget) {
-    for (; widget; widget = widget->parentWidget())
+    while (widget) {
         for (const std::shared_ptr<Form>& form : LoadedForms())
             if (form->m_surface == widget)
                 return form;
+        widget = widget->isWindow() ? nullptr : widget->parentWidget(); // a box over a form is no part of it
+    }
     return nullptr;
 }
 
@@ -234,23 +236,28 @@ void Form::Discard() {
 
 // --- Properties
 
+// Each loads the form first; a load that unloads it again leaves the design value.
+
 QString Form::Tag() {
     Load();
-    return m->tag;
+    return IsLoaded() ? m->tag : m_design.tag;
 }
 
 void Form::SetTag(const QString& tag) {
     Load();
-    m->tag = tag;
+    if (IsLoaded())
+        m->tag = tag;
 }
 
 QString Form::Caption() {
     Load();
-    return m_surface->windowTitle();
+    return IsLoaded() ? m_surface->windowTitle() : m_design.caption;
 }
 
 void Form::SetCaption(const QString& caption) {
     Load();
+    if (!IsLoaded())
+        return;
     m_surface->setWindowTitle(caption);
     if (m->frame)
         m->frame->setWindowTitle(caption);
@@ -262,7 +269,7 @@ QWidget* Form::OuterWindow() const {
 
 bool Form::Visible() {
     Load();
-    return !OuterWindow()->isHidden();
+    return IsLoaded() && !OuterWindow()->isHidden();
 }
 
 void Form::SetVisible(bool visible) {
@@ -297,6 +304,8 @@ int Form::Height() const {
 
 void Form::SetHeight(int twips) {
     Load();
+    if (!IsLoaded())
+        return;
     QWidget* window = OuterWindow();
     const int border = m->frame ? 0 : window->frameGeometry().height() - window->height();
     window->resize(window->width(), ToPixels(twips) - border);
@@ -308,6 +317,8 @@ bool Form::IsMinimised() const {
 
 void Form::SetBusy(bool busy) {
     Load();
+    if (!IsLoaded())
+        return;
     if (busy)
         m_surface->setCursor(Qt::WaitCursor);
     else

@@ -54,7 +54,10 @@ MdiForm::MdiForm(Design design)
     : Form(std::move(design)) {
 }
 
-MdiForm::~MdiForm() = default;
+MdiForm::~MdiForm() {
+    if (current == this)
+        current = nullptr;
+}
 
 MdiForm* MdiForm::Current() {
     return current && current->IsLoaded() ? current : nullptr;

@@ -188,6 +188,10 @@ TEST_F(FormTest, FormMayUnloadItselfInAnyHandler) {
         {"unload", [&](SampleForm* form) { form->inUnload = unloadSelf(form); },
          [](SampleForm* form) { form->Unload(); }},
     };
+    const auto brief = Make(QStringLiteral("brief"));
+    brief->inLoad = unloadSelf(brief.get());
+    EXPECT_EQ(brief->Tag(), QStringLiteral("0")) << "its properties are then those of the design";
+    EXPECT_FALSE(brief->Visible());
     for (const Kind kind : {Kind::Child, Kind::Dialog}) {
         for (const Case& c : cases) {
             auto form = Make(QStringLiteral("a"), kind);

@@ -128,6 +128,7 @@ void frmUserEditor::FillRows(engine::Recordset& rows) {
     gridSQLEditor->SetRows(static_cast<int>(rows.RecordCount()) + 1);
 
     std::vector<engine::Field> fields;
+    fields.reserve(static_cast<std::size_t>(rows.FieldsCount()));
     for (int column = 0; column < rows.FieldsCount(); ++column)
         fields.push_back(rows.Fields(column));
     for (int row = 1; !rows.EndOfFile(); ++row) {

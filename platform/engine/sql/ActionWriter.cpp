@@ -212,8 +212,10 @@ ActionWriter::Target ActionWriter::UpdateTarget(const Update& update, const Scop
             RaiseEngine(NotUpdatable);
         target = {source.table, &source};
     }
-    if (!target.table)
+    if (!target.table) {
         m_context.RaiseMistakes();
+        RaiseEngine(NotUpdatable);
+    }
     return target;
 }
 

@@ -217,8 +217,11 @@ void Parser::ParseAlterAdd(SchemaChange& change) {
     TakeWord("COLUMN");
     change.kind = SchemaChange::AddColumn;
     change.column = ParseColumn(change.table, SyntaxInAlterTable);
-    if (!change.table.indexes.empty())
-        RaiseEngine(SyntaxInAlterTable); // a key joins by ADD CONSTRAINT
+    // The key of a table joins it by ADD CONSTRAINT.
+    if (std::ranges::any_of(change.table.indexes, &IndexInfo::primary))
+        RaiseEngine(SyntaxInAlterTable);
+    change.column.unique = change.column.unique || !change.table.indexes.empty();
+    change.table.indexes.clear();
 }
 
 void Parser::ParseDrop(SchemaChange& change) {

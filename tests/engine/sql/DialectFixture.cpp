@@ -7,21 +7,18 @@
 namespace {
 
 const char16_t* const statements[] = {
-    u"CREATE TABLE a01 (a01clid INTEGER NOT NULL PRIMARY KEY, a01last TEXT(50), a01frst TEXT(50), a01midl "
-    u"TEXT(50), "
-    u"a01memo TEXT(100), a01bith TEXT(20))",
-    u"CREATE TABLE a02 (a02rcid COUNTER NOT NULL PRIMARY KEY, a02clid INTEGER NOT NULL, a02code SHORT NOT "
-    u"NULL, "
-    u"a02cval TEXT(50) NOT NULL)",
-    u"CREATE TABLE t01 (t01ctid COUNTER NOT NULL PRIMARY KEY, t01type BYTE NOT NULL, t01code SHORT NOT NULL, "
-    u"t01cval TEXT(50) NOT NULL UNIQUE)",
+    (u"CREATE TABLE a01 (a01clid INTEGER NOT NULL PRIMARY KEY, a01last TEXT(50), a01frst TEXT(50), a01midl "
+     u"TEXT(50), a01memo TEXT(100), a01bith TEXT(20))"),
+    (u"CREATE TABLE a02 (a02rcid COUNTER NOT NULL PRIMARY KEY, a02clid INTEGER NOT NULL, a02code SHORT NOT "
+     u"NULL, a02cval TEXT(50) NOT NULL)"),
+    (u"CREATE TABLE t01 (t01ctid COUNTER NOT NULL PRIMARY KEY, t01type BYTE NOT NULL, t01code SHORT NOT "
+     u"NULL, t01cval TEXT(50) NOT NULL UNIQUE)"),
     u"CREATE TABLE t02 (t02rcid COUNTER NOT NULL PRIMARY KEY, t02cval TEXT(50) NOT NULL UNIQUE)",
-    u"CREATE TABLE t03 (t03rcid COUNTER NOT NULL PRIMARY KEY, t03code INTEGER NOT NULL, t03cval TEXT(50) NOT "
-    u"NULL, "
-    u"t03numb INTEGER NOT NULL)",
+    (u"CREATE TABLE t03 (t03rcid COUNTER NOT NULL PRIMARY KEY, t03code INTEGER NOT NULL, t03cval TEXT(50) "
+     u"NOT NULL, t03numb INTEGER NOT NULL)"),
     u"CREATE TABLE v00 (v00vrid BYTE NOT NULL PRIMARY KEY)",
-    u"CREATE TABLE [n 01] (id LONG CONSTRAINT pk PRIMARY KEY, dbl DOUBLE, day DATETIME, bit YESNO, txt "
-    u"TEXT(10))",
+    (u"CREATE TABLE [n 01] (id LONG CONSTRAINT pk PRIMARY KEY, dbl DOUBLE, day DATETIME, bit YESNO, txt "
+     u"TEXT(10))"),
     u"INSERT INTO a01 VALUES (1, 'Иванов', 'Иван', 'Иванович', 'друг', '05.12.1980')",
     u"INSERT INTO a01 VALUES (2, 'Петров', 'Пётр', 'Петрович', NULL, '31.01.1975')",
     u"INSERT INTO a01 VALUES (3, 'Сидорова', 'Анна', NULL, '', NULL)",

@@ -11,6 +11,9 @@
 #include <QRadioButton>
 #include <QTest>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace {
 
 const QString AllCards = QStringLiteral("SELECT * FROM a01 ORDER BY a01last, a01frst, a01midl");
@@ -267,6 +270,47 @@ TEST_F(ExportTest, FailuresEndInTheBox) {
     EXPECT_EQ(Cards(), cards);
     EXPECT_EQ(test::Integrity(bookPath), QStringLiteral("ok"));
     EXPECT_TRUE(QFileInfo(link).isSymLink());
+}
+
+/// No file of this process may grow beyond so many bytes: what a full disk looks like.
+class SizeLimit {
+public:
+    explicit SizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~SizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    SizeLimit(const SizeLimit&) = delete;
+    SizeLimit& operator=(const SizeLimit&) = delete;
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+TEST_F(ExportTest, AFullDisk) {
+    AddManyCards(20000);
+    const QByteArray whole = Export(AllCards, Ok, 20000);
+    for (const qsizetype bytes : {qsizetype{0}, qsizetype{1}, qsizetype{512}, whole.size() - 1}) {
+        SCOPED_TRACE(bytes);
+        test::Answers answers;
+        answers.File(path)
+            .Modal("frmSelectDelimiter", Ok)
+            .Box("frmRecords функция ExtractToCSV:\r\nпроизошла ошибка №61 Диск переполнен",
+                 forms::Icon::Critical);
+        {
+            const SizeLimit full(static_cast<rlim_t>(bytes));
+            exchange::ExtractToCSV(*list, AllCards);
+        }
+        const QByteArray part = test::ReadBytes(path);
+        EXPECT_LE(part.size(), bytes);
+        EXPECT_TRUE(whole.startsWith(part)) << "what has been written stays";
+        ASSERT_TRUE(QFile::remove(path));
+    }
 }
 
 /// The signed 16-bit counters.

@@ -484,6 +484,11 @@ template <class Work>
 void Connection::ChangeSchema(const QString& table, Work work) {
     if (m_readOnly)
         RaiseEngine(ReadOnly);
+    const auto reads = [&](const RecordsetImpl* set) {
+        return functions::CompareFolded(set->Table(), table) == 0;
+    };
+    if (std::ranges::any_of(m_sets, reads))
+        RaiseEngine(TableInUse, table);
     if (m_commits->BeforeWrite(Doing::Define, table))
         NoticeOthers(true);
     m_commits->CheckAlive();

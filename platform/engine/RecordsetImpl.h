@@ -16,6 +16,8 @@ public:
     RecordsetImpl(const RecordsetImpl&) = delete;
     RecordsetImpl& operator=(const RecordsetImpl&) = delete;
 
+    /// The table whose rows it shows; empty for a join and for a fixed copy.
+    const QString& Table() const { return m_bound.cached->plan.rowTable; }
     RowBuffer& Rows() { return m_rows; }
     /// All rows are there: stands on the first one.
     void Start();

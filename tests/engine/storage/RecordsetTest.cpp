@@ -145,6 +145,18 @@ TEST_F(Rowset, ShowsChangedRowsAtTheNextMove) {
     EXPECT_EQ(set.Fields(u"a01last").Text(), QStringLiteral("Чужой"));
 }
 
+TEST_F(Rowset, HoldsItsTableAgainstDefinitions) {
+    auto set = Cards();
+    for (const char* sql :
+         {"ALTER TABLE A01 ADD COLUMN x SHORT", "DROP TABLE a01", "CREATE INDEX i ON a01 (a01last)"})
+        EXPECT_EQ(FailureOfRun(QString::fromUtf8(sql)), 3211) << sql;
+    auto field = database->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01last"));
+    EXPECT_EQ(FailureOf([&] { field.SetAllowZeroLength(true); }), 3211);
+    EXPECT_EQ(FailureOfRun(QStringLiteral("ALTER TABLE a02 ADD COLUMN x SHORT")), 0);
+    set.Close();
+    EXPECT_EQ(FailureOfRun(QStringLiteral("ALTER TABLE a01 ADD COLUMN x SHORT")), 0);
+}
+
 // Cells of every kind and length come back as they went in.
 TEST_F(Rowset, KeepsEveryValue) {
     Run(QStringLiteral("CREATE TABLE v (i INTEGER, d DOUBLE, m LONGTEXT)"));

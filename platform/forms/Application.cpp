@@ -15,8 +15,27 @@
 
 namespace forms {
 
+namespace {
+
+/// The file dialog writes dates and sizes by the system's locale, which is read from the environment at its
+/// first use: here, and Russian. The environment itself stays as the user set it.
+int& WithRussianLocale(int& argc) {
+    constexpr auto Variable = "LC_ALL";
+    const bool wasSet = qEnvironmentVariableIsSet(Variable);
+    const QByteArray before = qgetenv(Variable);
+    qputenv(Variable, "ru_RU.UTF-8");
+    const QString used = QLocale::system().monthName(1);
+    if (wasSet)
+        qputenv(Variable, before);
+    else
+        qunsetenv(Variable);
+    return argc;
+}
+
+} // namespace
+
 Application::Application(int& argc, char** argv)
-    : QApplication(argc, argv) {
+    : QApplication(WithRussianLocale(argc), argv) {
     setApplicationName(QStringView(AppTitle).toString());
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();

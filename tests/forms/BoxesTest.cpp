@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -138,6 +139,13 @@ TEST_F(CommonDialogTest, SaveAddsTheExtensionAndNeverAsks) {
         dialog.ShowSave(nullptr);
         EXPECT_EQ(dialog.FileName, Native(QString::fromLatin1(c.result))) << c.typed;
     }
+}
+
+TEST_F(CommonDialogTest, ListsFilesInRussian) {
+    EXPECT_EQ(QLocale::system().toString(QDate(2006, 12, 5), QStringLiteral("MMMM")),
+              QStringLiteral("декабря"))
+        << "by this the dialog writes its dates, whatever the language of the system";
+    EXPECT_NE(qgetenv("LC_ALL"), QByteArray("ru_RU.UTF-8"));
 }
 
 TEST_F(CommonDialogTest, CancelLeavesTheNameEmpty) {

@@ -14,18 +14,6 @@ namespace {
 
 constexpr int maxSearches = 50;
 
-// A text left open and the like are found before anybody knows that the text is a criterion.
-sql::Scanned ScanCriteria(const QString& criteria) {
-    try {
-        return sql::Scan(criteria);
-    } catch (const runtime::Failure& failure) {
-        const qsizetype place = failure.description().indexOf(QStringLiteral(" в выражении запроса"));
-        if (failure.number() != SyntaxInExpression || place < 0)
-            throw;
-        RaiseEngine(SyntaxInCriteria, failure.description().left(place));
-    }
-}
-
 bool SameNumber(const RowBuffer::Cell& cell, const Value& literal) {
     if (const auto* number = literal.As<std::int64_t>())
         return cell.kind == RowBuffer::Cell::Integer ? cell.integer == *number
@@ -82,7 +70,7 @@ std::shared_ptr<Finder::Search> Finder::SearchFor(const sql::Scanned& scanned) {
 }
 
 std::optional<std::size_t> Finder::First(const QString& criteria) {
-    const sql::Scanned scanned = ScanCriteria(criteria);
+    const sql::Scanned scanned = sql::Scan(criteria);
     const auto search = SearchFor(scanned);
     Keys keys;
     KeyHash hash;

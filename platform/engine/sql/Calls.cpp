@@ -84,15 +84,14 @@ bool ExpressionWriter::IsAggregate(const QString& name) {
 }
 
 void ExpressionWriter::FailArguments(const Node& node) const {
-    RaiseEngine(SyntaxInExpression, u"Функция использована с неверным числом аргументов"_s,
-                m_context.Text(node).toString());
+    m_context.RaiseSyntax(node, u"Функция использована с неверным числом аргументов"_s);
 }
 
 Written ExpressionWriter::WriteCall(const Node& node) {
     if (auto aggregate = WriteAggregate(node))
         return *aggregate;
     if (node.all)
-        RaiseEngine(SyntaxInExpression, u"Ошибка синтаксиса"_s, m_context.Text(node).toString());
+        m_context.RaiseSyntax(node, u"Ошибка синтаксиса"_s);
     if (auto choice = WriteChoice(node))
         return *choice;
     return WriteFunction(node);

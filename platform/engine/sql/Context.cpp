@@ -38,6 +38,12 @@ QString InlineText(const Token& token) {
 
 } // namespace
 
+void Context::RaiseSyntax(const Node& node, const QString& reason) const {
+    if (criteria)
+        RaiseEngine(SyntaxInCriteria, reason);
+    RaiseEngine(SyntaxInExpression, reason, Text(node).toString());
+}
+
 Written Context::WriteLiteral(const Node& literal) {
     Written written;
     written.nullable = false;

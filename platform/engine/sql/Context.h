@@ -39,8 +39,13 @@ public:
     /// A name for a source, unlike any other in the statement.
     QString NewAlias() { return u'q' + QString::number(++m_aliases); }
 
+    /// Failure 3075 with the text of the expression, 3077 in the criteria of a search.
+    [[noreturn]] void RaiseSyntax(const Node& node, const QString& reason) const;
+
     /// In the form of an action statement that leaves failing rows out, conversions do not fail.
     bool lenient = false;
+    /// The text is the criteria of a search, not a statement.
+    bool criteria = false;
 
 private:
     QString ParameterOf(const Node& literal, const std::optional<ColumnInfo>& column, const QString& table);

@@ -67,6 +67,7 @@ CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultC
     Scope scope(nullptr);
     scope.Sources().push_back(ResultSource(columns));
     Context context(scanned, static_cast<int>(columns.size()));
+    context.criteria = true;
     ExpressionWriter writer(context, nullptr, scope, AggregateRule::InExpression);
     const Written condition = writer.Condition(*criteria);
     if (!context.UnknownNames().isEmpty())

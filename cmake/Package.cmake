@@ -10,7 +10,7 @@ if(UNIX AND NOT APPLE)
   set(made ${PROJECT_BINARY_DIR}/packaging)
   set(documents ${CMAKE_INSTALL_DATADIR}/doc/zavelik)
 
-  configure_file(${linux}/org.example.Zavelik.metainfo.xml.in ${made}/org.example.Zavelik.metainfo.xml @ONLY)
+  configure_file(${linux}/org.example.zavelik.metainfo.xml.in ${made}/org.example.zavelik.metainfo.xml @ONLY)
   configure_file(${linux}/changelog.in ${made}/changelog @ONLY)
 
   # Compressed without name and time, so that the same tree gives the same package.
@@ -26,7 +26,7 @@ if(UNIX AND NOT APPLE)
   install_compressed(${linux}/zavelik.ru.1 ${CMAKE_INSTALL_MANDIR}/ru/man1 zavelik.1)
 
   install(FILES ${linux}/zavelik.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
-  install(FILES ${made}/org.example.Zavelik.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+  install(FILES ${made}/org.example.zavelik.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
   install(FILES ${linux}/zavelik-mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME zavelik.xml)
   install(FILES ${linux}/copyright DESTINATION ${documents})
   install(DIRECTORY docs/ru docs/images DESTINATION ${documents} FILES_MATCHING PATTERN "*.md" PATTERN "*.png")

@@ -257,7 +257,7 @@ void ExportPlain(benchmark::State& state) {
 
 /// A file of that many rows with three phones each.
 QString MakeCsv(const QString& folder, int rows) {
-    const QString path = folder + QStringLiteral("/in%1.csv").arg(rows);
+    QString path = folder + QStringLiteral("/in%1.csv").arg(rows);
     QString text =
         QStringLiteral("First Name,Last Name,Middle Name,Home Phone,Mobile Phone,Business Phone\r\n");
     for (int i = 1; i <= rows; ++i)

@@ -61,7 +61,6 @@ frmCalendar::frmCalendar()
 
 void frmCalendar::CreateControls(QWidget* surface) {
     mnvCalendar = forms::Named(new forms::MonthView(surface), QStringLiteral("mnvCalendar"));
-    mnvCalendar->setAccessibleName(QStringLiteral("Календарь"));
 
     QLabel* Label1 = forms::MakeLabel(
         QStringLiteral("Label1"),

@@ -1,12 +1,37 @@
 #include "shell/LinkLabel.h"
 
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 
+namespace {
+
+class LinkInterface final : public QAccessibleWidget {
+public:
+    explicit LinkInterface(LinkLabel* label)
+        : QAccessibleWidget(label, QAccessible::Link, label->text()) {}
+
+    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+    void doAction(const QString& action) override {
+        if (action == pressAction())
+            Q_EMIT static_cast<LinkLabel*>(object())->Click();
+        else
+            QAccessibleWidget::doAction(action);
+    }
+};
+
+QAccessibleInterface* MakeInterface(const QString& /*className*/, QObject* object) {
+    auto* label = qobject_cast<LinkLabel*>(object);
+    return label ? new LinkInterface(label) : nullptr;
+}
+
+} // namespace
+
 LinkLabel::LinkLabel(const QString& text, QWidget* parent)
     : QLabel(text, parent) {
+    QAccessible::installFactory(MakeInterface); // once, however often it is told
     setTextFormat(Qt::PlainText);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);

@@ -3,7 +3,7 @@
 #include <QLabel>
 
 /// A text that acts as a link: blue in every theme, with a hand for a pointer; a click, Enter or the space
-/// bar follows it.
+/// bar follows it. Assistive tools see a link that can be pressed.
 class LinkLabel : public QLabel {
     Q_OBJECT
 

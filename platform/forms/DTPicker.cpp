@@ -7,6 +7,8 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QSignalBlocker>
+#include <QStyle>
+#include <QStyleOptionComboBox>
 
 #include <algorithm>
 #include <array>
@@ -45,6 +47,7 @@ DTPicker::DTPicker(QWidget* parent)
     setDateRange(FirstControlDate(), LastControlDate());
     setCalendarPopup(true);
     setCalendarWidget(new MonthView);
+    calendarWidget()->focusProxy()->installEventFilter(this);
     lineEdit()->installEventFilter(this);
 }
 
@@ -66,7 +69,12 @@ void DTPicker::stepBy(int steps) {
 }
 
 bool DTPicker::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress)
+    if (watched != lineEdit()) {
+        // The field has followed the calendar from day to day.
+        if (event->type() == QEvent::KeyPress &&
+            static_cast<QKeyEvent*>(event)->matches(QKeySequence::Cancel))
+            setDate(m_dateBefore);
+    } else if (event->type() == QEvent::MouseButtonPress)
         Commit();
     else if (event->type() == QEvent::MouseButtonRelease && !lineEdit()->hasSelectedText())
         MoveTo(currentSectionIndex());
@@ -75,6 +83,7 @@ bool DTPicker::eventFilter(QObject* watched, QEvent* event) {
 
 void DTPicker::mousePressEvent(QMouseEvent* event) {
     Commit();
+    m_dateBefore = date();
     QDateEdit::mousePressEvent(event);
 }
 
@@ -94,7 +103,27 @@ void DTPicker::keyPressEvent(QKeyEvent* event) {
         return;
     }
     Commit();
-    QDateEdit::keyPressEvent(event);
+    const bool opens = (event->key() == Qt::Key_F4 && event->modifiers() == Qt::NoModifier) ||
+                       (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::AltModifier));
+    if (opens) {
+        event->accept();
+        OpenCalendar();
+    } else {
+        QDateEdit::keyPressEvent(event);
+    }
+}
+
+/// The toolkit opens it for the mouse alone.
+void DTPicker::OpenCalendar() {
+    QStyleOptionComboBox look;
+    look.initFrom(this);
+    look.editable = true;
+    look.subControls = QStyle::SC_All;
+    const QPointF arrow =
+        style()->subControlRect(QStyle::CC_ComboBox, &look, QStyle::SC_ComboBoxArrow, this).center();
+    QMouseEvent press(QEvent::MouseButtonPress, arrow, mapToGlobal(arrow), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    mousePressEvent(&press);
 }
 
 bool DTPicker::HandleTyping(const QKeyEvent& event) {

@@ -4,11 +4,12 @@
 #include "platform/runtime/Dates.h"
 
 #include <QCoreApplication>
-#include <QEvent>
+#include <QKeyEvent>
 #include <QLocale>
 #include <QPainter>
 #include <QPointer>
 #include <QScopedValueRollback>
+#include <QStyleOptionFocusRect>
 #include <QTextCharFormat>
 #include <QToolButton>
 
@@ -56,8 +57,10 @@ MonthView::MonthView(QWidget* parent)
 
     connect(this, &QCalendarWidget::currentPageChanged, this, &MonthView::FollowPage);
     connect(this, &QCalendarWidget::selectionChanged, this, &MonthView::FollowSelection);
+    connect(this, &QCalendarWidget::selectionChanged, this, &MonthView::NameValue);
     for (QWidget* part : findChildren<QWidget*>())
         part->installEventFilter(this);
+    NameValue();
 }
 
 void MonthView::SetValue(QDate date) {
@@ -81,6 +84,8 @@ bool MonthView::eventFilter(QObject* watched, QEvent* event) {
     if (QCalendarWidget::eventFilter(watched, event))
         return true;
     const auto* part = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::KeyPress && part && part == focusProxy())
+        return TurnYear(*static_cast<QKeyEvent*>(event));
     if (event->type() != QEvent::MouseButtonRelease || m_passingOn || !part || !isAncestorOf(part))
         return false;
 
@@ -103,6 +108,13 @@ void MonthView::changeEvent(QEvent* event) {
 
 void MonthView::paintCell(QPainter* painter, const QRect& rect, QDate date) const {
     QCalendarWidget::paintCell(painter, rect, date);
+    if (date == selectedDate() && hasFocus()) {
+        QStyleOptionFocusRect focus;
+        focus.initFrom(this);
+        focus.rect = rect.adjusted(1, 1, -1, -1);
+        focus.backgroundColor = palette().color(QPalette::Highlight);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, this);
+    }
     if (date != runtime::Today())
         return;
     painter->save();
@@ -130,6 +142,24 @@ void MonthView::FollowSelection() {
     if (!IsShown(Value()))
         setCurrentPage(Year(), Month());
     Q_EMIT SelChange();
+}
+
+bool MonthView::TurnYear(const QKeyEvent& key) {
+    const bool back = key.key() == Qt::Key_PageUp;
+    if (key.modifiers() != Qt::ControlModifier || (!back && key.key() != Qt::Key_PageDown))
+        return false;
+    const int year = Year() + (back ? -1 : 1);
+    if (year >= minimumDate().year() && year <= maximumDate().year())
+        setSelectedDate(SameDayIn(year, Month(), Day()));
+    return true;
+}
+
+void MonthView::NameValue() {
+    const QString name =
+        QStringLiteral("Календарь: ") + locale().toString(Value(), QStringLiteral("d MMMM yyyy, dddd"));
+    setAccessibleName(name);
+    if (QWidget* days = focusProxy()) // it has the keyboard
+        days->setAccessibleName(name);
 }
 
 void MonthView::ApplyColours() {

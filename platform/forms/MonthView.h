@@ -6,7 +6,8 @@ namespace forms {
 
 /// A calendar of one month with a selected day, its Value. The shown month is always the month of Value:
 /// turning the page takes the day along, to the same day of the new month or, if that has none, to its last
-/// one.
+/// one. By keyboard the arrows go by days and weeks, Home and End to the ends of the month, PgUp and PgDn by
+/// months, with Ctrl by years. Assistive tools read the day out with the name of the calendar.
 class MonthView : public QCalendarWidget {
     Q_OBJECT
 
@@ -42,6 +43,8 @@ private:
     bool IsShown(QDate date) const;
     void FollowPage();
     void FollowSelection();
+    bool TurnYear(const QKeyEvent& key);
+    void NameValue();
     void ApplyColours();
     QTextCharFormat BoldFormat() const;
 

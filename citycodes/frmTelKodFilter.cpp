@@ -39,8 +39,8 @@ void frmTelKodFilter::CreateControls(QWidget* surface) {
     layout->setAlignment(m_region->Box(), Qt::AlignTop);
     layout->addWidget(MakeButtonRow(surface), row, 0, 1, 2);
 
-    const QFontMetrics metrics = surface->fontMetrics();
-    m_region->Field()->setMinimumSize(metrics.averageCharWidth() * 44, metrics.height() * 10);
+    m_region->Field()->setMinimumWidth(surface->fontMetrics().averageCharWidth() * 44);
+    m_region->Field()->setFixedHeight(forms::HeightForRows(*Source().list, 10));
     m_city->Field()->setFocus(); // the usual first move is to type a name
 }
 

@@ -97,20 +97,13 @@ void frmInstall::CreateControls(QWidget* surface) {
         forms::MakeButton(QStringLiteral("cmdSelect"), QStringLiteral("Выбрать..."), surface);
     QPushButton* cmdCreate =
         forms::MakeButton(QStringLiteral("cmdCreate"), QStringLiteral("Создать"), surface);
-    const int width = std::max(cmdSelect->sizeHint().width(), cmdCreate->sizeHint().width());
-    cmdSelect->setMinimumWidth(width);
-    cmdCreate->setMinimumWidth(width);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(cmdSelect);
-    buttons->addWidget(cmdCreate);
     auto* layout = new QVBoxLayout(surface);
     layout->setContentsMargins(Margin, Margin, Margin, Margin);
     layout->setSpacing(Margin);
     layout->addWidget(welcome);
     layout->addWidget(txtDBPath);
-    layout->addLayout(buttons);
+    layout->addLayout(forms::ButtonRow({cmdSelect, cmdCreate}));
 
     QWidget::setTabOrder(txtDBPath, cmdSelect);
     QWidget::setTabOrder(cmdSelect, cmdCreate);

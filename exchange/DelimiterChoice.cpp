@@ -18,6 +18,7 @@ DelimiterChoice::DelimiterChoice(QWidget* parent)
     layout->addWidget(m_comma);
     layout->addWidget(m_semicolon);
     m_comma->setChecked(true);
+    forms::GroupOptions({m_comma, m_semicolon});
     setFocusProxy(m_comma);
 }
 

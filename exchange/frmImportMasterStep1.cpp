@@ -8,9 +8,7 @@
 #include "platform/runtime/Files.h"
 
 #include <QHBoxLayout>
-#include <QListWidget>
 #include <QSignalBlocker>
-#include <QTabWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -53,7 +51,7 @@ frmImportMasterStep1::frmImportMasterStep1()
 void frmImportMasterStep1::CreateControls(QWidget* surface) {
     auto* label1 = forms::MakeLabel(QStringLiteral("Label1"),
                                     QStringLiteral("Добро пожаловать в мастер импорта телефонных номеров."));
-    tabImport = forms::Named(new QTabWidget, QStringLiteral("tabImport"));
+    tabImport = forms::MakeTabs(QStringLiteral("tabImport"), surface);
     tabImport->addTab(MakeFilePage(), QStringLiteral("Шаг первый"));
     tabImport->addTab(MakeDelimiterPage(), QStringLiteral("Шаг второй"));
     tabImport->addTab(MakeParameterPage(), QStringLiteral("Шаг третий"));
@@ -64,6 +62,7 @@ void frmImportMasterStep1::CreateControls(QWidget* surface) {
     layout->addWidget(tabImport);
     layout->addLayout(MakeButtonRow());
 
+    txtFile->setFocus(); // the file comes first
     On(tabImport, &QTabWidget::currentChanged, [this] { tabImport_Click(); });
     On(lstParameter, &QListWidget::itemChanged,
        [this](QListWidgetItem* item) { lstParameter_ItemCheck(*item); });
@@ -110,8 +109,7 @@ QWidget* frmImportMasterStep1::MakeParameterPage() {
     auto* page = new QWidget;
     auto* label4 = forms::MakeLabel(
         QStringLiteral("Label4"), QStringLiteral("Выберите те параметры, которые Вы хотете импортировать:"));
-    lstParameter = new QListWidget;
-    forms::NameField(lstParameter, QStringLiteral("lstParameter"), label4);
+    lstParameter = forms::MakeTickList(QStringLiteral("lstParameter"), label4);
 
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(label4);

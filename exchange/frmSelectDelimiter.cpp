@@ -5,7 +5,6 @@
 #include "platform/forms/MsgBox.h"
 
 #include <QHBoxLayout>
-#include <QListWidget>
 #include <QVBoxLayout>
 
 frmSelectDelimiter::frmSelectDelimiter()
@@ -23,8 +22,7 @@ void frmSelectDelimiter::CreateControls(QWidget* surface) {
                                     QStringLiteral("Выберите параметры, которые Вы хотите экспортировать:"));
     optDelimiter = new exchange::DelimiterChoice;
     label1->setBuddy(optDelimiter->First());
-    lstParameter = new QListWidget;
-    forms::NameField(lstParameter, QStringLiteral("lstParameter"), label2);
+    lstParameter = forms::MakeTickList(QStringLiteral("lstParameter"), label2);
     auto* cmdOk = forms::MakeButton(QStringLiteral("cmdOk"), QStringLiteral("OK"));
     auto* cmdCancel = forms::MakeButton(QStringLiteral("cmdCancel"), QStringLiteral("Отмена"));
 
@@ -49,9 +47,7 @@ void frmSelectDelimiter::Form_Load() {
                             QStringLiteral("Заметка")});
     for (int item = 0; item < lstParameter->count(); ++item)
         lstParameter->item(item)->setCheckState(Qt::Checked);
-    // All of them in sight.
-    lstParameter->setMinimumHeight(lstParameter->sizeHintForRow(0) * lstParameter->count() +
-                                   2 * lstParameter->frameWidth());
+    lstParameter->setFixedHeight(forms::HeightForRows(*lstParameter, lstParameter->count()));
 }
 
 QChar frmSelectDelimiter::Delimiter() const {

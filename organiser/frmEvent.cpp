@@ -62,6 +62,7 @@ void frmEvent::CreateControls(QWidget* surface) {
     optEventPeriod[1] = forms::Named(new QRadioButton(QStringLiteral("Повторять раз в год"), Frame1),
                                      QStringLiteral("optEventPeriod_1"));
     optEventPeriod[1]->setChecked(true);
+    forms::GroupOptions({optEventPeriod[0], optEventPeriod[1]});
     auto* periods = new QVBoxLayout(Frame1);
     periods->addWidget(optEventPeriod[0]);
     periods->addWidget(optEventPeriod[1]);
@@ -70,13 +71,6 @@ void frmEvent::CreateControls(QWidget* surface) {
         forms::MakeButton(QStringLiteral("cmdSaveEvent"), QStringLiteral("Сохранить"), surface);
     QPushButton* cmdCancelEvent =
         forms::MakeButton(QStringLiteral("cmdCancelEvent"), QStringLiteral("Отменить"), surface);
-    const int buttonWidth = std::max(cmdSaveEvent->sizeHint().width(), cmdCancelEvent->sizeHint().width());
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    for (QPushButton* button : {cmdSaveEvent, cmdCancelEvent}) {
-        button->setMinimumWidth(buttonWidth);
-        buttons->addWidget(button);
-    }
 
     auto* layout = new QGridLayout(surface);
     layout->addWidget(Label1, 0, 0);
@@ -84,7 +78,7 @@ void frmEvent::CreateControls(QWidget* surface) {
     layout->addWidget(Label2, 1, 0);
     layout->addWidget(txtEventName, 1, 1);
     layout->addWidget(Frame1, 2, 0, 1, 2);
-    layout->addLayout(buttons, 3, 0, 1, 2);
+    layout->addLayout(forms::ButtonRow({cmdSaveEvent, cmdCancelEvent}), 3, 0, 1, 2);
 
     SetDefaultButton(cmdSaveEvent);
     SetCancelButton(cmdCancelEvent);

@@ -97,7 +97,7 @@ void frmEditRecords::LockForView() {
     cmdDelete->setEnabled(false);
     cmdSave->setEnabled(false);
     for (QLineEdit* field : {txtLastName, txtFirstName, txtMiddleName, txtTelefonNumber, txtRemark, txtBith})
-        field->setReadOnly(true);
+        forms::Lock(field);
     txtBith->setPlaceholderText({});
 }
 
@@ -144,7 +144,7 @@ QBoxLayout* frmEditRecords::MakeTelefonRow(QWidget* parent) {
     auto* typeLabel = forms::MakeLabel(QStringLiteral("lblTelefonType"), QStringLiteral("Телефон:"), parent);
     lstTelefonType = new forms::ListBox(parent);
     forms::NameField(lstTelefonType, QStringLiteral("lstTelefonType"), typeLabel);
-    lstTelefonType->setFixedHeight(parent->fontMetrics().height() * 7);
+    lstTelefonType->setFixedHeight(forms::HeightForRows(*lstTelefonType, 6));
 
     auto* numberLabel =
         forms::MakeLabel(QStringLiteral("lblTelefonNumber"), QStringLiteral("Номер телефона:"), parent);

@@ -4,7 +4,6 @@
 #include "shell/Declaration.h"
 
 #include <QGridLayout>
-#include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace {
@@ -34,7 +33,7 @@ frmRecordsFilter::frmRecordsFilter()
 }
 
 void frmRecordsFilter::CreateControls(QWidget* surface) {
-    auto* SSTab1 = forms::Named(new QTabWidget(surface), QStringLiteral("SSTab1"));
+    auto* SSTab1 = forms::MakeTabs(QStringLiteral("SSTab1"), surface);
     SSTab1->addTab(MakeRecordPage(SSTab1), QStringLiteral("Параметры записи"));
     SSTab1->addTab(MakeTelefonPage(SSTab1), QStringLiteral("Парам. тел. номеров"));
 

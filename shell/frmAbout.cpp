@@ -33,7 +33,7 @@ QLineEdit* frmAbout::AddRow(QGridLayout* grid, const QString& labelName, const Q
                             const QString& fieldName) {
     QLabel* label = forms::MakeLabel(labelName, caption);
     QLineEdit* field = forms::MakeTextBox(fieldName);
-    field->setReadOnly(true);
+    forms::Lock(field);
     forms::NameField(field, fieldName, label);
     const int row = grid->rowCount();
     grid->addWidget(label, row, 0);
@@ -44,6 +44,7 @@ QLineEdit* frmAbout::AddRow(QGridLayout* grid, const QString& labelName, const Q
 void frmAbout::CreateControls(QWidget* surface) {
     constexpr int Margin = 12;
     constexpr int CharactersInField = 42;
+    SetKeyPreview(true);
 
     QLabel* author =
         forms::MakeLabel(QStringLiteral("Label1"), QStringLiteral("Norvane 58, автор Orlenta+"), surface);
@@ -82,6 +83,7 @@ void frmAbout::CreateControls(QWidget* surface) {
     layout->addLayout(fields);
     layout->addWidget(invitation);
     layout->addWidget(lblMailTo, 0, Qt::AlignLeft);
+    QWidget::setTabOrder(txtCompileDate, lblMailTo);
     On(lblMailTo, &LinkLabel::Click, [this] { lblMailTo_Click(); });
 }
 
@@ -108,6 +110,13 @@ void frmAbout::Form_Load() {
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmAbout функция Form_Load:"), failure);
     }
+}
+
+bool frmAbout::Form_KeyDown(int key, Qt::KeyboardModifiers modifiers) {
+    if (key != Qt::Key_Escape || modifiers != Qt::NoModifier)
+        return false;
+    Unload();
+    return true;
 }
 
 void frmAbout::lblMailTo_Click() {

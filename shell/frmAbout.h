@@ -16,6 +16,8 @@ public:
 protected:
     void CreateControls(QWidget* surface) override;
     void Form_Load() override;
+    /// Esc closes the window, which has no button for it.
+    bool Form_KeyDown(int key, Qt::KeyboardModifiers modifiers) override;
 
 private:
     /// A label and its read-only text box as the next row of the grid.

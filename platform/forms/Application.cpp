@@ -4,8 +4,8 @@
 #include "platform/forms/Controls.h"
 #include "platform/forms/EventDelivery.h"
 #include "platform/forms/Form.h"
-#include "platform/forms/MarkStyle.h"
 #include "platform/forms/MsgBox.h"
+#include "platform/forms/ProgramStyle.h"
 
 #include <QAbstractEventDispatcher>
 #include <QKeyEvent>
@@ -32,6 +32,31 @@ int& WithRussianLocale(int& argc) {
     return argc;
 }
 
+/// What the toolkit's own Russian texts lack.
+class MissingTexts final : public QTranslator {
+public:
+    using QTranslator::QTranslator;
+
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char* /*remark*/,
+                      int /*number*/) const override {
+        if (QLatin1String(context) != u"QAbstractFileIconProvider")
+            return {};
+        const struct {
+            const char* source;
+            QString text;
+        } texts[] = {
+            {"Folder", QStringLiteral("Папка")},
+            {"Drive", QStringLiteral("Диск")},
+            {"Unknown", QStringLiteral("Неизвестный")},
+        };
+        for (const auto& known : texts)
+            if (QLatin1String(known.source) == QLatin1String(source))
+                return known.text;
+        return {};
+    }
+};
+
 } // namespace
 
 Application::Application(int& argc, char** argv)
@@ -40,7 +65,7 @@ Application::Application(int& argc, char** argv)
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();
     if (const QString name = style()->name(); name == u"fusion")
-        setStyle(new MarkStyle(name));
+        setStyle(new ProgramStyle(name));
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             &Application::CommitWhenIdle);
     connect(this, &QCoreApplication::aboutToQuit, this, &Application::CommitAtEnd);
@@ -52,6 +77,7 @@ Application::~Application() {
 }
 
 void Application::LoadToolkitTexts() {
+    installTranslator(new MissingTexts(this));
     auto* texts = new QTranslator(this);
     const QString program = applicationDirPath();
     for (const QString& folder :

@@ -1,8 +1,11 @@
 #include "platform/forms/Controls.h"
 
+#include "platform/forms/RowDelegate.h"
+
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QPalette>
+#include <QShortcut>
 
 #include <algorithm>
 
@@ -51,6 +54,48 @@ QLineEdit* MakeTextBox(const QString& name, int maxLength, QWidget* parent) {
     if (maxLength > 0)
         box->setMaxLength(maxLength);
     return box;
+}
+
+QListWidget* MakeTickList(const QString& name, QLabel* label) {
+    auto* list = new QListWidget;
+    list->setItemDelegate(new RowDelegate(list));
+    NameField(list, name, label);
+    return list;
+}
+
+int HeightForRows(const QListWidget& list, int rows) {
+    return rows * (list.fontMetrics().height() + RowDelegate::Padding) + 2 * list.frameWidth();
+}
+
+QTabWidget* MakeTabs(const QString& name, QWidget* window) {
+    auto* tabs = Named(new QTabWidget(window), name);
+    const auto turnOn = [window, tabs](Qt::Key key, int pages) {
+        auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | key), window);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        QObject::connect(shortcut, &QShortcut::activated, tabs, [tabs, pages] {
+            const int page = tabs->currentIndex() + pages;
+            if (page >= 0 && page < tabs->count())
+                tabs->setCurrentIndex(page);
+        });
+    };
+    turnOn(Qt::Key_PageUp, -1);
+    turnOn(Qt::Key_PageDown, 1);
+    return tabs;
+}
+
+void GroupOptions(const QList<QRadioButton*>& options) {
+    for (QRadioButton* option : options) {
+        const auto follow = [option](bool chosen) {
+            option->setFocusPolicy(chosen ? Qt::StrongFocus : Qt::ClickFocus);
+        };
+        follow(option->isChecked());
+        QObject::connect(option, &QRadioButton::toggled, option, follow);
+    }
+}
+
+void Lock(QLineEdit* field) {
+    field->setReadOnly(true);
+    PaintField(field, false);
 }
 
 void PaintField(QWidget* field, bool white) {

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 
 class QHBoxLayout;
 
@@ -28,6 +29,19 @@ QPushButton* MakeButton(const QString& name, const QString& caption, QWidget* pa
 QHBoxLayout* ButtonRow(const QList<QPushButton*>& buttons);
 /// A one-line text box; maxLength 0 sets no limit.
 QLineEdit* MakeTextBox(const QString& name, int maxLength = 0, QWidget* parent = nullptr);
+
+/// A list of texts with ticks.
+QListWidget* MakeTickList(const QString& name, QLabel* label);
+/// Height of a list that shows so many rows whole.
+int HeightForRows(const QListWidget& list, int rows);
+/// Pages that the arrow keys turn on their tabs, and Ctrl+PgUp and Ctrl+PgDn anywhere in the window.
+QTabWidget* MakeTabs(const QString& name, QWidget* window);
+
+/// Option buttons of one group: Tab goes to the chosen one, the arrow keys choose.
+void GroupOptions(const QList<QRadioButton*>& options);
+
+/// Shown only: it takes no typing, and looks it.
+void Lock(QLineEdit* field);
 
 /// White with dark text (a criterion that counts, in any theme), or the form's background and text.
 void PaintField(QWidget* field, bool white);

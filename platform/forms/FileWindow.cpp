@@ -5,8 +5,33 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QFileSystemModel>
+#include <QHeaderView>
+#include <QStyledItemDelegate>
+#include <QTreeView>
 
 namespace forms {
+
+namespace {
+
+enum Column { NameColumn, SizeColumn, TypeColumn, DateColumn };
+
+/// Sizes in the units that people here know; the locale has no names for those of the toolkit.
+class SizeDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const auto* files = qobject_cast<const QFileSystemModel*>(index.model());
+        if (files && !files->isDir(index))
+            option->text =
+                QLocale().formattedDataSize(files->size(index), 1, QLocale::DataSizeTraditionalFormat);
+    }
+};
+
+} // namespace
 
 FileWindow::FileWindow(QWidget* owner, bool save, int flags)
     : QFileDialog(owner, save ? QStringLiteral("Сохранить как") : QStringLiteral("Открыть"))
@@ -16,6 +41,28 @@ FileWindow::FileWindow(QWidget* owner, bool save, int flags)
     setOption(DontConfirmOverwrite);
     setAcceptMode(save ? AcceptSave : AcceptOpen);
     setFileMode(AnyFile); // what has to exist is checked here
+    WidenColumns();
+}
+
+void FileWindow::WidenColumns() {
+    auto* files = findChild<QTreeView*>(QStringLiteral("treeView"));
+    if (!files)
+        return;
+    files->setItemDelegateForColumn(SizeColumn, new SizeDelegate(files));
+    QHeaderView* header = files->header();
+    int width = 0;
+    const auto widen = [&](int column, const QString& longest) {
+        const int needed =
+            files->fontMetrics().horizontalAdvance(longest) + 2 * files->fontMetrics().height();
+        header->resizeSection(column, std::max(header->sectionSize(column), needed));
+        width += header->sectionSize(column);
+    };
+    widen(NameColumn, QString(24, u'x'));
+    widen(SizeColumn, QStringLiteral("1023,9 МБ"));
+    widen(TypeColumn, QString(16, u'x'));
+    widen(DateColumn, QStringLiteral("00.00.0000 00:00"));
+    const int sideBar = width / 4;
+    resize(size().expandedTo(QSize(width + sideBar, 30 * fontMetrics().height())));
 }
 
 void FileWindow::accept() {

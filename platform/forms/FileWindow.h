@@ -15,6 +15,8 @@ public:
     void accept() override;
 
 private:
+    /// Wide enough for what the columns hold, if the user has not made them wider.
+    void WidenColumns();
     bool IsAcceptable(const QString& path) const;
 
     int m_flags;

@@ -57,15 +57,9 @@ QWidget* FilterForm::MakeButtonRow(QWidget* parent) {
     auto* row = Named(new QWidget(parent), QStringLiteral("buttonRow"));
     QPushButton* cmdFind = MakeButton(QStringLiteral("cmdFind"), QStringLiteral("Найти"), row);
     QPushButton* cmdCancel = MakeButton(QStringLiteral("cmdCancel"), QStringLiteral("Отмена"), row);
-    const int width = std::max(cmdFind->sizeHint().width(), cmdCancel->sizeHint().width());
-    cmdFind->setMinimumWidth(width);
-    cmdCancel->setMinimumWidth(width);
-
-    auto* layout = new QHBoxLayout(row);
+    QHBoxLayout* layout = ButtonRow({cmdFind, cmdCancel});
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addStretch();
-    layout->addWidget(cmdFind);
-    layout->addWidget(cmdCancel);
+    row->setLayout(layout);
 
     SetDefaultButton(cmdFind);
     SetCancelButton(cmdCancel);

@@ -1,6 +1,7 @@
 #include "platform/forms/FlexGrid.h"
 
 #include "platform/forms/FlexGridModel.h"
+#include "platform/forms/RowDelegate.h"
 #include "platform/forms/Twips.h"
 #include "platform/runtime/Failure.h"
 
@@ -9,7 +10,6 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
 
 #include <algorithm>
 #include <numeric>
@@ -19,7 +19,6 @@ namespace forms {
 namespace {
 
 constexpr int ImpossibleRow = 30009;
-constexpr int RowPadding = 6;        ///< logical pixels above and below the text of a row together
 constexpr int LeastDraggedWidth = 8; ///< logical pixels
 
 int ViewWidth(int twips) {
@@ -27,9 +26,9 @@ int ViewWidth(int twips) {
 }
 
 /// Shows the current row marked, unless it is blank: the row under the header of an empty list is no record.
-class RowDelegate final : public QStyledItemDelegate {
+class GridDelegate final : public RowDelegate {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using RowDelegate::RowDelegate;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
@@ -38,7 +37,7 @@ public:
             cell.state.setFlag(QStyle::State_Selected, false);
             painter->fillRect(cell.rect, cell.palette.base()); // the view has marked the ground already
         }
-        QStyledItemDelegate::paint(painter, cell, index);
+        RowDelegate::paint(painter, cell, index);
     }
 
 private:
@@ -57,7 +56,7 @@ FlexGrid::FlexGrid(int rows, int cols, QWidget* parent)
     , m_model(new Model(rows, cols, this))
     , m_colWidths(cols, DefaultColWidth) {
     setModel(m_model);
-    setItemDelegate(new RowDelegate(this));
+    setItemDelegate(new GridDelegate(this));
     setSelectionBehavior(SelectRows);
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
@@ -174,7 +173,7 @@ void FlexGrid::ApplyColWidth(int col) {
 
 void FlexGrid::ApplyRowHeight() {
     verticalHeader()->setMinimumSectionSize(1);
-    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowPadding);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + RowDelegate::Padding);
 }
 
 // --- The current cell
@@ -199,13 +198,20 @@ void FlexGrid::SetRow(int row) {
 void FlexGrid::ApplyCurrent() {
     if (m_fillings > 0)
         return;
-    const QModelIndex index = m_model->index(m_row - 1, m_col);
+    const QModelIndex index = m_model->index(m_row - 1, VisibleCol());
     if (!index.isValid() || (index == currentIndex() && selectionModel()->isSelected(index)))
         return;
     const QScopedValueRollback settling(m_settling, true);
     setAutoScroll(false);
     selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     setAutoScroll(true);
+}
+
+int FlexGrid::VisibleCol() const {
+    for (int col = m_col; col < Cols(); ++col)
+        if (!isColumnHidden(col))
+            return col;
+    return m_col;
 }
 
 void FlexGrid::currentChanged(const QModelIndex& now, const QModelIndex& before) {
@@ -226,9 +232,9 @@ QItemSelectionModel::SelectionFlags FlexGrid::selectionCommand(const QModelIndex
 QModelIndex FlexGrid::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
     // The row is what counts here, so these two keys go to the ends of the list.
     if (action == MoveHome)
-        return m_model->index(0, m_col);
+        return m_model->index(0, VisibleCol());
     if (action == MoveEnd)
-        return m_model->index(Rows() - 2, m_col);
+        return m_model->index(Rows() - 2, VisibleCol());
     return QTableView::moveCursor(action, modifiers);
 }
 
@@ -313,11 +319,39 @@ void FlexGrid::contextMenuEvent(QContextMenuEvent* event) {
 void FlexGrid::keyPressEvent(QKeyEvent* event) {
     const bool wantsMenu = event->key() == Qt::Key_Menu ||
                            (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
-    if (!wantsMenu) {
+    if (wantsMenu) {
+        event->accept();
+        AskForMenu();
+    } else if (ResizeByKey(*event)) {
+        event->accept();
+    } else {
         QTableView::keyPressEvent(event);
-        return;
     }
-    event->accept();
+}
+
+/// What the mouse does on the edge of a header: Ctrl+Shift+arrow moves it, Ctrl+Plus fits the column.
+bool FlexGrid::ResizeByKey(const QKeyEvent& event) {
+    const QModelIndex cell = currentIndex();
+    const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (!cell.isValid() || !modifiers.testFlag(Qt::ControlModifier))
+        return false;
+    const bool isPlus = event.key() == Qt::Key_Plus || event.key() == Qt::Key_Equal;
+    if (isPlus && !modifiers.testFlag(Qt::AltModifier)) {
+        resizeColumnToContents(cell.column());
+        return true;
+    }
+    const bool wider = event.key() == Qt::Key_Right;
+    if (modifiers != (Qt::ControlModifier | Qt::ShiftModifier) || (!wider && event.key() != Qt::Key_Left))
+        return false;
+    const int step = fontMetrics().averageCharWidth();
+    const int width = columnWidth(cell.column()) + (wider ? step : -step);
+    setColumnWidth(cell.column(), std::max(width, LeastDraggedWidth));
+    return true;
+}
+
+/// At the current row, which the menu is about.
+void FlexGrid::AskForMenu() {
+    scrollTo(currentIndex());
     const QRect ground = viewport()->rect();
     const QRect cell = visualRect(currentIndex()) & ground;
     const QPoint place = cell.isEmpty() ? ground.topLeft() : cell.bottomLeft();

@@ -88,6 +88,10 @@ private:
     void ApplyRowHeight();
     /// Makes the view's current index that of Row and Col again.
     void ApplyCurrent();
+    /// The current column, or the next one if it is hidden: the focus has to be seen and read out.
+    int VisibleCol() const;
+    bool ResizeByKey(const QKeyEvent& event);
+    void AskForMenu();
     void StartFilling();
     void EndFilling();
 

@@ -1,5 +1,6 @@
 #include "platform/forms/ListBox.h"
 
+#include "platform/forms/RowDelegate.h"
 #include "platform/runtime/Failure.h"
 
 #include <QKeyEvent>
@@ -22,6 +23,7 @@ ListBox::ListBox(QWidget* parent)
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setUniformItemSizes(true);
+    setItemDelegate(new RowDelegate(this));
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         if (!m_clearing)
             Q_EMIT Click();

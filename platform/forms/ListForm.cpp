@@ -123,7 +123,7 @@ void ListForm::CreateControls(QWidget* surface) {
     lblRecordsNumber =
         MakeLabel(QStringLiteral("lblRecordsNumber"), QStringLiteral("Количество записей:"), surface);
     txtRecordsNumber = MakeTextBox(QStringLiteral("txtRecordsNumber"), 0, surface);
-    txtRecordsNumber->setReadOnly(true);
+    Lock(txtRecordsNumber);
     NameField(txtRecordsNumber, QStringLiteral("txtRecordsNumber"), lblRecordsNumber);
     On(m_grid, &FlexGrid::ContextMenuRequested,
        [menu = m_list.contextMenu](QPoint place) { PopupMenu(menu, place); });

@@ -1,4 +1,4 @@
-#include "platform/forms/MarkStyle.h"
+#include "platform/forms/ProgramStyle.h"
 
 #include <QStyleOptionButton>
 
@@ -14,8 +14,8 @@ bool IsDark(const QPalette& palette) {
 
 } // namespace
 
-void MarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
-                              const QWidget* widget) const {
+void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                                 const QWidget* widget) const {
     const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
     if (!isMark || !button || !IsDark(option->palette)) {
@@ -26,6 +26,13 @@ void MarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
     QStyleOptionButton lit(*button);
     lit.palette.setColor(QPalette::Window, lit.palette.color(QPalette::WindowText));
     QProxyStyle::drawPrimitive(element, &lit, painter, widget);
+}
+
+int ProgramStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                            QStyleHintReturn* data) const {
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+        return 0;
+    return QProxyStyle::styleHint(hint, option, widget, data);
 }
 
 } // namespace forms

@@ -68,7 +68,7 @@ std::optional<QDateTime> DateToShow(const Value& value) {
     if (const auto* date = value.As<QDateTime>())
         return *date;
     if (const auto* text = value.As<QString>()) {
-        if (const auto date = runtime::TryTextToDate(*text))
+        if (auto date = runtime::TryTextToDate(*text))
             return date;
     }
     const auto number = NumberOfValue(value);

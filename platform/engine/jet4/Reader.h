@@ -30,6 +30,7 @@ struct RowPlace {
     std::uint32_t page = 0;
     std::uint32_t row = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check misreads the comparison.
     friend auto operator<=>(const RowPlace&, const RowPlace&) = default;
 };
 

@@ -116,7 +116,7 @@ QString FreeKeptName(const QString& path) {
 
 QString ReplaceKeeping(Disk& disk, const QString& finished, const QString& path) {
     Check(disk.Sync(finished), path);
-    const QString kept = FreeKeptName(path);
+    QString kept = FreeKeptName(path);
     const bool moved = GiveSecondName(disk, path, kept);
     const auto takeBack = [&] { return moved ? disk.Rename(kept, path) : disk.Remove(kept); };
     std::error_code error = disk.Sync(FolderOf(path));

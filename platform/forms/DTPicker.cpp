@@ -94,7 +94,8 @@ void DTPicker::focusOutEvent(QFocusEvent* event) {
 
 bool DTPicker::focusNextPrevChild(bool next) {
     Commit();
-    return QWidget::focusNextPrevChild(next); // Tab leaves the field, the arrow keys go through its parts
+    // Tab leaves the field; the arrow keys go through its parts.
+    return QWidget::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
 }
 
 void DTPicker::keyPressEvent(QKeyEvent* event) {

@@ -40,6 +40,10 @@ Answer ShowBox(const QString& text, Icon icon, Buttons buttons, Answer preselect
     return answer;
 }
 
+bool IsSame(const runtime::Failure& one, const runtime::Failure& other) {
+    return one.number() == other.number() && one.description() == other.description();
+}
+
 /// Whether what was reported as finished is on the disk.
 std::optional<runtime::Failure> CommitFailure() {
     try {
@@ -74,7 +78,7 @@ QString ErrorText(const QString& head, const runtime::Failure& failure) {
 void ShowErrorBox(const QString& head, const runtime::Failure& failure, Icon icon) {
     const std::optional<runtime::Failure> lost = CommitFailure();
     ShowBox(ErrorText(head, failure), icon, Buttons::Ok, Answer::Ok);
-    if (lost)
+    if (lost && !IsSame(*lost, failure)) // a statement that fails may take the others of its group along
         ShowBox(ErrorText(head, *lost), icon, Buttons::Ok, Answer::Ok);
 }
 

@@ -24,7 +24,7 @@ bool AskYes(const QString& text);
 bool AskNo(const QString& text, Icon icon = Icon::Question);
 
 /// The standard error box: head, CR LF, number and description, one OK button. Never throws; a commit that
-/// fails on the way to the box is told in a second box with the same head.
+/// fails on the way to the box for another reason is told in a second box with the same head.
 void ShowErrorBox(const QString& head, const runtime::Failure& failure, Icon icon = Icon::Critical);
 
 /// The text of the standard error box.

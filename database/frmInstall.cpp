@@ -45,7 +45,7 @@ public:
             Take([] { gDatabase->Close(); });
             gDatabase.reset();
             if (!m_created.isEmpty())
-                Take([this] { runtime::Kill(m_created); });
+                Take([this] { engine::DBEngine::KillDatabase(m_created); });
         }
         if (m_workspaceOpen) {
             Take([] { gWorkspace->Close(); });
@@ -129,7 +129,7 @@ void frmInstall::cmdCreate_Click() {
             if (!overwrite)
                 return;
             pointer.Renew();
-            runtime::Kill(path);
+            engine::DBEngine::KillDatabase(path);
         }
         binding.OpenWorkspace();
         binding.CreateDatabase(path);

@@ -214,7 +214,7 @@ void Extraction::DiscardTarget() {
         // What could not be written down any more goes with the file.
     }
     m_target.reset();
-    runtime::Kill(m_fileName);
+    engine::DBEngine::KillDatabase(m_fileName);
 }
 
 void Extraction::CloseWorkspace() {
@@ -240,7 +240,7 @@ void ExtractToAnotherDB(forms::Form& list, const QString& strCurrentSQL) {
             }
             if (!AskOverwrite(fileName))
                 return;
-            runtime::Kill(fileName);
+            engine::DBEngine::KillDatabase(fileName);
         }
         extraction.emplace(list, fileName);
         extraction->Run(strCurrentSQL);

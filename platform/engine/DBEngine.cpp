@@ -3,7 +3,10 @@
 #include "platform/engine/Connection.h"
 #include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
+#include "platform/runtime/Files.h"
 #include "platform/runtime/Process.h"
+
+#include <QFile>
 
 #include <algorithm>
 #include <optional>
@@ -97,7 +100,12 @@ std::shared_ptr<Database> Workspace::CreateDatabase(const QString& path, const Q
     if (options != dbVersion40)
         RaiseEngine(InvalidArgument);
     CreateDatabaseFile(path);
-    return OpenDatabase(path);
+    try {
+        return OpenDatabase(path);
+    } catch (const runtime::Failure&) {
+        QFile::remove(path); // nobody else has seen it
+        throw;
+    }
 }
 
 void Workspace::BeginTrans() {
@@ -166,6 +174,11 @@ void DBEngine::Commit() {
 
 void DBEngine::Idle() {
     Commit();
+}
+
+void DBEngine::KillDatabase(const QString& path) {
+    runtime::Kill(path);
+    RemoveJournal(path);
 }
 
 void DBEngine::AcknowledgeLoss() noexcept {

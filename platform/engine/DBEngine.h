@@ -63,6 +63,9 @@ public:
     /// The same when control returns to the event loop; a failure is raised to the dispatcher.
     static void Idle();
 
+    /// Deletes a database file, as runtime::Kill, and the journal that a crash may have left with it.
+    static void KillDatabase(const QString& path);
+
     /// Drops the memory of a lost group without raising it: its failure has been shown.
     static void AcknowledgeLoss() noexcept;
 };

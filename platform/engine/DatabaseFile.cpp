@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -71,6 +72,22 @@ QByteArray ReadHeader(const QString& path) {
     if (header.isEmpty() && file.error() != QFileDevice::NoError)
         RaiseEngine(DiskOrNetworkFailure);
     return header;
+}
+
+constexpr auto TemporaryFiles = ".zavelik-%1.new";
+
+/// Much longer than the making of a file takes: what has not been written to for that long was left by a
+/// crash.
+constexpr int staleAfterHours = 24;
+
+void RemoveStale(const QDir& folder) {
+    const QString pattern = QLatin1String(TemporaryFiles).arg(u'*');
+    const QDateTime limit = QDateTime::currentDateTimeUtc().addSecs(-staleAfterHours * 3600);
+    for (const QFileInfo& file : folder.entryInfoList({pattern, pattern + QStringLiteral("-journal")},
+                                                      QDir::Files | QDir::Hidden | QDir::NoSymLinks)) {
+        if (file.lastModified() < limit)
+            QFile::remove(file.filePath());
+    }
 }
 
 struct CloseDatabase {
@@ -155,17 +172,28 @@ void CheckDatabaseFile(const QString& path) {
         RaiseEngine(UnrecognisedFormat, path);
 }
 
+QString TemporaryName(const QString& folder) {
+    const quint64 number = QRandomGenerator::global()->generate64();
+    return QDir(folder).filePath(
+        QLatin1String(TemporaryFiles).arg(QStringLiteral("%1").arg(number, 16, 16, QLatin1Char('0'))));
+}
+
+bool RemoveJournal(const QString& path) {
+    const QString journal = QFileInfo(path).absoluteFilePath() + QStringLiteral("-journal");
+    return QFile::remove(journal) || !QFileInfo::exists(journal);
+}
+
 void CreateDatabaseFile(const QString& path) {
     CheckFolder(path);
     std::error_code error;
     if (std::filesystem::exists(std::filesystem::symlink_status(FilePath(path), error)))
         RaiseEngine(DatabaseExists, path);
+    if (!RemoveJournal(path))
+        RaiseEngine(CannotOpenFile, path);
     const QByteArray image = EmptyImage();
     const QString folder = QFileInfo(path).absolutePath();
-    // Hidden, so that no dialog offers what a crash may leave.
-    const QString temporary =
-        QDir(folder).filePath(QStringLiteral(".zavelik-%1.new")
-                                  .arg(QRandomGenerator::global()->generate64(), 16, 16, QLatin1Char('0')));
+    RemoveStale(QDir(folder));
+    const QString temporary = TemporaryName(folder);
     QFile file(temporary);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
         RaiseEngine(CannotOpenFile, path);

@@ -13,7 +13,16 @@ inline constexpr std::int32_t applicationId = 0x5a565442;
 void CheckDatabaseFile(const QString& path);
 
 /// Makes an empty database file under a temporary name, gives it to the disk and then its name, which never
-/// replaces a file. Failures: 3044, 3204, 3051, 3026, 3043.
+/// replaces a file. What crashes have left in the folder is tidied away. Failures: 3044, 3204, 3051, 3026,
+/// 3043.
 void CreateDatabaseFile(const QString& path);
+
+/// A new name for a file that is to be made in the folder before it bears its own; hidden, so that no dialog
+/// offers what a crash may leave.
+QString TemporaryName(const QString& folder);
+
+/// Takes away the journal of a database file that is gone, so that it is not taken for that of the next file
+/// of this name. False if it is still there.
+bool RemoveJournal(const QString& path);
 
 } // namespace engine

@@ -1,12 +1,11 @@
 #include "platform/engine/jet4/Conversion.h"
 
+#include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
 #include "platform/engine/jet4/RowCopy.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
 
 namespace engine::jet4 {
 
@@ -16,11 +15,11 @@ namespace {
 class TemporaryFile {
 public:
     explicit TemporaryFile(const QString& folder)
-        // Hidden, so that no dialog offers what a crash may leave.
-        : m_path(QDir(folder).filePath(
-              QStringLiteral(".zavelik-%1.new")
-                  .arg(QRandomGenerator::global()->generate64(), 16, 16, QLatin1Char('0')))) {}
-    ~TemporaryFile() { QFile::remove(m_path); }
+        : m_path(TemporaryName(folder)) {}
+    ~TemporaryFile() {
+        QFile::remove(m_path);
+        RemoveJournal(m_path);
+    }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 

@@ -44,6 +44,17 @@ void Harden(sqlite3* db) {
     sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
 }
 
+// The check of a file tells in words alone that a page could not be read; anything else that it finds is
+// damage.
+int CodeIn(const QString& finding) {
+    constexpr auto mark = QLatin1String("error code=");
+    const qsizetype place = finding.indexOf(mark);
+    const QStringView code = QStringView(finding).mid(place + mark.size());
+    const auto end = std::ranges::find_if_not(code, [](QChar character) { return character.isDigit(); });
+    const int number = place < 0 ? 0 : code.left(end - code.begin()).toInt();
+    return (number & 0xff) == SQLITE_IOERR ? number : SQLITE_CORRUPT;
+}
+
 runtime::Failure MemoryFailure() {
     return {runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)};
 }
@@ -169,8 +180,8 @@ void Connection::CheckSound() {
         code = check.Step();
     if (code != SQLITE_ROW)
         raise(code);
-    if (check.Text(0) != QLatin1String("ok"))
-        RaiseEngine(CannotOpenDatabase, m_path);
+    if (const QString finding = check.Text(0); finding != QLatin1String("ok"))
+        raise(CodeIn(finding));
     check.Finish();
     sqlite3_exec(m_db, "PRAGMA ignore_check_constraints = OFF", nullptr, nullptr, nullptr);
     for (const QString& table : m_catalog->TableNames())

@@ -3,32 +3,23 @@
 
 #include "database/SeedData.h"
 #include "tests/database/BoundBase.h"
+#include "tests/support/KilledChild.h"
 
-#include <QCoreApplication>
 #include <QFile>
-#include <QProcess>
-#include <QThread>
+
+using namespace std::chrono_literals;
 
 namespace {
-
-const char* const PathVariable = "ZAVELIK_CRASH_PATH";
-
-void TellParent() {
-    QFile output;
-    ASSERT_TRUE(output.open(stdout, QFile::WriteOnly));
-    output.write("working\n");
-    output.flush();
-}
 
 /// The child's work, which the parent alone starts.
 class DISABLED_CrashChild : public test::Unbound {
 protected:
     DISABLED_CrashChild() { gWorkspace = engine::DBEngine::Workspaces(0); }
-    const QString path = qEnvironmentVariable(PathVariable);
+    const QString path = test::HandedOver();
 };
 
 TEST_F(DISABLED_CrashChild, Create) {
-    TellParent();
+    test::TellParent("working");
     gDatabase = gWorkspace->CreateDatabase(path, QString::fromUtf16(engine::dbLangGeneral));
     General::ApplySQLToCreateDB(*gDatabase);
     engine::DBEngine::Commit();
@@ -36,29 +27,12 @@ TEST_F(DISABLED_CrashChild, Create) {
 
 TEST_F(DISABLED_CrashChild, Upgrade) {
     gDatabase = gWorkspace->OpenDatabase(path);
-    TellParent();
+    test::TellParent("working");
     General::UpdateBaseIfNeed();
 }
 
 class Crash : public test::Unbound {
 protected:
-    void KillWhileRunning(const QString& work, unsigned long microseconds) const {
-        QProcess child;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QString::fromLatin1(PathVariable), Path());
-        child.setProcessEnvironment(environment);
-        child.start(QCoreApplication::applicationFilePath(),
-                    {QStringLiteral("--gtest_also_run_disabled_tests"),
-                     QStringLiteral("--gtest_filter=DISABLED_CrashChild.") + work});
-        QByteArray said;
-        while (!said.contains("working\n") && child.waitForReadyRead(20'000))
-            said += child.readAllStandardOutput();
-        ASSERT_TRUE(said.contains("working\n")) << said.constData();
-        QThread::usleep(microseconds);
-        child.kill();
-        child.waitForFinished();
-    }
-
     void Open() {
         gWorkspace = engine::DBEngine::Workspaces(0);
         gDatabase = gWorkspace->OpenDatabase(Path()); // rolls back what a dead process left
@@ -71,7 +45,9 @@ protected:
     bool Has(const char* table) const { return gDatabase->TableNames().contains(QString::fromLatin1(table)); }
 };
 
-constexpr unsigned long Moments[] = {0, 2'000, 5'000, 8'000, 12'000, 18'000, 30'000, 60'000, 120'000};
+std::vector<std::chrono::microseconds> Moments(const char* work) {
+    return test::Moments(work, {0us, 2ms, 5ms, 8ms, 12ms, 18ms, 30ms, 60ms, 120ms}, 80);
+}
 
 } // namespace
 
@@ -81,9 +57,9 @@ TEST_F(Crash, CreationLeavesNoFileOrTheStatementsUpToOne) {
         for (const seed::Town& town : region.towns)
             seed += QString::fromUtf16(town.name) + u'|' + QString::number(town.code);
     }
-    for (const unsigned long moment : Moments) {
-        SCOPED_TRACE(moment);
-        KillWhileRunning(QStringLiteral("Create"), moment);
+    for (const auto moment : Moments("creation")) {
+        SCOPED_TRACE(moment.count());
+        test::KillWhileRunning(QStringLiteral("DISABLED_CrashChild.Create"), Path(), moment);
         if (QFile::exists(Path())) {
             Open();
             const QStringList towns =
@@ -101,8 +77,8 @@ TEST_F(Crash, CreationLeavesNoFileOrTheStatementsUpToOne) {
 }
 
 TEST_F(Crash, AnUpgradeIsDoneWholeOrNotAtAll) {
-    for (const unsigned long moment : Moments) {
-        SCOPED_TRACE(moment);
+    for (const auto moment : Moments("upgrade")) {
+        SCOPED_TRACE(moment.count());
         QFile::remove(Path());
         const auto workspace = engine::DBEngine::Workspaces(0);
         const auto db = workspace->CreateDatabase(Path(), QString::fromUtf16(engine::dbLangGeneral));
@@ -112,7 +88,7 @@ TEST_F(Crash, AnUpgradeIsDoneWholeOrNotAtAll) {
         db->Execute(QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (1)"));
         db->Close();
 
-        KillWhileRunning(QStringLiteral("Upgrade"), moment);
+        test::KillWhileRunning(QStringLiteral("DISABLED_CrashChild.Upgrade"), Path(), moment);
         Open();
         const QString version = Row(QStringLiteral("SELECT v00vrid FROM v00"));
         const bool raised = version != u"1";

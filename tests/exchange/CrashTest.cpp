@@ -5,10 +5,9 @@
 #include "exchange/ExtractToAnotherDB.h"
 #include "shell/frmMain.h"
 #include "tests/exchange/ImportMaster.h"
+#include "tests/support/KilledChild.h"
 
-#include <QCoreApplication>
-#include <QProcess>
-#include <QThread>
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -17,14 +16,7 @@ const QStringList Columns{"Last Name", "Home Phone", "Mobile Phone", "Business P
 
 /// The folder that the parent hands to its child.
 QString Handed(const QString& name) {
-    return qEnvironmentVariable("ZAVELIK_CRASH_FOLDER") + u'/' + name;
-}
-
-void TellParent() {
-    QFile output;
-    ASSERT_TRUE(output.open(stdout, QFile::WriteOnly));
-    output.write("working\n");
-    output.flush();
+    return test::HandedOver() + u'/' + name;
 }
 
 /// The child's tests: run by the parent alone.
@@ -42,7 +34,7 @@ TEST_F(DISABLED_CrashChild, Import) {
     master.TypeFile(Handed("in.csv"));
     master.Go(2);
     master.Tick(Columns);
-    TellParent();
+    test::TellParent("working");
     master.PressImport();
 }
 
@@ -50,27 +42,15 @@ TEST_F(DISABLED_CrashChild, Extract) {
     auto list = forms::Form::Create<frmRecords>();
     list->Show();
     test::Answers answers;
-    answers.File(Handed("target.mdb"), [](QFileDialog&) { TellParent(); });
+    answers.File(Handed("target.mdb"), [](QFileDialog&) { test::TellParent("working"); });
     exchange::ExtractToAnotherDB(*list, "SELECT * FROM a01");
 }
 
 class CrashTest : public test::ExchangeTest {
 protected:
     /// Starts a child on the closed book, kills it so long after it began its work.
-    void KillWhileRunning(const QString& childTest, unsigned long milliseconds) const {
-        QProcess child;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("ZAVELIK_CRASH_FOLDER", QFileInfo(bookPath).path());
-        child.setProcessEnvironment(environment);
-        child.start(QCoreApplication::applicationFilePath(),
-                    {"--gtest_also_run_disabled_tests", "--gtest_filter=DISABLED_CrashChild." + childTest});
-        QByteArray said;
-        while (!said.contains("working\n") && child.waitForReadyRead(20000))
-            said += child.readAllStandardOutput();
-        ASSERT_TRUE(said.contains("working\n")) << said.constData();
-        QThread::msleep(milliseconds);
-        child.kill();
-        child.waitForFinished();
+    void KillWhileRunning(const QString& childTest, std::chrono::microseconds moment) const {
+        test::KillWhileRunning("DISABLED_CrashChild." + childTest, QFileInfo(bookPath).path(), moment);
     }
     void CloseBook() const { gDatabase->Close(); }
     void OpenBook() const { gDatabase = gWorkspace->OpenDatabase(bookPath); }
@@ -84,8 +64,8 @@ TEST_F(CrashTest, ImportLeavesWholeStatements) {
 
     const QStringList letters{"", "h", "m", "b"};
     int imported = 0;
-    for (const unsigned long moment : {1, 40, 90, 150, 230, 400, 700}) {
-        SCOPED_TRACE(moment);
+    for (const auto moment : test::Moments("import", {1ms, 40ms, 90ms, 150ms, 230ms, 400ms, 700ms}, 60)) {
+        SCOPED_TRACE(moment.count());
         Execute("DELETE FROM a01");
         Execute("DELETE FROM a02");
         CloseBook();
@@ -114,7 +94,7 @@ TEST_F(CrashTest, ExtractionLeavesTheWorkingDatabaseAlone) {
     AddManyCards(RowCount);
     CloseBook();
     const QByteArray bytes = test::ReadBytes(bookPath);
-    for (const unsigned long moment : {1, 100, 250, 500}) {
+    for (const auto moment : test::Moments("extraction", {1ms, 100ms, 250ms, 500ms}, 50)) {
         KillWhileRunning("Extract", moment);
         EXPECT_TRUE(test::ReadBytes(bookPath) == bytes);
         QFile::remove(Beside("target.mdb"));

@@ -107,17 +107,6 @@ Act For(std::function<void(Window&)> act) {
     };
 }
 
-void TypeIntoFileDialog(QFileDialog& dialog, const QString& path) {
-    auto* buttons = dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
-    const bool saves = dialog.acceptMode() == QFileDialog::AcceptSave;
-    const auto accept = saves ? QDialogButtonBox::Save : QDialogButtonBox::Open;
-    if (!path.isEmpty()) {
-        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        name->setText(path);
-    }
-    QTest::mouseClick(buttons->button(path.isEmpty() ? QDialogButtonBox::Cancel : accept), Qt::LeftButton);
-}
-
 void ChooseFromMenu(QMenu& menu, const QString& menuName, const QString& entryName) {
     EXPECT_EQ(Utf8(menu.objectName()), Utf8(menuName));
     if (entryName.isEmpty()) {
@@ -136,6 +125,17 @@ void ChooseFromMenu(QMenu& menu, const QString& menuName, const QString& entryNa
 }
 
 } // namespace
+
+void TypeIntoFileDialog(QFileDialog& dialog, const QString& path) {
+    auto* buttons = dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
+    const bool saves = dialog.acceptMode() == QFileDialog::AcceptSave;
+    const auto accept = saves ? QDialogButtonBox::Save : QDialogButtonBox::Open;
+    if (!path.isEmpty()) {
+        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        name->setText(path);
+    }
+    QTest::mouseClick(buttons->button(path.isEmpty() ? QDialogButtonBox::Cancel : accept), Qt::LeftButton);
+}
 
 struct Answers::Impl : QObject {
     std::deque<Expectation> expected;

@@ -11,6 +11,9 @@ class QWidget;
 
 namespace test {
 
+/// Types the path into the dialog and accepts; an empty path cancels.
+void TypeIntoFileDialog(QFileDialog& dialog, const QString& path);
+
 /// Answers the real message boxes and dialogs that the program shows, in the order in which they are
 /// expected. Each box is checked: title, whole text, icon, buttons, default button. A box that nobody
 /// expected fails the test and is closed; so does an expected one that never came, when the object ends.

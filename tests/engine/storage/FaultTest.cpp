@@ -2,11 +2,14 @@
 // failure with a sensible number, no crash, a file that is sound afterwards, statements whole or not there at
 // all, and everything that a commit had reported.
 
-#include "tests/engine/storage/FaultyFiles.h"
 #include "tests/engine/storage/StorageTest.h"
+#include "tests/support/FaultSweep.h"
+#include "tests/support/FullRun.h"
 
 #include <QFile>
 #include <QSet>
+
+#include <iostream>
 
 namespace {
 
@@ -94,9 +97,9 @@ private:
     QSet<int> m_pending;
 };
 
-class Fault : public test::Storage {
+class Faults : public test::Storage {
 protected:
-    Fault() {
+    Faults() {
         MakeCards();
         Run(QStringLiteral("CREATE TABLE three (k SHORT NOT NULL PRIMARY KEY)"));
         for (int k = 1; k <= 3; ++k)
@@ -119,57 +122,34 @@ protected:
         book->Close();
     }
 
-    /// Runs the session with the fault at its first, second, ... call, until none is hit. How many were.
-    int Sweep(const std::function<int(test::FaultyFiles::Call)>& codeOf, bool lasting) {
+    QString Copy() const {
         const QString copy = folder.Path(QStringLiteral("copy.mdb"));
-        for (int place = 1;; ++place) {
-            SCOPED_TRACE(place);
-            QFile::remove(copy);
-            QFile::remove(copy + QStringLiteral("-journal"));
-            QFile::copy(path, copy);
-            Session session(copy);
-            int calls = 0;
-            bool hit = false;
-            {
-                const test::FaultyFiles faulty([&](test::FaultyFiles::Call call) {
-                    const int code = codeOf(call);
-                    if (code == SQLITE_OK || ++calls < place || (calls > place && !lasting))
-                        return SQLITE_OK;
-                    hit = true;
-                    return code;
-                });
-                session.Run();
-            }
-            for (const int failure : session.failures)
-                EXPECT_TRUE(QList<int>({3026, 3043, 3049, 3051, 3218}).contains(failure)) << failure;
-            CheckFile(session, copy);
-            if (HasFatalFailure() || !hit)
-                return place - 1;
+        QFile::remove(copy);
+        QFile::remove(copy + QStringLiteral("-journal"));
+        QFile::copy(path, copy);
+        return copy;
+    }
+
+    bool Survives(test::Fault& fault) {
+        const QString copy = Copy();
+        Session session(copy);
+        {
+            const test::FaultyFiles faulty([&](test::FaultyFiles::Call call) { return fault.Judge(call); });
+            session.Run();
+            if (fault.CutsPower())
+                test::FaultyFiles::PowerOn(*fault.Kind().remains);
         }
+        for (const int failure : session.failures)
+            EXPECT_EQ(failure, fault.Kind().number);
+        CheckFile(session, copy);
+        return !HasFatalFailure();
     }
 };
 
-using Call = test::FaultyFiles::Call;
-
 } // namespace
 
-TEST_F(Fault, OfTheDisk) {
-    const auto full = [](Call call) { return call == Call::Write ? SQLITE_FULL : SQLITE_OK; };
-    const auto write = [](Call call) {
-        return call == Call::Write      ? SQLITE_IOERR_WRITE
-               : call == Call::Truncate ? SQLITE_IOERR_TRUNCATE
-                                        : SQLITE_OK;
-    };
-    const auto sync = [](Call call) {
-        return call == Call::Sync     ? SQLITE_IOERR_FSYNC
-               : call == Call::Delete ? SQLITE_IOERR_DELETE
-                                      : SQLITE_OK;
-    };
-    const auto open = [](Call call) { return call == Call::Open ? SQLITE_CANTOPEN : SQLITE_OK; };
-    const auto read = [](Call call) { return call == Call::Read ? SQLITE_IOERR_READ : SQLITE_OK; };
-    for (const auto& codeOf : std::initializer_list<std::function<int(Call)>>{full, write, sync, open, read})
-        for (const bool lasting : {false, true})
-            EXPECT_GT(Sweep(codeOf, lasting), 3);
+TEST_F(Faults, OfTheDisk) {
+    test::SweepFaults("engine", 20, [this](test::Fault& fault) { return Survives(fault); });
 }
 
 namespace {
@@ -204,24 +184,27 @@ public:
 
 } // namespace
 
-TEST_F(Fault, OfMemory) {
+TEST_F(Faults, OfMemory) {
     const FaultyMemory memory;
-    const QString copy = folder.Path(QStringLiteral("copy.mdb"));
+    const test::FaultyFiles quick([](test::FaultyFiles::Call) { return SQLITE_OK; }); // waits for no disk
     bool hit = true;
     int places = 0;
-    for (std::int64_t place = 1; hit; place += place < 400 ? 7 : 41) {
+    for (std::int64_t place = 1; hit; ++places) {
         SCOPED_TRACE(place);
-        QFile::remove(copy);
-        QFile::copy(path, copy);
+        const QString copy = Copy();
         Session session(copy);
         allocationsLeft = place;
         session.Run();
         hit = allocationsLeft == 0;
         allocationsLeft = -1;
-        ++places;
         for (const int failure : session.failures)
             EXPECT_EQ(failure, runtime::OutOfMemory);
         CheckFile(session, copy);
+        if (!test::IsFullRun())
+            place += place < 400 ? 7 : 41;
+        else
+            ++place;
     }
     EXPECT_GT(places, 50);
+    std::cout << "FIGURE allocations refused: engine: " << places - 1 << std::endl;
 }

@@ -1,0 +1,228 @@
+#include "tests/support/FaultyFiles.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace test {
+
+namespace {
+
+constexpr std::size_t sectorSize = 512;
+
+std::function<int(FaultyFiles::Call)> judgeOfCalls;
+sqlite3_vfs* realLayer = nullptr;
+sqlite3_vfs faultyLayer;
+bool powerIsOff = false;
+
+/// A change that the disk may not have taken yet; without bytes a change of the size.
+struct Change {
+    std::size_t at = 0;
+    std::string bytes;
+};
+
+/// What the disk holds of a file, and what it has been told since.
+struct OnDisk {
+    bool exists = false;
+    std::string bytes;
+    std::vector<Change> changes;
+};
+
+std::map<std::string, OnDisk> disk;
+
+void Apply(const Change& change, std::string& bytes) {
+    if (change.bytes.empty()) {
+        bytes.resize(change.at);
+        return;
+    }
+    bytes.resize(std::max(bytes.size(), change.at + change.bytes.size()));
+    bytes.replace(change.at, change.bytes.size(), change.bytes);
+}
+
+int Judge(FaultyFiles::Call call) {
+    if (!powerIsOff && judgeOfCalls) {
+        const int code = judgeOfCalls(call);
+        if (code != FaultyFiles::PowerOff)
+            return code;
+        powerIsOff = true;
+    }
+    return powerIsOff ? SQLITE_IOERR : SQLITE_OK;
+}
+
+/// Our file; SQLite gives the room for it, with the real one right behind.
+struct File : sqlite3_file {
+    OnDisk* onDisk; ///< null for a nameless one
+    sqlite3_file* Real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
+};
+
+sqlite3_file* Real(sqlite3_file* file) {
+    return static_cast<File*>(file)->Real();
+}
+
+const sqlite3_io_methods& Methods(sqlite3_file* real) {
+    return *real->pMethods;
+}
+
+void Note(sqlite3_file* file, Change change) {
+    if (OnDisk* onDisk = static_cast<File*>(file)->onDisk)
+        onDisk->changes.push_back(std::move(change));
+}
+
+int Close(sqlite3_file* file) {
+    return Methods(Real(file)).xClose(Real(file));
+}
+int Read(sqlite3_file* file, void* to, int size, sqlite3_int64 at) {
+    const int code = Judge(FaultyFiles::Call::Read);
+    return code != SQLITE_OK ? code : Methods(Real(file)).xRead(Real(file), to, size, at);
+}
+int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
+    if (const int code = Judge(FaultyFiles::Call::Write); code != SQLITE_OK)
+        return code;
+    Note(file, {static_cast<std::size_t>(at),
+                std::string(static_cast<const char*>(from), static_cast<std::size_t>(size))});
+    return Methods(Real(file)).xWrite(Real(file), from, size, at);
+}
+int Truncate(sqlite3_file* file, sqlite3_int64 size) {
+    if (const int code = Judge(FaultyFiles::Call::Truncate); code != SQLITE_OK)
+        return code;
+    Note(file, {static_cast<std::size_t>(size), {}});
+    return Methods(Real(file)).xTruncate(Real(file), size);
+}
+// The wait for the real disk is spared: what it would hold is known.
+int Sync(sqlite3_file* file, int) {
+    if (const int code = Judge(FaultyFiles::Call::Sync); code != SQLITE_OK)
+        return code;
+    if (OnDisk* onDisk = static_cast<File*>(file)->onDisk) {
+        for (const Change& change : onDisk->changes)
+            Apply(change, onDisk->bytes);
+        onDisk->changes.clear();
+        onDisk->exists = true;
+    }
+    return SQLITE_OK;
+}
+int FileSize(sqlite3_file* file, sqlite3_int64* size) {
+    return Methods(Real(file)).xFileSize(Real(file), size);
+}
+int Lock(sqlite3_file* file, int level) {
+    return Methods(Real(file)).xLock(Real(file), level);
+}
+int Unlock(sqlite3_file* file, int level) {
+    return Methods(Real(file)).xUnlock(Real(file), level);
+}
+int CheckReservedLock(sqlite3_file* file, int* result) {
+    return Methods(Real(file)).xCheckReservedLock(Real(file), result);
+}
+int FileControl(sqlite3_file* file, int operation, void* argument) {
+    return Methods(Real(file)).xFileControl(Real(file), operation, argument);
+}
+int SectorSize(sqlite3_file* file) {
+    return Methods(Real(file)).xSectorSize(Real(file));
+}
+int DeviceCharacteristics(sqlite3_file* file) {
+    return Methods(Real(file)).xDeviceCharacteristics(Real(file));
+}
+
+const sqlite3_io_methods methods = {1,
+                                    Close,
+                                    Read,
+                                    Write,
+                                    Truncate,
+                                    Sync,
+                                    FileSize,
+                                    Lock,
+                                    Unlock,
+                                    CheckReservedLock,
+                                    FileControl,
+                                    SectorSize,
+                                    DeviceCharacteristics,
+                                    nullptr,
+                                    nullptr,
+                                    nullptr,
+                                    nullptr,
+                                    nullptr,
+                                    nullptr};
+
+/// A file that was there before its first opening counts as safe on the disk.
+OnDisk& FindOnDisk(const char* name) {
+    const auto [place, isNew] = disk.try_emplace(name);
+    if (isNew) {
+        std::ifstream file(name, std::ios::binary);
+        place->second.exists = file.is_open();
+        place->second.bytes.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    return place->second;
+}
+
+int Open(sqlite3_vfs*, const char* name, sqlite3_file* room, int flags, int* outFlags) {
+    auto* file = new (room) File;
+    file->pMethods = nullptr;
+    file->onDisk = nullptr;
+    if (const int code = Judge(FaultyFiles::Call::Open); code != SQLITE_OK)
+        return code;
+    if (name != nullptr)
+        file->onDisk = &FindOnDisk(name);
+    const int code = realLayer->xOpen(realLayer, name, file->Real(), flags, outFlags);
+    if (file->Real()->pMethods != nullptr)
+        file->pMethods = &methods;
+    return code;
+}
+
+int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
+    if (const int code = Judge(FaultyFiles::Call::Delete); code != SQLITE_OK)
+        return code;
+    OnDisk& onDisk = FindOnDisk(name);
+    onDisk.changes.clear();
+    if (syncFolder != 0)
+        onDisk = {};
+    else
+        onDisk.changes.push_back({}); // until the folder is on the disk the file may come back
+    return realLayer->xDelete(realLayer, name, 0);
+}
+
+} // namespace
+
+FaultyFiles::FaultyFiles(std::function<int(Call)> judge) {
+    judgeOfCalls = std::move(judge);
+    realLayer = sqlite3_vfs_find(nullptr);
+    faultyLayer = *realLayer;
+    faultyLayer.zName = "faulty";
+    faultyLayer.szOsFile = static_cast<int>(sizeof(File)) + realLayer->szOsFile;
+    faultyLayer.xOpen = Open;
+    faultyLayer.xDelete = Delete;
+    sqlite3_vfs_register(&faultyLayer, 1);
+}
+
+FaultyFiles::~FaultyFiles() {
+    sqlite3_vfs_register(realLayer, 1);
+    sqlite3_vfs_unregister(&faultyLayer);
+    judgeOfCalls = nullptr;
+    powerIsOff = false;
+    disk.clear();
+}
+
+void FaultyFiles::PowerOn(Remains remains) {
+    for (auto& [name, onDisk] : disk) {
+        const bool touched = std::any_of(onDisk.changes.begin(), onDisk.changes.end(),
+                                         [](const Change& change) { return !change.bytes.empty(); });
+        for (std::size_t i = 0; i < onDisk.changes.size() && remains != Remains::Nothing; ++i) {
+            Change change = onDisk.changes[i];
+            if (remains == Remains::EverySecond && i % 2 == 0)
+                continue;
+            if (remains == Remains::FirstSectors)
+                change.bytes.resize(std::min(change.bytes.size(), sectorSize));
+            Apply(change, onDisk.bytes);
+        }
+        if (onDisk.exists || (touched && remains != Remains::Nothing))
+            std::ofstream(name, std::ios::binary | std::ios::trunc) << onDisk.bytes;
+        else
+            std::filesystem::remove(name);
+    }
+    disk.clear();
+}
+
+} // namespace test

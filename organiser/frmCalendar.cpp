@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int GridWidth = 5655; // twips
+constexpr int GridWidth = 5655; // twips; more with large letters
 constexpr int NoEvent = -1;     // what a birthday has in the column of event numbers
 
 enum Column { ColId, ColName, ColKind };
@@ -28,6 +28,20 @@ forms::Design WindowDesign() {
     design.caption = QStringLiteral("Органайзер");
     design.border = forms::Border::Fixed;
     return design;
+}
+
+/// The hint fills the room beside the calendar. If large letters leave too little, it takes what it needs to
+/// be no higher than the calendar.
+int HintWidth(const QLabel& hint, int room, int height) {
+    constexpr int LeastLetters = 24;
+    constexpr int MostLetters = 48;
+    const int letter = hint.fontMetrics().averageCharWidth();
+    if (room >= LeastLetters * letter)
+        return room;
+    int width = LeastLetters * letter;
+    while (width < MostLetters * letter && hint.heightForWidth(width) > height)
+        width += letter;
+    return width;
 }
 
 engine::Recordset OpenBirthdays() {
@@ -71,18 +85,17 @@ void frmCalendar::CreateControls(QWidget* surface) {
     Label1->setWordWrap(true);
     Label1->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     Label1->setBuddy(mnvCalendar);
-    // The hint fills the row up to the width of the table, but stays readable beside a calendar of large
-    // letters.
-    constexpr int LeastLetters = 24;
     constexpr int Gap = 9;
-    const int room = forms::ToPixels(GridWidth) - mnvCalendar->sizeHint().width() - Gap;
-    const int width = std::max(room, Label1->fontMetrics().averageCharWidth() * LeastLetters);
-    Label1->setFixedWidth(width);
-    Label1->setMinimumHeight(Label1->heightForWidth(width));
+    const QSize calendar = mnvCalendar->sizeHint();
+    const int hintWidth =
+        HintWidth(*Label1, forms::ToPixels(GridWidth) - calendar.width() - Gap, calendar.height());
+    Label1->setFixedWidth(hintWidth);
+    Label1->setMinimumHeight(Label1->heightForWidth(hintWidth));
 
     gridEvent = forms::Named(new forms::FlexGrid(2, 3, surface), QStringLiteral("gridEvent"));
     gridEvent->setAccessibleName(QStringLiteral("События выбранного дня"));
-    gridEvent->setFixedWidth(forms::ToPixels(GridWidth));
+    m_gridWidth = std::max(GridWidth, forms::ToTwips(calendar.width() + Gap + hintWidth));
+    gridEvent->setFixedWidth(forms::ToPixels(m_gridWidth));
     gridEvent->setMinimumHeight(gridEvent->fontMetrics().height() * 11);
 
     auto* layout = new QGridLayout(surface);
@@ -145,7 +158,7 @@ void frmCalendar::MarkDaysOfMonth() {
 
 void frmCalendar::SetGridHeader() {
     const int columns = gridEvent->Cols() - 1;
-    const int width = static_cast<int>(runtime::RoundHalfEven((GridWidth - 350.0) / columns));
+    const int width = static_cast<int>(runtime::RoundHalfEven((m_gridWidth - 350.0) / columns));
     gridEvent->SetColWidth(ColId, 0);
     for (int column = 1; column <= columns; ++column)
         gridEvent->SetColWidth(column, width);

@@ -34,4 +34,5 @@ private:
 
     forms::MonthView* mnvCalendar = nullptr;
     forms::FlexGrid* gridEvent = nullptr;
+    int m_gridWidth = 0; ///< twips
 };

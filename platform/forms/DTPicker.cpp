@@ -47,6 +47,7 @@ DTPicker::DTPicker(QWidget* parent)
     setDateRange(FirstControlDate(), LastControlDate());
     setCalendarPopup(true);
     setCalendarWidget(new MonthView);
+    calendarWidget()->setContentsMargins(1, 1, 1, 1);
     calendarWidget()->focusProxy()->installEventFilter(this);
     lineEdit()->installEventFilter(this);
 }

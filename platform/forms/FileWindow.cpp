@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QFileSystemModel>
 #include <QHeaderView>
+#include <QScreen>
 #include <QStyledItemDelegate>
 #include <QTreeView>
 
@@ -62,7 +63,8 @@ void FileWindow::WidenColumns() {
     widen(TypeColumn, QString(16, u'x'));
     widen(DateColumn, QStringLiteral("00.00.0000 00:00"));
     const int sideBar = width / 4;
-    resize(size().expandedTo(QSize(width + sideBar, 30 * fontMetrics().height())));
+    const QSize wanted = size().expandedTo(QSize(width + sideBar, 30 * fontMetrics().height()));
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9));
 }
 
 void FileWindow::accept() {

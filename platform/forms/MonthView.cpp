@@ -106,6 +106,15 @@ void MonthView::changeEvent(QEvent* event) {
         ApplyColours();
 }
 
+void MonthView::paintEvent(QPaintEvent* event) {
+    QCalendarWidget::paintEvent(event);
+    if (contentsMargins().isNull())
+        return;
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
 void MonthView::paintCell(QPainter* painter, const QRect& rect, QDate date) const {
     QCalendarWidget::paintCell(painter, rect, date);
     if (date == selectedDate() && hasFocus()) {

@@ -7,7 +7,8 @@ namespace forms {
 /// A calendar of one month with a selected day, its Value. The shown month is always the month of Value:
 /// turning the page takes the day along, to the same day of the new month or, if that has none, to its last
 /// one. By keyboard the arrows go by days and weeks, Home and End to the ends of the month, PgUp and PgDn by
-/// months, with Ctrl by years. Assistive tools read the day out with the name of the calendar.
+/// months, with Ctrl by years. It has a frame where its contents margins leave room for one. Assistive tools
+/// read the day out with the name of the calendar.
 class MonthView : public QCalendarWidget {
     Q_OBJECT
 
@@ -37,6 +38,7 @@ Q_SIGNALS:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void paintCell(QPainter* painter, const QRect& rect, QDate date) const override;
 
 private:

@@ -1,6 +1,10 @@
 #include "platform/forms/ProgramStyle.h"
 
+#include <QApplication>
+#include <QPainter>
 #include <QStyleOptionButton>
+#include <QStyleOptionMenuItem>
+#include <QStyleOptionTitleBar>
 
 namespace forms {
 
@@ -12,20 +16,71 @@ bool IsDark(const QPalette& palette) {
     return palette.color(QPalette::Window).lightness() < MiddleGrey;
 }
 
+/// Outlines are shades of the window's colour.
+void LightOutlines(QPalette& palette) {
+    palette.setColor(QPalette::Window, palette.color(QPalette::WindowText));
+}
+
 } // namespace
 
 void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                  const QWidget* widget) const {
-    const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
-    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
-    if (!isMark || !button || !IsDark(option->palette)) {
+    if (!IsDark(option->palette)) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
     }
-    // The outline is a shade of the window's colour.
-    QStyleOptionButton lit(*button);
-    lit.palette.setColor(QPalette::Window, lit.palette.color(QPalette::WindowText));
-    QProxyStyle::drawPrimitive(element, &lit, painter, widget);
+    const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    if (isMark && button) {
+        QStyleOptionButton lit(*button);
+        LightOutlines(lit.palette);
+        QProxyStyle::drawPrimitive(element, &lit, painter, widget);
+    } else if (element == PE_PanelMenu) {
+        QStyleOption lit(*option);
+        LightOutlines(lit.palette);
+        QProxyStyle::drawPrimitive(element, &lit, painter, widget);
+    } else {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+void ProgramStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                               const QWidget* widget) const {
+    const auto* entry = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    const bool isSeparator = element == CE_MenuItem && entry &&
+                             entry->menuItemType == QStyleOptionMenuItem::Separator && entry->text.isEmpty();
+    if (!isSeparator || !IsDark(option->palette)) {
+        QProxyStyle::drawControl(element, option, painter, widget);
+        return;
+    }
+    constexpr int Inset = 6;
+    const QRect place = option->rect;
+    painter->fillRect(QRect(place.left() + Inset, place.center().y(), place.width() - 2 * Inset, 1),
+                      option->palette.color(QPalette::WindowText).darker(250));
+}
+
+void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                      QPainter* painter, const QWidget* widget) const {
+    const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
+    const bool active = bar && (bar->titleBarState & State_Active);
+    if (control != CC_TitleBar || !bar || active || !IsDark(option->palette)) {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        return;
+    }
+    // The signs on an inactive title bar would be black: as on an active one they are light.
+    QStyleOptionTitleBar lit(*bar);
+    lit.titleBarState |= State_Active;
+    lit.state |= State_Active;
+    lit.palette.setColor(QPalette::Highlight, bar->palette.color(QPalette::Window).lighter(120));
+    QProxyStyle::drawComplexControl(control, &lit, painter, widget);
+}
+
+int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    const int pixels = QProxyStyle::pixelMetric(metric, option, widget);
+    if (metric != PM_TitleBarHeight)
+        return pixels;
+    constexpr int AroundTitle = 6;
+    return std::max(pixels, QFontMetrics(QApplication::font("QMdiSubWindowTitleBar")).height() + AroundTitle);
 }
 
 int ProgramStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,

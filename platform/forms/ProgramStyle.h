@@ -4,9 +4,9 @@
 
 namespace forms {
 
-/// The toolkit's own style as the program wants it. Boxes and circles are seen on dark grounds too: it draws
-/// their outlines darker than the ground, whatever the ground is. The buttons of boxes and dialogs have no
-/// icons, as those of the windows have none.
+/// The toolkit's own style as the program wants it. On dark grounds it draws the outlines of boxes, circles
+/// and menus and the signs of inactive title bars darker than the ground; here they are lighter. Title bars
+/// grow with their font. The buttons of boxes and dialogs have no icons, as those of the windows have none.
 class ProgramStyle : public QProxyStyle {
     Q_OBJECT
 
@@ -15,6 +15,11 @@ public:
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override;
 };

@@ -16,7 +16,9 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTest>
+#include <QTreeView>
 
 using forms::Answer;
 using forms::Icon;
@@ -107,6 +109,11 @@ TEST(MsgBoxTest, ErrorBox) {
     forms::ShowEscapedFailure(failure);
 }
 
+/// Lets a test ask a delegate what it would draw.
+struct Reader : QStyledItemDelegate {
+    using QStyledItemDelegate::initStyleOption;
+};
+
 class CommonDialogTest : public testing::Test {
 protected:
     QString Native(const QString& name) const { return QDir::toNativeSeparators(folder.Path(name)); }
@@ -146,6 +153,25 @@ TEST_F(CommonDialogTest, ListsFilesInRussian) {
               QStringLiteral("декабря"))
         << "by this the dialog writes its dates, whatever the language of the system";
     EXPECT_NE(qgetenv("LC_ALL"), QByteArray("ru_RU.UTF-8"));
+
+    ASSERT_TRUE(QDir().mkpath(folder.Path(QStringLiteral("books/old"))));
+    QFile book(folder.Path(QStringLiteral("books/my.mdb")));
+    ASSERT_TRUE(book.open(QFile::WriteOnly) && book.resize(1536));
+    dialog.InitDir = folder.Path(QStringLiteral("books"));
+    answers.File(QString(), [](QFileDialog& window) {
+        const auto* files = window.findChild<QTreeView*>(QStringLiteral("treeView"));
+        const QAbstractItemView& list = *files;
+        const auto row = [files](int number) { return files->model()->index(number, 0, files->rootIndex()); };
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !row(1).siblingAtColumn(1).data().toString().isEmpty(); }));
+        for (int column = 0; column < 4; ++column)
+            EXPECT_GE(files->columnWidth(column), list.sizeHintForColumn(column));
+        EXPECT_EQ(row(0).siblingAtColumn(2).data(), QStringLiteral("Папка"));
+        QStyleOptionViewItem size;
+        const auto* delegate = qobject_cast<QStyledItemDelegate*>(files->itemDelegateForColumn(1));
+        (delegate->*&Reader::initStyleOption)(&size, row(1).siblingAtColumn(1));
+        EXPECT_EQ(size.text, QStringLiteral("1,5 кБ"));
+    });
+    dialog.ShowOpen(nullptr);
 }
 
 TEST_F(CommonDialogTest, CancelLeavesTheNameEmpty) {

@@ -46,6 +46,16 @@ void DialogWindow::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
+/// The keyboard goes back to the owner. Window managers see to that too, but not all of them where a box and
+/// the dialog below it go at once.
+void DialogWindow::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    const QWindow* window = windowHandle();
+    QWindow* owner = window ? window->transientParent() : nullptr;
+    if (owner && owner->isVisible())
+        owner->requestActivate();
+}
+
 void DialogWindow::keyPressEvent(QKeyEvent* event) {
     const std::shared_ptr<Form> form = m_form.lock();
     if (!form || !form->PressButtonFor(*event))

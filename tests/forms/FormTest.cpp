@@ -246,6 +246,7 @@ TEST_F(FormTest, ModalShowEndsWhenTheWindowIsHiddenAndKeepsWhatItHolds) {
         });
         dialog->Show(true);
         QTest::qWait(1);
+        EXPECT_TRUE(frame->Window()->isActiveWindow());
         EXPECT_EQ(dialog->Tag(), QStringLiteral("1"));
         EXPECT_EQ(dialog->txtFirst->text(), QString(round + 1, u'x'));
         const QString told = TakeTold();

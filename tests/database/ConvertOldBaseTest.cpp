@@ -62,12 +62,12 @@ protected:
             if (!it.value().isObject())
                 continue;
             QStringList columns;
-            for (const QJsonValue& column : it.value()[QLatin1String("columns")].toArray())
+            for (const auto& column : it.value()[QLatin1String("columns")].toArray())
                 columns += column.toString();
             QStringList expected;
-            for (const QJsonValue& row : it.value()[QLatin1String("rows")].toArray()) {
+            for (const auto& row : it.value()[QLatin1String("rows")].toArray()) {
                 QStringList values;
-                for (const QJsonValue& value : row.toArray())
+                for (const auto& value : row.toArray())
                     values += value.isNull() ? QStringLiteral("NULL") : value.toVariant().toString();
                 expected += values.join(u'|');
             }

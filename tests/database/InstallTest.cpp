@@ -43,7 +43,7 @@ protected:
         boxes(answers);
         const std::shared_ptr<frmInstall> master = forms::Form::Default<frmInstall>();
         master->Show(true);
-        const QString tag = master->Tag();
+        QString tag = master->Tag();
         master->Unload();
         return tag;
     }

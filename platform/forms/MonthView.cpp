@@ -1,6 +1,7 @@
 #include "platform/forms/MonthView.h"
 
 #include "platform/forms/DateRange.h"
+#include "platform/forms/RowDelegate.h"
 #include "platform/runtime/Dates.h"
 
 #include <QCoreApplication>
@@ -9,7 +10,6 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScopedValueRollback>
-#include <QStyleOptionFocusRect>
 #include <QTextCharFormat>
 #include <QToolButton>
 
@@ -117,21 +117,23 @@ void MonthView::paintEvent(QPaintEvent* event) {
 
 void MonthView::paintCell(QPainter* painter, const QRect& rect, QDate date) const {
     QCalendarWidget::paintCell(painter, rect, date);
-    if (date == selectedDate() && hasFocus()) {
-        QStyleOptionFocusRect focus;
-        focus.initFrom(this);
-        focus.rect = rect.adjusted(1, 1, -1, -1);
-        focus.backgroundColor = palette().color(QPalette::Highlight);
-        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, painter, this);
-    }
-    if (date != runtime::Today())
-        return;
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
     const bool selected = date == selectedDate();
-    painter->setPen(
-        QPen(selected ? palette().color(QPalette::HighlightedText) : ColoursOn(palette()).weekend, 1.5));
-    painter->drawRoundedRect(QRectF(rect).adjusted(1.5, 1.5, -1.5, -1.5), 3, 3);
+    painter->save();
+    if (selected && !hasFocus()) {
+        QFont font = painter->font();
+        font.setBold(DayBold(date));
+        painter->setFont(font);
+        painter->fillRect(rect, PaleSelection(palette()));
+        painter->setPen(palette().color(QPalette::Text));
+        painter->drawText(rect, Qt::AlignCenter, QString::number(date.day()));
+    }
+    if (date == runtime::Today()) {
+        const QColor ring = selected && hasFocus() ? palette().color(QPalette::HighlightedText)
+                                                   : ColoursOn(palette()).weekend;
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(ring, 1.5));
+        painter->drawRoundedRect(QRectF(rect).adjusted(1.5, 1.5, -1.5, -1.5), 3, 3);
+    }
     painter->restore();
 }
 

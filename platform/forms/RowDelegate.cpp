@@ -8,19 +8,22 @@ namespace {
 
 /// A selection that marks its row without claiming the keyboard.
 void MakePale(QPalette& palette) {
-    constexpr qreal Strength = 0.3;
     for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-        const QColor ground = palette.color(group, QPalette::Base);
-        const QColor mark = palette.color(group, QPalette::Highlight);
-        const auto mixed = [](int from, int to) { return from + qRound((to - from) * Strength); };
-        palette.setColor(group, QPalette::Highlight,
-                         QColor(mixed(ground.red(), mark.red()), mixed(ground.green(), mark.green()),
-                                mixed(ground.blue(), mark.blue())));
+        palette.setColor(group, QPalette::Highlight, PaleSelection(palette, group));
         palette.setColor(group, QPalette::HighlightedText, palette.color(group, QPalette::Text));
     }
 }
 
 } // namespace
+
+QColor PaleSelection(const QPalette& palette, QPalette::ColorGroup group) {
+    constexpr qreal Strength = 0.3;
+    const QColor ground = palette.color(group, QPalette::Base);
+    const QColor mark = palette.color(group, QPalette::Highlight);
+    const auto mixed = [](int from, int to) { return from + qRound((to - from) * Strength); };
+    return {mixed(ground.red(), mark.red()), mixed(ground.green(), mark.green()),
+            mixed(ground.blue(), mark.blue())};
+}
 
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     QSize size = QStyledItemDelegate::sizeHint(option, index);

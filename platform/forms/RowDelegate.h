@@ -4,6 +4,9 @@
 
 namespace forms {
 
+/// The ground of what is selected but does not have the keyboard; the usual text is read on it.
+QColor PaleSelection(const QPalette& palette, QPalette::ColorGroup group = QPalette::Active);
+
 /// The rows of grids and lists: with air around their texts, and with a selection that is strong where the
 /// keyboard is and pale elsewhere.
 class RowDelegate : public QStyledItemDelegate {

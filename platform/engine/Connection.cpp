@@ -361,6 +361,8 @@ void Connection::Execute(const QString& text, bool failOnError) {
     try {
         NoticeOthers(false);
         for (bool again = false;; again = true) {
+            // Its tables may be gone too, which would read like a mistake in the statement.
+            m_commits->RaiseLoss();
             try {
                 return Run(PlanOf(text, sql::Purpose::Execute), failOnError);
             } catch (const runtime::Failure&) {

@@ -49,8 +49,7 @@ void Transactions::OpenLevels(Doing doing, const QString& table) {
 
 void Transactions::CommitTrans() {
     CheckAlive();
-    if (m_lost)
-        throw runtime::Failure(*m_lost);
+    RaiseLoss();
     if (m_openLevels == m_depth) {
         const int code =
             Run(m_depth == 1 ? QStringLiteral("COMMIT") : QStringLiteral("RELEASE ") + LevelName(m_depth));
@@ -78,10 +77,14 @@ void Transactions::Rollback() {
         m_lost.reset();
 }
 
-bool Transactions::BeforeWrite(Doing doing, const QString& table) {
-    CheckAlive();
+void Transactions::RaiseLoss() const {
     if (m_lost)
         throw runtime::Failure(*m_lost);
+}
+
+bool Transactions::BeforeWrite(Doing doing, const QString& table) {
+    CheckAlive();
+    RaiseLoss();
     const bool held = HoldsLock();
     if (m_depth > 0) {
         OpenLevels(doing, table);

@@ -24,6 +24,8 @@ public:
     void Rollback();
     int Depth() const { return m_depth; }
 
+    /// Raises a remembered loss: what a statement stands on may be gone.
+    void RaiseLoss() const;
     /// Makes sure that a statement may write: raises a remembered loss, opens the group or the levels. True
     /// if the write lock has been taken by this call. `table` is for the message.
     bool BeforeWrite(Doing doing, const QString& table);

@@ -88,6 +88,7 @@ TEST_F(Commit, ALostGroupIsToldToWhoeverPassesOverFailures) {
     };
     EXPECT_EQ(insert(1), 0);
     engine::DBEngine::Commit();
+    Run(QStringLiteral("CREATE TABLE extra (x TEXT(5))"));
     int failures = 0;
     {
         const NoRoom noRoom(path);
@@ -100,6 +101,7 @@ TEST_F(Commit, ALostGroupIsToldToWhoeverPassesOverFailures) {
     // There is room again, but the rows before the failure are gone: nothing may go on as if they were there.
     EXPECT_EQ(failures, 200);
     EXPECT_NE(insert(6000), 0);
+    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO extra (x) VALUES ('x')")), insert(6000));
     EXPECT_NE(test::FailureOf([] { engine::DBEngine::Commit(); }), 0);
     EXPECT_EQ(test::FailureOf([] { engine::DBEngine::Commit(); }), 0);
     EXPECT_EQ(insert(6000), 0);

@@ -63,7 +63,7 @@ TEST_F(CrashTest, ImportLeavesWholeStatements) {
     test::WriteBytes(Beside("in.csv"), text);
 
     const QStringList letters{"", "h", "m", "b"};
-    int imported = 0;
+    qsizetype imported = 0;
     for (const auto moment : test::Moments("import", {1ms, 40ms, 90ms, 150ms, 230ms, 400ms, 700ms}, 60)) {
         SCOPED_TRACE(moment.count());
         Execute("DELETE FROM a01");

@@ -34,7 +34,7 @@ void Semicolon(QWidget& dialog) {
 }
 
 /// Leaves only these items ticked, counted from 1, and presses OK.
-std::function<void(QWidget&)> OkWith(QList<int> items, bool semicolon = false) {
+std::function<void(QWidget&)> OkWith(const QList<int>& items, bool semicolon = false) {
     return [=](QWidget& dialog) {
         QListWidget& list = Parameters(dialog);
         for (int item = 1; item <= list.count(); ++item)

@@ -88,7 +88,7 @@ TEST_F(RecordTest, TheKeyIsTheThreeNamesUnderLike) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.row.front().second.toStdString());
         const int updates = record.GetUpdateNumber();
-        const int before = Cards().size();
+        const auto before = Cards().size();
         EXPECT_TRUE(Put(c.row + Cells{{"Home Phone", "найден"}}));
         EXPECT_EQ(record.GetUpdateNumber() - updates, c.found != 0 ? 1 : 0);
         EXPECT_EQ(Cards().size() - before, c.found != 0 ? 0 : 1);

@@ -25,7 +25,7 @@ protected:
     QString Path(const QString& name) const { return m_folder.Path(name); }
 
     QString Copy(const char* name) const {
-        const QString path = Path(QString::fromUtf8(name));
+        QString path = Path(QString::fromUtf8(name));
         EXPECT_TRUE(QFile::copy(test::OldFile(QString::fromUtf8(name)), path));
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
         return path;
@@ -42,7 +42,7 @@ private:
 void ExpectTable(engine::Database& database, const QString& table, const QJsonObject& expected) {
     SCOPED_TRACE(table.toStdString());
     QStringList names;
-    for (const QJsonValue& column : expected[QLatin1String("columns")].toArray())
+    for (const auto& column : expected[QLatin1String("columns")].toArray())
         names += u'[' + column.toString() + u']';
     engine::Recordset set = database.OpenRecordset(
         QStringLiteral("SELECT %1 FROM [%2] ORDER BY %3").arg(names.join(u','), table, names.front()));

@@ -37,7 +37,7 @@ void ExpectRows(const Reader& reader, const Table& table, const QJsonObject& exp
     QJsonArray rows;
     for (const auto& row : SortedRows(reader, table)) {
         QJsonArray values;
-        for (const QJsonValue& column : columns) {
+        for (const auto& column : columns) {
             const int place = table.Find(column.toString());
             ASSERT_GE(place, 0) << column.toString().toStdString();
             values.append(test::JsonOf(row[static_cast<std::size_t>(place)],

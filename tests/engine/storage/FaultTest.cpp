@@ -123,7 +123,7 @@ protected:
     }
 
     QString Copy() const {
-        const QString copy = folder.Path(QStringLiteral("copy.mdb"));
+        QString copy = folder.Path(QStringLiteral("copy.mdb"));
         QFile::remove(copy);
         QFile::remove(copy + QStringLiteral("-journal"));
         QFile::copy(path, copy);

@@ -183,7 +183,10 @@ void Connection::CheckSound() {
     if (const QString finding = check.Text(0); finding != QLatin1String("ok"))
         raise(CodeIn(finding));
     check.Finish();
-    sqlite3_exec(m_db, "PRAGMA ignore_check_constraints = OFF", nullptr, nullptr, nullptr);
+    if (const int off =
+            sqlite3_exec(m_db, "PRAGMA ignore_check_constraints = OFF", nullptr, nullptr, nullptr);
+        off != SQLITE_OK)
+        raise(off);
     for (const QString& table : m_catalog->TableNames())
         m_catalog->FindLayout(table);
 }
@@ -527,6 +530,7 @@ void Connection::ChangeSchema(const QString& table, Work work) {
     try {
         SchemaEditor editor(m_db, m_path, *m_catalog, *m_counters);
         work(editor);
+        m_commits->CheckAlive();
         if (const int code = run("RELEASE definition"); code != SQLITE_OK)
             throw FailureFrom(m_db, code, Doing::Define, m_path, table);
     } catch (const runtime::Failure& failure) {

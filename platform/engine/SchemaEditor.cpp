@@ -63,6 +63,10 @@ SchemaEditor::SchemaEditor(sqlite3* db, QString path, const FileCatalog& catalog
 }
 
 void SchemaEditor::Run(const QString& text) {
+    // Where memory runs out SQLite can take back the transaction; what is written behind that would stand
+    // alone.
+    if (sqlite3_get_autocommit(m_db) != 0)
+        runtime::Raise(runtime::OutOfMemory);
     Statement statement;
     int code = statement.Prepare(m_db, text);
     if (code == SQLITE_OK)
@@ -240,9 +244,13 @@ void SchemaEditor::DropIndex(const QString& name, const QString& index) {
 
 bool SchemaEditor::IsEmpty(const QString& table) const {
     Statement any;
-    return any.Prepare(m_db, QStringLiteral("SELECT 1 FROM ") + QuoteName(table) +
-                                 QStringLiteral(" LIMIT 1")) == SQLITE_OK &&
-           any.Step() == SQLITE_DONE;
+    int code =
+        any.Prepare(m_db, QStringLiteral("SELECT 1 FROM ") + QuoteName(table) + QStringLiteral(" LIMIT 1"));
+    if (code == SQLITE_OK)
+        code = any.Step();
+    if (code != SQLITE_ROW && code != SQLITE_DONE)
+        throw FailureFrom(m_db, code, Doing::Define, m_path, m_table);
+    return code == SQLITE_DONE;
 }
 
 void SchemaEditor::Rebuild(const Layout& old, const Layout& changed, const QStringList& sources) {

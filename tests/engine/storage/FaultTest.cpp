@@ -6,6 +6,7 @@
 #include "tests/support/FaultSweep.h"
 #include "tests/support/FullRun.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QSet>
 
@@ -152,6 +153,44 @@ TEST_F(Faults, OfTheDisk) {
     test::SweepFaults("engine", 20, [this](test::Fault& fault) { return Survives(fault); });
 }
 
+TEST_F(Faults, WhatTheyHaveLeftDoesNotMeetANewFile) {
+    const QString copy = Copy();
+    {
+        const test::FaultyFiles faulty([](test::FaultyFiles::Call call) {
+            return call == test::FaultyFiles::Call::Delete ? test::FaultyFiles::PowerOff : SQLITE_OK;
+        });
+        Session(copy).Run();
+        test::FaultyFiles::PowerOn(test::FaultyFiles::Remains::Nothing);
+    }
+    const QString journal = copy + QStringLiteral("-journal");
+    ASSERT_TRUE(QFile::exists(journal));
+    QFile::remove(copy);
+    const QDateTime now = QDateTime::currentDateTime();
+    const struct {
+        QString path;
+        QDateTime written;
+        bool stays;
+    } others[] = {
+        {folder.Path(QStringLiteral(".zavelik-0123456789abcdef.new")), now.addDays(-2), false},
+        {folder.Path(QStringLiteral(".zavelik-0123456789abcdef.new-journal")), now.addDays(-2), false},
+        {folder.Path(QStringLiteral(".zavelik-fedcba9876543210.new")), now.addSecs(-3600), true},
+        {folder.Path(QStringLiteral(".zavelik-notes")), now.addDays(-2), true},
+    };
+    for (const auto& other : others) {
+        QFile file(other.path);
+        ASSERT_TRUE(file.open(QFile::WriteOnly));
+        ASSERT_TRUE(file.setFileTime(other.written, QFileDevice::FileModificationTime));
+    }
+
+    const auto book = workspace->CreateDatabase(copy, {});
+    EXPECT_EQ(book->TableNames(), QStringList());
+    book->Close();
+    EXPECT_EQ(test::Integrity(copy), QStringLiteral("ok"));
+    EXPECT_FALSE(QFile::exists(journal));
+    for (const auto& other : others)
+        EXPECT_EQ(QFile::exists(other.path), other.stays) << other.path.toStdString();
+}
+
 namespace {
 
 sqlite3_mem_methods realMemory;
@@ -207,4 +246,37 @@ TEST_F(Faults, OfMemory) {
     }
     EXPECT_GT(places, 50);
     std::cout << "FIGURE allocations refused: engine: " << places - 1 << std::endl;
+}
+
+TEST_F(Faults, OfMemoryInADefinition) {
+    const FaultyMemory memory;
+    const test::FaultyFiles quick([](test::FaultyFiles::Call) { return SQLITE_OK; });
+    const QString copy = Copy();
+    const auto book = workspace->OpenDatabase(copy);
+    engine::TableField field = book->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01last"));
+    bool hit = true;
+    int expected = 0;
+    int place = 0;
+    while (hit) {
+        SCOPED_TRACE(++place);
+        // The statement is in one group with the definition: both are there, or a loss is told.
+        book->Execute(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, 'ж')").arg(place),
+                      engine::dbFailOnError);
+        allocationsLeft = place;
+        const int failure = test::FailureOf([&] { field.SetAllowZeroLength(true); });
+        hit = allocationsLeft == 0;
+        allocationsLeft = -1;
+        EXPECT_TRUE(failure == 0 || (hit && failure == runtime::OutOfMemory)) << failure;
+        EXPECT_EQ(field.AllowZeroLength(), failure == 0);
+        if (test::FailureOf([] { engine::DBEngine::Commit(); }) == 0)
+            ++expected;
+        ASSERT_EQ(test::Rows(book->OpenRecordset(QStringLiteral("SELECT count(*) FROM a01"))),
+                  QStringList(QString::number(expected)));
+        if (failure == 0)
+            field.SetAllowZeroLength(false);
+        engine::DBEngine::Commit();
+    }
+    EXPECT_GT(place, 100);
+    book->Close();
+    EXPECT_EQ(test::Integrity(copy), QStringLiteral("ok"));
 }

@@ -55,9 +55,9 @@ void FileCatalog::ReadNames() const {
     if (m_read)
         return;
     Statement names;
+    // A virtual table has no page of its own.
     int code = names.Prepare(m_db, u"SELECT name, sql FROM sqlite_schema WHERE type = 'table' AND name NOT "
-                                   u"LIKE 'sqlite\\_%' ESCAPE '\\' "
-                                   u"AND sql NOT LIKE 'CREATE VIRTUAL%' ORDER BY rowid");
+                                   u"LIKE 'sqlite\\_%' ESCAPE '\\' AND rootpage <> 0 ORDER BY rowid");
     if (code != SQLITE_OK)
         Raise(code);
     std::vector<Entry> tables;

@@ -22,6 +22,7 @@ namespace {
 constexpr int maxPlans = 200;
 constexpr auto lookInterval = std::chrono::milliseconds(50);
 constexpr sqlite3_int64 heapLimit = sqlite3_int64{2} << 30;
+constexpr int longestValue = 1 << 27; ///< bytes; a definition in a strange file could ask for any length
 
 // Nothing of the file is trusted but its rows: what a strange file brings along as code never runs.
 void Harden(sqlite3* db) {
@@ -35,13 +36,16 @@ void Harden(sqlite3* db) {
         {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
         {SQLITE_DBCONFIG_ENABLE_VIEW, 0},
         {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
+        {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0},
         {SQLITE_DBCONFIG_ENABLE_FKEY, 0},
+        {SQLITE_DBCONFIG_LEGACY_ALTER_TABLE, 1}, // what does not run may be broken without harm to a rename
         {SQLITE_DBCONFIG_DQS_DDL, 0},
         {SQLITE_DBCONFIG_DQS_DML, 0},
     });
     for (const Setting& setting : settings)
         sqlite3_db_config(db, setting.option, setting.value, nullptr);
     sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
+    sqlite3_limit(db, SQLITE_LIMIT_LENGTH, longestValue);
 }
 
 // The check of a file tells in words alone that a page could not be read; anything else that it finds is
@@ -123,6 +127,8 @@ Connection::Connection(const QString& path)
             throw FailureFrom(m_db, code, Doing::Open, m_path);
         Configure();
         CheckSound();
+        // Not before: it writes to a file that other means have set to a write-ahead log.
+        Pragma("PRAGMA journal_mode = DELETE");
         m_seenData = ReadNumber(m_dataVersion, u"PRAGMA data_version");
         m_seenSchema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
         m_lastLook = Clock::now();
@@ -152,43 +158,61 @@ void Connection::Configure() {
     functions::RegisterCollations(m_db);
     functions::RegisterFunctions(m_db);
     // EXTRA: a commit that has been reported is on the disk, the removal of the journal included.
-    for (const char* pragma :
-         {"PRAGMA cell_size_check = ON", "PRAGMA temp_store = MEMORY", "PRAGMA cache_size = -16000",
-          "PRAGMA synchronous = EXTRA", "PRAGMA journal_mode = DELETE"})
-        if (const int code = sqlite3_exec(m_db, pragma, nullptr, nullptr, nullptr); code != SQLITE_OK)
-            throw FailureFrom(m_db, code, Doing::Open, m_path);
+    for (const char* pragma : {"PRAGMA cell_size_check = ON", "PRAGMA temp_store = MEMORY",
+                               "PRAGMA cache_size = -16000", "PRAGMA synchronous = EXTRA"})
+        Pragma(pragma);
     m_catalog = std::make_unique<FileCatalog>(m_db, m_path);
     m_counters = std::make_unique<Counters>(m_db);
     m_keys = std::make_unique<KeyIndexes>(m_db, [this](int code) { RaiseRead(code); });
     m_readOnly = sqlite3_db_readonly(m_db, "main") == 1;
 }
 
+void Connection::Pragma(const char* text) {
+    if (const int code = sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); code != SQLITE_OK)
+        throw FailureFrom(m_db, code, Doing::Open, m_path);
+}
+
 void Connection::CheckSound() {
-    const auto raise = [this](int code) { throw FailureFrom(m_db, code, Doing::Open, m_path); };
-    Statement mark;
-    if (ReadNumber(mark, u"PRAGMA application_id") != applicationId) {
-        const int code = sqlite3_errcode(m_db);
-        if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE)
-            raise(sqlite3_extended_errcode(m_db));
+    CheckMark();
+    // SQLite takes what is missing of the last page for zeros.
+    Statement pageCount;
+    Statement pageSize;
+    if (QFileInfo(m_path).size() <
+        ReadNumber(pageCount, u"PRAGMA page_count") * ReadNumber(pageSize, u"PRAGMA page_size"))
+        RaiseEngine(CannotOpenDatabase, m_path);
+    // Columns that are worked out one from the other can keep any reader busy for ever.
+    if (Ask(u"SELECT count(*) FROM sqlite_schema AS s, pragma_table_xinfo(s.name) AS c WHERE s.type = "
+            u"'table' AND s.rootpage <> 0 AND c.hidden > 1")
+            .Number(0) != 0)
         RaiseEngine(UnrecognisedFormat, m_path);
-    }
     // Rows older than a rule may break it, and the file is sound all the same.
-    sqlite3_exec(m_db, "PRAGMA ignore_check_constraints = ON", nullptr, nullptr, nullptr);
-    Statement check;
-    int code = check.Prepare(m_db, u"PRAGMA quick_check(1)");
-    if (code == SQLITE_OK)
-        code = check.Step();
-    if (code != SQLITE_ROW)
-        raise(code);
-    if (const QString finding = check.Text(0); finding != QLatin1String("ok"))
-        raise(CodeIn(finding));
-    check.Finish();
-    if (const int off =
-            sqlite3_exec(m_db, "PRAGMA ignore_check_constraints = OFF", nullptr, nullptr, nullptr);
-        off != SQLITE_OK)
-        raise(off);
+    Pragma("PRAGMA ignore_check_constraints = ON");
+    if (const QString finding = Ask(u"PRAGMA quick_check(1)").Text(0); finding != QLatin1String("ok"))
+        throw FailureFrom(m_db, CodeIn(finding), Doing::Open, m_path);
+    Pragma("PRAGMA ignore_check_constraints = OFF");
     for (const QString& table : m_catalog->TableNames())
         m_catalog->FindLayout(table);
+}
+
+void Connection::CheckMark() {
+    Statement mark;
+    if (ReadNumber(mark, u"PRAGMA application_id") == applicationId)
+        return;
+    const int code = sqlite3_errcode(m_db);
+    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE)
+        throw FailureFrom(m_db, sqlite3_extended_errcode(m_db), Doing::Open, m_path);
+    RaiseEngine(UnrecognisedFormat, m_path);
+}
+
+/// The one row that a question about the whole file gives.
+Statement Connection::Ask(QStringView question) const {
+    Statement statement;
+    int code = statement.Prepare(m_db, question);
+    if (code == SQLITE_OK)
+        code = statement.Step();
+    if (code != SQLITE_ROW)
+        throw FailureFrom(m_db, code, Doing::Open, m_path);
+    return statement;
 }
 
 void Connection::CheckOpen() const {

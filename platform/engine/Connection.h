@@ -85,7 +85,10 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void Configure();
+    void Pragma(const char* text);
     void CheckSound();
+    void CheckMark();
+    Statement Ask(QStringView question) const;
     BoundPlan PlanOf(const QString& text, sql::Purpose purpose);
     std::vector<sql::Heading> ReadHeadings(const BoundPlan& bound);
     void EvictPlan(QHash<QString, std::shared_ptr<CachedPlan>>& plans) const;

@@ -45,13 +45,15 @@ runtime::Failure FromConstraint(int code, const QString& message, const QString&
 
 // SQLite refuses with this code what is wrong with a text or with a value; the translator has ruled out most
 // of it.
-runtime::Failure FromError(const QString& message, Doing doing) {
+runtime::Failure FromError(const QString& message, Doing doing, const QString& table) {
     int number = 0;
     QString description;
     if (functions::FailureOf(message, number, description))
         return {number, description};
     if (message.contains(QLatin1String("integer overflow")))
         return {runtime::Overflow, runtime::RuntimeText(runtime::Overflow)};
+    if (doing == Doing::Define && message.contains(QLatin1String("already"))) // of a kind that nobody sees
+        return Engine(TableExists, table);
     if (doing == Doing::Define)
         return Engine(SyntaxInCreateTable);
     for (const char* limit : {"too many", "too large", "overflow", "too big", "at most"})
@@ -77,7 +79,9 @@ runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& 
     const auto message = [db] { return QString::fromUtf8(sqlite3_errmsg(db)); };
     switch (code & 0xff) {
     case SQLITE_ERROR:
-        return FromError(message(), doing);
+        if (doing == Doing::Open) // of a newer kind, or it needs what no book of ours does
+            return Engine(CannotOpenDatabase, path);
+        return FromError(message(), doing, table);
     case SQLITE_CONSTRAINT:
         return FromConstraint(code, message(), table);
     case SQLITE_MISMATCH:

@@ -146,7 +146,7 @@ using End = void (*)(sqlite3_context*);
 void RegisterAggregates(sqlite3* db) {
     const auto add = [db](const char* name, Step step, End end) {
         CheckRegistered(sqlite3_create_function_v2(db, name, 1,
-                                                   SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
+                                                   SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
                                                    nullptr, nullptr, step, end, nullptr));
     };
     add("zv_first", StepEdge<false>, EndEdge);

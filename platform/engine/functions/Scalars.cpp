@@ -25,7 +25,7 @@ void Register(sqlite3* db, std::span<const ScalarFunction> functions) {
     for (const ScalarFunction& function : functions) {
         const QByteArray name = "zv_" + QByteArray(function.info.name).toLower();
         const int flags =
-            SQLITE_UTF16 | SQLITE_INNOCUOUS | (function.deterministic ? SQLITE_DETERMINISTIC : 0);
+            SQLITE_UTF16 | SQLITE_DIRECTONLY | (function.deterministic ? SQLITE_DETERMINISTIC : 0);
         for (int count = function.info.minArguments; count <= function.info.maxArguments; ++count)
             CheckRegistered(sqlite3_create_function_v2(db, name.constData(), count, flags,
                                                        const_cast<ScalarFunction*>(&function), CallScalar,

@@ -13,61 +13,7 @@ protected:
     Sharing() { MakeCards(); }
 };
 
-// What a window does to save a new card: a number above all others, the card, its phones, then the box of
-// success.
-int SaveCards(const QString& path, int cards) {
-    const auto book = engine::DBEngine::CreateWorkspace({}, {}, {})->OpenDatabase(path);
-    int saved = 0;
-    while (saved < cards) {
-        const int failure = test::FailureOf([&] {
-            const auto last =
-                book->OpenRecordset(QStringLiteral("SELECT MAX(a01clid) FROM a01")).Fields(0).Value();
-            const QString number = QString::number(last.IsNull() ? 1 : last.Long() + 1);
-            book->Execute(
-                QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, 'Иванов')").arg(number),
-                engine::dbFailOnError);
-            for (const int code : {1, 2})
-                book->Execute(
-                    QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (%1, %2, 'x')")
-                        .arg(number, QString::number(code)),
-                    engine::dbFailOnError);
-            engine::DBEngine::Commit();
-        });
-        if (failure == 0)
-            ++saved;
-        else if (failure != engine::DuplicateKey)
-            return failure;
-    }
-    book->Close();
-    return 0;
-}
-
 } // namespace
-
-// The number of a card can be taken by the other program in between; the engine then says so, and nothing is
-// lost.
-TEST_F(Sharing, TwoProgramsSaveCardsAtTheSameTime) {
-    constexpr int cards = 150;
-    database->Close();
-    std::vector<pid_t> programs;
-    for (int program = 0; program < 2; ++program) {
-        programs.push_back(fork());
-        ASSERT_GE(programs.back(), 0);
-        if (programs.back() == 0)
-            _exit(SaveCards(path, cards) == 0 ? 0 : 1);
-    }
-    for (const pid_t program : programs) {
-        int status = 0;
-        waitpid(program, &status, 0);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
-    database = workspace->OpenDatabase(path);
-    EXPECT_EQ(AskOne(QStringLiteral("SELECT COUNT(*) FROM a01")), QString::number(2 * cards));
-    EXPECT_EQ(AskOne(QStringLiteral("SELECT MAX(a01clid) FROM a01")), QString::number(2 * cards));
-    EXPECT_EQ(Ask(QStringLiteral("SELECT a02clid FROM a02 GROUP BY a02clid HAVING COUNT(*) <> 2")),
-              QStringList());
-    EXPECT_EQ(test::Integrity(path), QStringLiteral("ok"));
-}
 
 TEST_F(Sharing, ATableThatAnotherMakesIsFoundAtOnce) {
     engine::DBEngine::Commit();

@@ -202,12 +202,14 @@ bool InputFile::AtEnd() const {
 QString InputFile::LineInput() {
     if (AtEnd())
         Raise(InputPastEnd);
+    constexpr qsizetype LongestLine = 1 << 26; // bytes; a file can be larger than the memory
     qsizetype length = 0;
     while (m->Reach(length)) {
         const char c = m->buffer[m->place + length];
         if (c == '\r' || c == EndOfText)
             break;
-        ++length;
+        if (++length > LongestLine)
+            Raise(OutOfMemory);
     }
     QString line = From1251(QByteArrayView(m->buffer).sliced(m->place, length));
     m->place += length;

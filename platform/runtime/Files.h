@@ -62,7 +62,7 @@ public:
     InputFile& operator=(const InputFile&) = delete;
 
     bool AtEnd() const;
-    /// The next line without its end; failure 62 at the end of the file.
+    /// The next line without its end; failures 62 at the end of the file, 7 for a line of more than 64 MB.
     QString LineInput();
     void Close();
 

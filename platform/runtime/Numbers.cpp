@@ -152,6 +152,8 @@ double TextToNumber(const QString& text) {
     if (read > 0) {
         if (read != trimmed.size())
             Raise(TypeMismatch);
+        if (std::isinf(prefixed))
+            Raise(Overflow);
         return prefixed;
     }
 

@@ -1,6 +1,7 @@
 #include "platform/runtime/Files.h"
 
 #include "tests/runtime/Expect.h"
+#include "tests/support/PlainUser.h"
 
 #include <gtest/gtest.h>
 
@@ -214,6 +215,9 @@ TEST_F(Files, InputSplitsLinesAtCarriageReturns) {
 
 TEST_F(Files, InputNamesWhatIsWrong) {
     QDir().mkdir(Path(QStringLiteral("folder")));
+    const QString locked = Make(QStringLiteral("locked"), "a");
+    QFile::setPermissions(locked, {});
+    const test::PlainUser user({Path({}), locked});
     const struct {
         QString path;
         int failure;
@@ -221,12 +225,20 @@ TEST_F(Files, InputNamesWhatIsWrong) {
         {Path(QStringLiteral("missing")), runtime::FileNotFound},
         {Path(QStringLiteral("folder")), runtime::PathFileAccess},
         {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
+        {locked, runtime::PathFileAccess},
         {QStringLiteral("/dev/zero"), runtime::PathFileAccess},
         {LongPath(), runtime::BadFileName},
         {QString(), runtime::BadFileName},
     };
     for (const auto& row : rows)
         EXPECT_EQ(test::NumberOf([&] { InputFile file(row.path); }), row.failure) << row.path.toStdString();
+}
+
+TEST_F(Files, ALineLargerThanTheMemoryIsRefused) {
+    const QString path = Make(QStringLiteral("zeros.csv"));
+    ASSERT_TRUE(QFile::resize(path, qint64{1} << 40)); // a hole: it takes no room
+    InputFile file(path);
+    EXPECT_EQ(test::NumberOf([&] { file.LineInput(); }), runtime::OutOfMemory);
 }
 
 TEST_F(Files, PathsAreJoinedWithOneSeparator) {

@@ -2,10 +2,7 @@
 
 #include "platform/runtime/Codec1251.h"
 #include "platform/runtime/Failure.h"
-#include "tests/exchange/CsvFuzz.h"
 #include "tests/exchange/ExchangeTest.h"
-
-#include <random>
 
 namespace {
 
@@ -79,18 +76,6 @@ TEST(CsvReader, Failures) {
     EXPECT_EQ(FailureOf([] { exchange::CellAt({"a", "b"}, 2); }), 9);
     EXPECT_EQ(FailureOf([] { exchange::CellAt({}, 0); }), 9);
     EXPECT_EQ(exchange::CellAt({"a", "b"}, 1), QStringLiteral("b"));
-}
-
-/// Files of chance, mostly of the bytes that mean something to the reader.
-TEST(CsvReader, BearsAnyBytes) {
-    std::mt19937 random(20061205); // NOLINT: the same files in every run
-    const std::string marks(",;\r\n\x1A\" a\0", 9);
-    for (int run = 0; run < 500; ++run) {
-        std::string bytes(random() % 700, '\0');
-        for (char& byte : bytes)
-            byte = random() % 4 == 0 ? static_cast<char>(random()) : marks[random() % marks.size()];
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-    }
 }
 
 } // namespace

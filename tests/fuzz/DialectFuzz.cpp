@@ -2,16 +2,15 @@
 #include "platform/engine/sql/Plan.h"
 #include "platform/engine/sql/Words.h"
 #include "platform/runtime/Failure.h"
+#include "tests/fuzz/Fuzz.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace engine::sql;
 using engine::DataType;
+using fuzz::Require;
 
 class FuzzCatalog : public Catalog {
 public:
@@ -47,11 +46,6 @@ private:
     std::vector<TableInfo> m_tables;
 };
 
-void Require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
 void CheckPlan(const Scanned& scanned, const Plan& plan) {
     for (const Parameter& parameter : plan.parameters)
         Require(parameter.literal >= 0 && parameter.literal < static_cast<int>(scanned.literals.size()));
@@ -68,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const std::vector<ResultColumn> columns = {{QStringLiteral("a01clid"), DataType::Long},
                                                       {QStringLiteral("a01last"), DataType::Text},
                                                       {QStringLiteral("b.d"), DataType::Date}};
-    const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QString text = QString::fromUtf8(fuzz::Bytes(data, size));
     Scanned scanned;
     try {
         scanned = Scan(text);

@@ -4,19 +4,20 @@
 
 #include "platform/engine/jet4/Reader.h"
 #include "platform/runtime/Failure.h"
+#include "tests/fuzz/Changes.h"
+#include "tests/fuzz/Fuzz.h"
 
 #include <QByteArray>
 #include <QFile>
 
 #include <array>
-#include <cstdint>
-#include <cstdlib>
 #include <sanitizer/allocator_interface.h>
 
 namespace {
 
 using engine::jet4::Reader;
 using engine::jet4::Table;
+using fuzz::Require;
 
 std::size_t held = 0;
 std::size_t mostHeld = 0;
@@ -28,11 +29,6 @@ void CountTaken(const volatile void*, std::size_t size) {
 
 void CountGiven(const volatile void* memory) {
     held -= __sanitizer_get_allocated_size(memory);
-}
-
-void Require(bool holds) {
-    if (!holds)
-        std::abort();
 }
 
 QByteArray SoundFile(std::uint8_t choice) {
@@ -47,19 +43,6 @@ QByteArray SoundFile(std::uint8_t choice) {
         return read;
     }();
     return files[choice % files.size()];
-}
-
-/// Each change: three bytes of place, one of length, and the new bytes.
-QByteArray Changed(QByteArray bytes, QByteArrayView changes) {
-    while (changes.size() > 4) {
-        const auto byte = [&changes](qsizetype i) { return static_cast<std::uint8_t>(changes[i]); };
-        const qsizetype place = (byte(0) | (byte(1) << 8) | (byte(2) << 16)) % bytes.size();
-        const qsizetype length =
-            std::min({qsizetype{byte(3) % 16 + 1}, changes.size() - 4, bytes.size() - place});
-        std::copy_n(changes.begin() + 4, length, bytes.begin() + place);
-        changes = changes.sliced(4 + length);
-    }
-    return bytes;
 }
 
 void ReadAll(QByteArray bytes) {
@@ -96,8 +79,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0)
         return 0;
-    const QByteArrayView rest(reinterpret_cast<const char*>(data) + 1, static_cast<qsizetype>(size) - 1);
+    const QByteArrayView rest = fuzz::Bytes(data, size).sliced(1);
     constexpr std::uint8_t wholeFile = 0xFF;
-    ReadAll(data[0] == wholeFile ? rest.toByteArray() : Changed(SoundFile(data[0]), rest));
+    ReadAll(data[0] == wholeFile ? rest.toByteArray() : fuzz::Changed(SoundFile(data[0]), rest));
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "platform/forms/ProgramStyle.h"
 
+#include "platform/forms/RowDelegate.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QStyleOptionButton>
@@ -21,27 +23,33 @@ void LightOutlines(QPalette& palette) {
     palette.setColor(QPalette::Window, palette.color(QPalette::WindowText));
 }
 
+/// For what stands in numbers: seen, but quieter than a mark.
+void SoftenOutlines(QPalette& palette) {
+    palette.setColor(QPalette::Window,
+                     Mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 0.5));
+}
+
 } // namespace
 
 void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                  const QWidget* widget) const {
-    if (!IsDark(option->palette)) {
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
-        return;
-    }
-    const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+    const auto draw = [&](auto lit, void (*change)(QPalette&)) {
+        change(lit.palette);
+        QProxyStyle::drawPrimitive(element, &lit, painter, widget);
+    };
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
-    if (isMark && button) {
-        QStyleOptionButton lit(*button);
-        LightOutlines(lit.palette);
-        QProxyStyle::drawPrimitive(element, &lit, painter, widget);
-    } else if (element == PE_PanelMenu) {
-        QStyleOption lit(*option);
-        LightOutlines(lit.palette);
-        QProxyStyle::drawPrimitive(element, &lit, painter, widget);
-    } else {
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+    if (!IsDark(option->palette))
         QProxyStyle::drawPrimitive(element, option, painter, widget);
-    }
+    else if (isMark && button)
+        draw(*button, LightOutlines);
+    else if (element == PE_PanelMenu)
+        draw(*option, LightOutlines);
+    else if ((element == PE_FrameLineEdit || element == PE_Frame) && frame)
+        draw(*frame, SoftenOutlines);
+    else
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 
 void ProgramStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
@@ -73,6 +81,18 @@ void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOption
     lit.state |= State_Active;
     lit.palette.setColor(QPalette::Highlight, bar->palette.color(QPalette::Window).lighter(120));
     QProxyStyle::drawComplexControl(control, &lit, painter, widget);
+}
+
+void ProgramStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    constexpr int HalfSeen = 128;
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        if (!IsDark(palette) || palette.color(group, QPalette::PlaceholderText).lightness() >= MiddleGrey)
+            continue;
+        QColor hint = palette.color(group, QPalette::Text);
+        hint.setAlpha(HalfSeen);
+        palette.setColor(group, QPalette::PlaceholderText, hint);
+    }
 }
 
 int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {

@@ -16,13 +16,15 @@ void MakePale(QPalette& palette) {
 
 } // namespace
 
+QColor Mixed(const QColor& from, const QColor& to, qreal share) {
+    const auto between = [share](int low, int high) { return low + qRound((high - low) * share); };
+    return {between(from.red(), to.red()), between(from.green(), to.green()),
+            between(from.blue(), to.blue())};
+}
+
 QColor PaleSelection(const QPalette& palette, QPalette::ColorGroup group) {
     constexpr qreal Strength = 0.3;
-    const QColor ground = palette.color(group, QPalette::Base);
-    const QColor mark = palette.color(group, QPalette::Highlight);
-    const auto mixed = [](int from, int to) { return from + qRound((to - from) * Strength); };
-    return {mixed(ground.red(), mark.red()), mixed(ground.green(), mark.green()),
-            mixed(ground.blue(), mark.blue())};
+    return Mixed(palette.color(group, QPalette::Base), palette.color(group, QPalette::Highlight), Strength);
 }
 
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {

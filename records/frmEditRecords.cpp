@@ -144,7 +144,7 @@ QBoxLayout* frmEditRecords::MakeTelefonRow(QWidget* parent) {
     auto* typeLabel = forms::MakeLabel(QStringLiteral("lblTelefonType"), QStringLiteral("Телефон:"), parent);
     lstTelefonType = new forms::ListBox(parent);
     forms::NameField(lstTelefonType, QStringLiteral("lstTelefonType"), typeLabel);
-    lstTelefonType->setFixedHeight(forms::HeightForRows(*lstTelefonType, 6));
+    lstTelefonType->setFixedHeight(forms::HeightForRows(*lstTelefonType, 5));
 
     auto* numberLabel =
         forms::MakeLabel(QStringLiteral("lblTelefonNumber"), QStringLiteral("Номер телефона:"), parent);

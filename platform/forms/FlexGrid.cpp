@@ -71,6 +71,7 @@ FlexGrid::FlexGrid(int rows, int cols, QWidget* parent)
     QHeaderView* header = horizontalHeader();
     header->setSectionsClickable(false);
     header->setHighlightSections(false);
+    header->setTextElideMode(Qt::ElideRight);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setMinimumSectionSize(LeastDraggedWidth);
     header->setDefaultSectionSize(ViewWidth(DefaultColWidth));

@@ -2,6 +2,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/runtime/Files.h"
 #include "tests/database/BoundBase.h"
+#include "tests/support/Boxes.h"
 #include "tests/support/Keys.h"
 #include "tests/support/WindowWalk.h"
 
@@ -10,9 +11,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
-#include <QTimer>
 #include <QtTest>
 
 #include <csignal>
@@ -187,19 +186,9 @@ TEST_F(Install, AFullDiskLeavesNeitherTheOldNorTheNewFile) {
     ::getrlimit(RLIMIT_FSIZE, &before);
     const rlimit limit = {60'000, before.rlim_max};
     // Whether the routine that writes or the report of success meets the end of the disk is a matter of time.
-    QStringList told;
-    QTimer clicker;
-    QObject::connect(&clicker, &QTimer::timeout, &clicker, [&] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        told += box->text();
-        const bool question = box->standardButtons() & QMessageBox::Yes;
-        QTest::mouseClick(box->button(question ? QMessageBox::Yes : QMessageBox::Ok), Qt::LeftButton);
-    });
+    test::Boxes boxes;
     const std::shared_ptr<frmInstall> master = forms::Form::Default<frmInstall>();
     master->Show();
-    clicker.start(5);
     ::setrlimit(RLIMIT_FSIZE, &limit);
     Create(*master->Surface(), path);
     ::setrlimit(RLIMIT_FSIZE, &before);
@@ -208,6 +197,7 @@ TEST_F(Install, AFullDiskLeavesNeitherTheOldNorTheNewFile) {
     EXPECT_EQ(master->Tag(), QStringLiteral("0"));
     master->Unload();
     EXPECT_FALSE(QFile::exists(path));
+    const QStringList told = boxes.Take();
     ASSERT_GE(told.size(), 2);
     EXPECT_EQ(told.front(), Question(path));
     EXPECT_TRUE(told[1].contains(QStringLiteral("произошла ошибка №30"))) << told[1].toStdString();

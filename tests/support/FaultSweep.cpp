@@ -141,7 +141,7 @@ void SweepFaults(const std::string& work, int samples, const std::function<bool(
             sweep.Everywhere();
         else if (calls > 0)
             sweep.Sample(calls, samples, turn++);
-        std::cout << "  " << work << ", " << kind.name << ": " << sweep.Hits() << " of " << calls
+        std::cout << "  " << work << " | " << kind.name << ": " << sweep.Hits() << " of " << calls
                   << " calls failed\n";
         EXPECT_TRUE(sweep.Hits() > 0 || calls == 0) << kind.name;
         all += sweep.Hits();

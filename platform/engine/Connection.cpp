@@ -177,8 +177,9 @@ void Connection::CheckSound() {
     // SQLite takes what is missing of the last page for zeros.
     Statement pageCount;
     Statement pageSize;
-    if (QFileInfo(m_path).size() <
-        ReadNumber(pageCount, u"PRAGMA page_count") * ReadNumber(pageSize, u"PRAGMA page_size"))
+    const std::int64_t whole =
+        ReadNumber(pageCount, u"PRAGMA page_count") * ReadNumber(pageSize, u"PRAGMA page_size");
+    if (QFileInfo(m_path).size() < whole) // looked at last: others may let it grow meanwhile
         RaiseEngine(CannotOpenDatabase, m_path);
     // Columns that are worked out one from the other can keep any reader busy for ever.
     if (Ask(u"SELECT count(*) FROM sqlite_schema AS s, pragma_table_xinfo(s.name) AS c WHERE s.type = "

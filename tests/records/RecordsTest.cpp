@@ -46,7 +46,7 @@ std::shared_ptr<forms::ListForm> RecordsTest::OpenPair() {
 }
 
 std::shared_ptr<forms::ListForm> RecordsTest::OpenFilledList() {
-    const auto list = OpenPair();
+    auto list = OpenPair();
     Find(Last("frmRecordsFilter"));
     return list;
 }

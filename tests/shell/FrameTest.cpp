@@ -1,5 +1,6 @@
 #include "tests/shell/StartedProgram.h"
 
+#include <QApplication>
 #include <QMenuBar>
 #include <QScreen>
 

@@ -40,13 +40,12 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
     const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
     const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
-    if (!IsDark(option->palette))
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
-    else if (isMark && button)
+    const bool dark = IsDark(option->palette);
+    if (dark && isMark && button)
         draw(*button, LightOutlines);
-    else if (element == PE_PanelMenu)
+    else if (dark && element == PE_PanelMenu)
         draw(*option, LightOutlines);
-    else if ((element == PE_FrameLineEdit || element == PE_Frame) && frame)
+    else if (dark && (element == PE_FrameLineEdit || element == PE_Frame) && frame)
         draw(*frame, SoftenOutlines);
     else
         QProxyStyle::drawPrimitive(element, option, painter, widget);

@@ -22,7 +22,7 @@ void Tell(int signal) {
 }
 
 std::string Changed(std::string bytes, std::mt19937& random) {
-    static const std::string marks(",;\r\n\x1A'\"\0 1.[*", 14);
+    static const std::string marks(",;\r\n\x1A'\"\0 1.[*", 13);
     for (auto changes = random() % 4 + 1; changes > 0; --changes) {
         const std::size_t place = random() % (bytes.size() + 1);
         const char byte = random() % 2 == 0 ? static_cast<char>(random()) : marks[random() % marks.size()];

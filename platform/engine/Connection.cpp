@@ -386,6 +386,10 @@ std::shared_ptr<RecordsetImpl> Connection::Read(const BoundPlan& bound) {
 void Connection::Execute(const QString& text, bool failOnError) {
     CheckOpen();
     m_affected = 0;
+    if (m_rulesAreOff) {
+        Pragma("PRAGMA ignore_check_constraints = OFF");
+        m_rulesAreOff = false;
+    }
     try {
         NoticeOthers(false);
         for (bool again = false;; again = true) {
@@ -553,7 +557,7 @@ void Connection::ChangeSchema(const QString& table, Work work) {
         throw runtime::Failure(failure);
     }
     try {
-        SchemaEditor editor(m_db, m_path, *m_catalog, *m_counters);
+        SchemaEditor editor(m_db, m_path, *m_catalog, *m_counters, m_rulesAreOff);
         work(editor);
         m_commits->CheckAlive();
         if (const int code = run("RELEASE definition"); code != SQLITE_OK)

@@ -127,6 +127,7 @@ private:
     std::unique_ptr<runtime::OpenDatabaseFile> m_registered;
     sqlite3* m_db = nullptr;
     bool m_readOnly = false;
+    bool m_rulesAreOff = false; ///< a definition could not switch them on again
     std::unique_ptr<FileCatalog> m_catalog;
     std::unique_ptr<Counters> m_counters;
     std::unique_ptr<KeyIndexes> m_keys;

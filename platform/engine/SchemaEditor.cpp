@@ -40,26 +40,30 @@ void CheckColumn(const sql::ColumnInfo& column) {
 // Rows that are there already are not looked at when a rule is added.
 class RowsUnchecked {
 public:
-    explicit RowsUnchecked(sqlite3* db)
-        : m_db(db) {
+    RowsUnchecked(sqlite3* db, bool& rulesAreOff)
+        : m_db(db)
+        , m_rulesAreOff(rulesAreOff) {
         Set("PRAGMA ignore_check_constraints = ON");
     }
-    ~RowsUnchecked() { Set("PRAGMA ignore_check_constraints = OFF"); }
+    ~RowsUnchecked() { m_rulesAreOff = Set("PRAGMA ignore_check_constraints = OFF") != SQLITE_OK; }
     RowsUnchecked(const RowsUnchecked&) = delete;
     RowsUnchecked& operator=(const RowsUnchecked&) = delete;
 
 private:
-    void Set(const char* pragma) { sqlite3_exec(m_db, pragma, nullptr, nullptr, nullptr); }
+    int Set(const char* pragma) { return sqlite3_exec(m_db, pragma, nullptr, nullptr, nullptr); }
     sqlite3* m_db;
+    bool& m_rulesAreOff;
 };
 
 } // namespace
 
-SchemaEditor::SchemaEditor(sqlite3* db, QString path, const FileCatalog& catalog, Counters& counters)
+SchemaEditor::SchemaEditor(sqlite3* db, QString path, const FileCatalog& catalog, Counters& counters,
+                           bool& rulesAreOff)
     : m_db(db)
     , m_path(std::move(path))
     , m_catalog(catalog)
-    , m_counters(counters) {
+    , m_counters(counters)
+    , m_rulesAreOff(rulesAreOff) {
 }
 
 void SchemaEditor::Run(const QString& text) {
@@ -265,7 +269,7 @@ void SchemaEditor::Rebuild(const Layout& old, const Layout& changed, const QStri
             FileIndexName(name, QStringLiteral("new")); // holds a point, so no table bears it
         Run(CreateTableText(changed, fresh));
         {
-            const RowsUnchecked unchecked(m_db);
+            const RowsUnchecked unchecked(m_db, m_rulesAreOff);
             Run(QStringLiteral("INSERT INTO %1 SELECT %2 FROM %3 ORDER BY rowid")
                     .arg(QuoteName(fresh), sources.join(QLatin1String(", ")), QuoteName(name)));
         }

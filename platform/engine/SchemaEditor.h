@@ -10,7 +10,9 @@ namespace engine {
 /// takes all back.
 class SchemaEditor {
 public:
-    SchemaEditor(sqlite3* db, QString path, const FileCatalog& catalog, Counters& counters);
+    /// `rulesAreOff` is set where memory ran out just as the rules for rows were to be looked at again.
+    SchemaEditor(sqlite3* db, QString path, const FileCatalog& catalog, Counters& counters,
+                 bool& rulesAreOff);
 
     void Apply(const sql::SchemaChange& change);
     /// Makes a table that must not exist; 3010 if it does.
@@ -35,6 +37,7 @@ private:
     QString m_path;
     const FileCatalog& m_catalog;
     Counters& m_counters;
+    bool& m_rulesAreOff;
     QString m_table; ///< the one at work, for messages
 };
 

@@ -272,6 +272,11 @@ TEST_F(Faults, OfMemoryInADefinition) {
             ++expected;
         ASSERT_EQ(test::Rows(book->OpenRecordset(QStringLiteral("SELECT count(*) FROM a01"))),
                   QStringList(QString::number(expected)));
+        const auto breakRule = [&] {
+            book->Execute(QStringLiteral("INSERT INTO a01 (a01clid, a01frst) VALUES (100000, '')"),
+                          engine::dbFailOnError);
+        };
+        EXPECT_EQ(test::FailureOf(breakRule), 3315) << "rules hold as before";
         if (failure == 0)
             field.SetAllowZeroLength(false);
         engine::DBEngine::Commit();

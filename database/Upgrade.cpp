@@ -49,19 +49,6 @@ bool IsVersion(const engine::Recordset& version, int number) {
     return version.Fields(u"v00vrid").Value().Number() == number;
 }
 
-/// A birthday may be empty. The first rung says so behind its commit; a start that ends just there leaves it
-/// to the next one.
-void AllowEmptyBirthday() {
-    const QString table = QStringLiteral("a01");
-    if (!gDatabase->TableNames().contains(table))
-        return;
-    const engine::TableDef cards = gDatabase->TableDefs(table);
-    for (int i = 0; i < cards.FieldsCount(); ++i) {
-        if (engine::TableField field = cards.Fields(i); field.Name() == u"a01bith")
-            field.SetAllowZeroLength(true);
-    }
-}
-
 /// Regions, towns and birthdays came with version 2.
 void RaiseToSecond(bool& bTransOpen) {
     gWorkspace->BeginTrans();
@@ -76,12 +63,26 @@ void RaiseToSecond(bool& bTransOpen) {
         RefuseSeed(QStringLiteral("Невозможно заполнить таблицу t03."));
     gWorkspace->CommitTrans();
     bTransOpen = false;
-    AllowEmptyBirthday();
+    gDatabase->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01bith")).SetAllowZeroLength(true);
+}
+
+/// A first rung that was cut off just behind its commit has left the empty birthday forbidden: no card
+/// without one could be saved. A column that others have made in their own way stays as it is.
+void FinishSecond() {
+    const QString table = QStringLiteral("a01");
+    if (!gDatabase->TableNames().contains(table))
+        return;
+    const engine::TableDef cards = gDatabase->TableDefs(table);
+    for (int i = 0; i < cards.FieldsCount(); ++i) {
+        engine::TableField field = cards.Fields(i);
+        if (field.Name() == u"a01bith" && field.Type() == engine::DataType::Text)
+            field.SetAllowZeroLength(true);
+    }
 }
 
 /// Events came with version 3.
 void RaiseToThird(bool& bTransOpen) {
-    AllowEmptyBirthday();
+    FinishSecond();
     gWorkspace->BeginTrans();
     bTransOpen = true;
     gDatabase->Execute(schema::CreateA03(), engine::dbFailOnError);

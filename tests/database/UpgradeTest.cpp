@@ -93,6 +93,18 @@ TEST_F(Upgrade, AFileOfVersion2GetsEvents) {
     EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM t02")), QStringLiteral("0"))
         << "no seed data on this rung";
     EXPECT_EQ(Row(QStringLiteral("SELECT a01bith FROM a01 WHERE a01clid = 1")), QStringLiteral("05.12.1970"));
+    EXPECT_TRUE(
+        gDatabase->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01bith")).AllowZeroLength())
+        << "the step behind the commit of the first rung is made up for";
+}
+
+TEST_F(Upgrade, ABirthdayOfAnotherTypeDoesNotStopTheSecondRung) {
+    MakeVersion2();
+    Execute(QStringLiteral("ALTER TABLE a01 DROP COLUMN a01bith"));
+    Execute(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith DATETIME"));
+    const test::Answers answers;
+    General::UpdateBaseIfNeed();
+    EXPECT_EQ(Version(), QStringLiteral("3"));
 }
 
 TEST_F(Upgrade, VersionsThatNeedNothingAreOnlyRead) {

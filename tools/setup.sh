@@ -1,4 +1,5 @@
-# Sourced by ./run, ./check and ./package: installs what is missing and builds. Expects to stand in the project's root.
+# Sourced by the commands in the root and in tools/: installs what is missing and builds. Expects to stand in the
+# project's root.
 # shellcheck shell=bash
 
 packages() { grep -v '^#' tools/packages.txt; }

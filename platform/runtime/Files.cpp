@@ -1,6 +1,7 @@
 #include "platform/runtime/Files.h"
 
 #include "platform/runtime/Codec1251.h"
+#include "platform/runtime/DiskSync.h"
 #include "platform/runtime/Failure.h"
 #include "platform/runtime/FileIdentity.h"
 
@@ -12,10 +13,6 @@
 
 #include <cerrno>
 #include <set>
-
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
 
 namespace runtime {
 
@@ -52,19 +49,9 @@ bool MayWriteFolderOf(const QFileInfo& info) {
     return QFileInfo(info.absolutePath()).isWritable();
 }
 
-/// Gives the file's content to the disk. Devices that cannot do that are no failure.
-bool Synchronise(QFile& file) {
-#ifdef Q_OS_UNIX
-    return ::fsync(file.handle()) == 0 || errno == EINVAL || errno == ENOTSUP;
-#else
-    return file.flush();
-#endif
-}
-
-[[noreturn]] void RaiseWriteFailure(const QFile& file, int systemError) {
-    const bool full = file.error() == QFile::ResourceError || systemError == ENOSPC ||
-                      systemError == EDQUOT || systemError == EFBIG;
-    Raise(full ? DiskFull : DeviceIOError);
+void CheckWritten(const std::error_code& error) {
+    if (error)
+        Raise(IsDiskFull(error) ? DiskFull : DeviceIOError);
 }
 
 } // namespace
@@ -112,12 +99,6 @@ bool OpenDatabaseFile::Holds(const QString& path) {
 
 struct OutputFile::Impl {
     QFile file;
-
-    void Check(bool success) const {
-        const int systemError = errno;
-        if (!success)
-            RaiseWriteFailure(file, systemError);
-    }
 };
 
 OutputFile::OutputFile(const QString& path)
@@ -137,7 +118,7 @@ OutputFile::OutputFile(const QString& path)
     errno = 0;
     if (m->file.open(QFile::WriteOnly))
         return;
-    if (errno == ENOSPC || errno == EDQUOT)
+    if (IsDiskFull(WriteErrorOf(m->file)))
         Raise(DiskFull);
     Raise(!info.exists() && !MayWriteFolderOf(info) ? PermissionDenied : PathFileAccess);
 }
@@ -146,15 +127,17 @@ OutputFile::~OutputFile() = default;
 
 void OutputFile::Print(const QString& line) {
     const QByteArray bytes = To1251(line) + "\r\n";
-    m->Check(m->file.write(bytes) == bytes.size());
+    errno = 0;
+    if (m->file.write(bytes) != bytes.size())
+        CheckWritten(WriteErrorOf(m->file));
 }
 
 void OutputFile::Close() {
     if (!m->file.isOpen())
         return;
-    m->Check(m->file.flush());
-    m->Check(Synchronise(m->file));
+    CheckWritten(SyncFile(m->file));
     m->file.close();
+    CheckWritten(SyncFolderOf(m->file.fileName()));
 }
 
 struct InputFile::Impl {

@@ -2,9 +2,8 @@
 // plain SQLite with the same durability, the same moments of commit, and prepared statements.
 
 #include "bench/BenchBook.h"
+#include "bench/Ratios.h"
 #include "database/SeedData.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
 #include <QFile>
@@ -15,7 +14,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-void Program(benchmark::State& state) {
+void CreationProgram(benchmark::State& state) {
     const QTemporaryDir folder;
     const auto workspace = engine::DBEngine::Workspaces(0);
     for (auto _ : state) {
@@ -59,7 +58,7 @@ void BindText(sqlite3_stmt* statement, int place, const char16_t* text) {
     sqlite3_bind_text16(statement, place, text, -1, SQLITE_STATIC);
 }
 
-void PlainSqlite(benchmark::State& state) {
+void CreationPlain(benchmark::State& state) {
     const QTemporaryDir folder;
     for (auto _ : state) {
         const QString path = folder.filePath(QStringLiteral("plain.db"));
@@ -109,14 +108,12 @@ void PlainSqlite(benchmark::State& state) {
     }
 }
 
-BENCHMARK(Program)->Unit(benchmark::kMillisecond);
-BENCHMARK(PlainSqlite)->Unit(benchmark::kMillisecond);
+BENCHMARK(CreationProgram)->Apply(bench::Measure);
+BENCHMARK(CreationPlain)->Apply(bench::Measure);
 
 } // namespace
 
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::RunPairs(argc, argv);
 }

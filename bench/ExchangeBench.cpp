@@ -4,6 +4,7 @@
 // dialogs.
 
 #include "bench/BenchBook.h"
+#include "bench/Ratios.h"
 #include "exchange/ExtractToAnotherDB.h"
 #include "exchange/ExtractToCSV.h"
 #include "exchange/frmImportMasterStep1.h"
@@ -12,8 +13,6 @@
 #include "records/frmRecords.h"
 #include "shell/Declaration.h"
 #include "shell/frmMain.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QCollator>
 #include <QFile>
@@ -44,23 +43,23 @@ public:
         connect(&m_timer, &QTimer::timeout, this, [this] { Answer(); });
         m_timer.start(1);
     }
-    Clock::time_point began = Clock::now();
-    Clock::time_point ended;
+    double began = bench::CpuSeconds();
+    double ended = 0;
 
 private:
     void Answer() {
         QWidget* dialog = QApplication::activeModalWidget();
         if (auto* file = qobject_cast<QFileDialog*>(dialog)) {
             file->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(m_path);
-            began = Clock::now();
+            began = bench::CpuSeconds();
             QMetaObject::invokeMethod(file, "accept");
         } else if (auto* box = qobject_cast<QMessageBox*>(dialog)) {
-            ended = Clock::now();
+            ended = bench::CpuSeconds();
             if (box->icon() == QMessageBox::Critical)
                 qFatal("%s", qPrintable(box->text()));
             box->buttons().front()->click();
         } else if (dialog && dialog->objectName() == u"frmSelectDelimiter") {
-            began = Clock::now();
+            began = bench::CpuSeconds();
             dialog->findChild<QPushButton*>(QStringLiteral("cmdOk"))->click();
         }
     }
@@ -68,10 +67,6 @@ private:
     QTimer m_timer;
     QString m_path;
 };
-
-double Seconds(Clock::time_point from, Clock::time_point to) {
-    return std::chrono::duration<double>(to - from).count();
-}
 
 /// The frame on the screen, and a book bound as the working database.
 class Session {
@@ -210,7 +205,7 @@ void ExportProgram(benchmark::State& state) {
         QFile::remove(path);
         const Answering answering(path);
         exchange::ExtractToCSV(*list, AllCards);
-        state.SetIterationTime(Seconds(answering.began, answering.ended));
+        state.SetIterationTime(answering.ended - answering.began);
     }
     state.counters["bytes"] = static_cast<double>(QFileInfo(path).size());
     list->Unload();
@@ -223,7 +218,7 @@ void ExportPlain(benchmark::State& state) {
     const QString path = folder.filePath(QStringLiteral("out.csv"));
     for (auto _ : state) {
         QFile::remove(path);
-        const auto began = Clock::now();
+        const double began = bench::CpuSeconds();
         QFile file(path);
         if (!file.open(QFile::WriteOnly))
             qFatal("cannot write");
@@ -250,7 +245,7 @@ void ExportPlain(benchmark::State& state) {
         sqlite3_finalize(card);
         sqlite3_finalize(phone);
         file.close();
-        state.SetIterationTime(Seconds(began, Clock::now()));
+        state.SetIterationTime(bench::CpuSeconds() - began);
     }
     state.counters["bytes"] = static_cast<double>(QFileInfo(path).size());
 }
@@ -280,9 +275,9 @@ double ImportByMaster(const QString& path) {
     for (int item = 0; item < list->count(); ++item)
         list->item(item)->setCheckState(Qt::Checked);
     Answering answering({});
-    answering.began = Clock::now();
+    answering.began = bench::CpuSeconds();
     surface->findChild<QPushButton*>(QStringLiteral("cmdImport"))->click();
-    return Seconds(answering.began, answering.ended);
+    return answering.ended - answering.began;
 }
 
 void ImportNewProgram(benchmark::State& state) {
@@ -306,7 +301,7 @@ void ImportAgainProgram(benchmark::State& state) {
 }
 
 double ImportByPlain(PlainBook& plain, const QString& path) {
-    const auto began = Clock::now();
+    const double began = bench::CpuSeconds();
     {
         sqlite3_stmt* highest = plain.Prepare("SELECT MAX(a01clid) FROM a01");
         sqlite3_stmt* lookup =
@@ -356,7 +351,7 @@ double ImportByPlain(PlainBook& plain, const QString& path) {
         for (sqlite3_stmt* statement : {highest, lookup, card, remove, phone})
             sqlite3_finalize(statement);
     }
-    return Seconds(began, Clock::now());
+    return bench::CpuSeconds() - began;
 }
 
 void ImportNewPlain(benchmark::State& state) {
@@ -390,7 +385,7 @@ void ExtractProgram(benchmark::State& state) {
         QFile::remove(path);
         const Answering answering(path);
         exchange::ExtractToAnotherDB(*list, AllCards);
-        state.SetIterationTime(Seconds(answering.began, Clock::now()));
+        state.SetIterationTime(bench::CpuSeconds() - answering.began);
     }
     list->Unload();
 }
@@ -417,7 +412,7 @@ void ExtractPlain(benchmark::State& state) {
     bench::Plain reference(seed.Path());
     int number = 0;
     for (auto _ : state) {
-        const auto began = Clock::now();
+        const double began = bench::CpuSeconds();
         {
             PlainBook to(folder.filePath(QStringLiteral("target%1.db").arg(++number)));
             to.Run("CREATE TABLE a01 (a01clid INTEGER PRIMARY KEY, a01last TEXT, a01frst TEXT, a01midl TEXT, "
@@ -442,26 +437,18 @@ void ExtractPlain(benchmark::State& state) {
             CopyRows(from, "SELECT a02clid, a02code, a02cval FROM a02", to,
                      "INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (?, ?, ?)", groups);
         }
-        state.SetIterationTime(Seconds(began, Clock::now()));
+        state.SetIterationTime(bench::CpuSeconds() - began);
     }
 }
 
-void Measure(benchmark::internal::Benchmark* row) {
-    row->UseManualTime()
-        ->Unit(benchmark::kMillisecond)
-        ->Iterations(1)
-        ->Repetitions(5)
-        ->ReportAggregatesOnly();
-}
-
-BENCHMARK(ExportProgram)->Apply(Measure);
-BENCHMARK(ExportPlain)->Apply(Measure);
-BENCHMARK(ImportNewProgram)->Arg(4096)->Arg(Cards)->Apply(Measure);
-BENCHMARK(ImportNewPlain)->Arg(4096)->Arg(Cards)->Apply(Measure);
-BENCHMARK(ImportAgainProgram)->Arg(Cards)->Apply(Measure);
-BENCHMARK(ImportAgainPlain)->Arg(Cards)->Apply(Measure);
-BENCHMARK(ExtractProgram)->Apply(Measure);
-BENCHMARK(ExtractPlain)->Apply(Measure);
+BENCHMARK(ExportProgram)->Apply(bench::MeasureOnce);
+BENCHMARK(ExportPlain)->Apply(bench::MeasureOnce);
+BENCHMARK(ImportNewProgram)->Arg(4096)->Arg(Cards)->Apply(bench::MeasureOnce);
+BENCHMARK(ImportNewPlain)->Arg(4096)->Arg(Cards)->Apply(bench::MeasureOnce);
+BENCHMARK(ImportAgainProgram)->Arg(Cards)->Apply(bench::MeasureOnce);
+BENCHMARK(ImportAgainPlain)->Arg(Cards)->Apply(bench::MeasureOnce);
+BENCHMARK(ExtractProgram)->Apply(bench::MeasureOnce);
+BENCHMARK(ExtractPlain)->Apply(bench::MeasureOnce);
 
 } // namespace
 
@@ -469,7 +456,5 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     forms::Application application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::RunPairs(argc, argv);
 }

@@ -2,12 +2,11 @@
 // the same rows in the same order of the Russian alphabet and copies the same four texts of each.
 
 #include "bench/BenchBook.h"
+#include "bench/Ratios.h"
 #include "platform/forms/Application.h"
 #include "records/frmRecords.h"
 #include "shell/Declaration.h"
 #include "shell/frmMain.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QCollator>
 
@@ -22,7 +21,7 @@ bench::Book& TheBook() {
     return book;
 }
 
-void Program(benchmark::State& state) {
+void ListProgram(benchmark::State& state) {
     gWorkspace = TheBook().workspace;
     gDatabase = TheBook().database;
     auto frame = forms::Form::Default<frmMain>();
@@ -41,7 +40,7 @@ int Compare(void* collator, int lengthA, const void* a, int lengthB, const void*
                                                       QStringView(static_cast<const QChar*>(b), lengthB / 2));
 }
 
-void PlainSqlite(benchmark::State& state) {
+void ListPlain(benchmark::State& state) {
     TheBook();
     QCollator collator{QLocale(QLocale::Russian)};
     collator.setCaseSensitivity(Qt::CaseInsensitive);
@@ -63,8 +62,8 @@ void PlainSqlite(benchmark::State& state) {
     sqlite3_finalize(statement);
 }
 
-BENCHMARK(Program)->Unit(benchmark::kMillisecond);
-BENCHMARK(PlainSqlite)->Unit(benchmark::kMillisecond);
+BENCHMARK(ListProgram)->Apply(bench::Measure);
+BENCHMARK(ListPlain)->Apply(bench::Measure);
 
 } // namespace
 
@@ -72,7 +71,5 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     forms::Application application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::RunPairs(argc, argv);
 }

@@ -2,10 +2,9 @@
 // one in its place, beside plain SQLite that inserts the same rows from memory and commits.
 
 #include "bench/BenchBook.h"
+#include "bench/Ratios.h"
 #include "database/ConvertOldBase.h"
 #include "platform/engine/jet4/Reader.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QDir>
 #include <QFile>
@@ -39,7 +38,7 @@ const Unpacked& TheBook() {
     return book;
 }
 
-void Program(benchmark::State& state) {
+void OldBookProgram(benchmark::State& state) {
     const QString path = TheBook().Path("book.mdb");
     for (auto _ : state) {
         state.PauseTiming();
@@ -111,7 +110,7 @@ void Bind(sqlite3_stmt* statement, int place, const Value& value) {
         sqlite3_bind_null(statement, place);
 }
 
-void PlainSqlite(benchmark::State& state) {
+void OldBookPlain(benchmark::State& state) {
     const std::vector<TableRows> tables = RowsInMemory();
     const QString path = TheBook().Path("plain.db");
     for (auto _ : state) {
@@ -135,9 +134,11 @@ void PlainSqlite(benchmark::State& state) {
     }
 }
 
-BENCHMARK(Program)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(PlainSqlite)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(OldBookProgram)->Apply(bench::Measure);
+BENCHMARK(OldBookPlain)->Apply(bench::Measure);
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    return bench::RunPairs(argc, argv);
+}

@@ -2,13 +2,12 @@
 // day, beside plain SQLite that reads the dates of all cards and events twice, as the two fills do.
 
 #include "bench/BenchBook.h"
+#include "bench/Ratios.h"
 #include "organiser/frmCalendar.h"
 #include "platform/forms/Application.h"
 #include "platform/forms/MonthView.h"
 #include "shell/Declaration.h"
 #include "shell/frmMain.h"
-
-#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -19,7 +18,7 @@ bench::Book& TheBook() {
     return book;
 }
 
-void Program(benchmark::State& state) {
+void OrganiserProgram(benchmark::State& state) {
     gWorkspace = TheBook().workspace;
     gDatabase = TheBook().database;
     auto frame = forms::Form::Default<frmMain>();
@@ -44,7 +43,7 @@ int CountOfMonth(sqlite3_stmt* statement, QStringView month) {
     return count;
 }
 
-void PlainSqlite(benchmark::State& state) {
+void OrganiserPlain(benchmark::State& state) {
     TheBook();
     bench::Plain plain(TheBook().Path());
     sqlite3_stmt* births = plain.Prepare("SELECT a01bith FROM a01 WHERE a01bith IS NOT NULL");
@@ -59,8 +58,8 @@ void PlainSqlite(benchmark::State& state) {
     sqlite3_finalize(events);
 }
 
-BENCHMARK(Program)->Unit(benchmark::kMillisecond);
-BENCHMARK(PlainSqlite)->Unit(benchmark::kMillisecond);
+BENCHMARK(OrganiserProgram)->Apply(bench::Measure);
+BENCHMARK(OrganiserPlain)->Apply(bench::Measure);
 
 } // namespace
 
@@ -68,7 +67,5 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     forms::Application application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::RunPairs(argc, argv);
 }

@@ -3,13 +3,12 @@
 // bytes for each byte of text shown.
 
 #include "bench/BenchBook.h"
+#include "bench/Ratios.h"
 #include "platform/forms/Application.h"
 #include "platform/forms/FlexGrid.h"
 #include "shell/Declaration.h"
 #include "shell/frmMain.h"
 #include "sqlwatcher/frmUserEditor.h"
-
-#include <benchmark/benchmark.h>
 
 #include <QKeyEvent>
 #include <QPlainTextEdit>
@@ -39,7 +38,7 @@ double TextBytes(const forms::FlexGrid& grid) {
     return bytes;
 }
 
-void Program(benchmark::State& state) {
+void ResultProgram(benchmark::State& state) {
     gWorkspace = TheBook().workspace;
     gDatabase = TheBook().database;
     auto frame = forms::Form::Default<frmMain>();
@@ -63,7 +62,7 @@ void Program(benchmark::State& state) {
     frame->Unload();
 }
 
-void PlainSqlite(benchmark::State& state) {
+void ResultPlain(benchmark::State& state) {
     TheBook();
     bench::Plain plain(TheBook().Path());
     sqlite3_stmt* statement =
@@ -82,8 +81,8 @@ void PlainSqlite(benchmark::State& state) {
     sqlite3_finalize(statement);
 }
 
-BENCHMARK(Program)->Unit(benchmark::kMillisecond);
-BENCHMARK(PlainSqlite)->Unit(benchmark::kMillisecond);
+BENCHMARK(ResultProgram)->Apply(bench::Measure);
+BENCHMARK(ResultPlain)->Apply(bench::Measure);
 
 } // namespace
 
@@ -91,7 +90,5 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     forms::Application application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::RunPairs(argc, argv);
 }

@@ -3,6 +3,7 @@
 #include "platform/runtime/DateReader.h"
 #include "platform/runtime/Failure.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace runtime {
@@ -10,6 +11,7 @@ namespace runtime {
 namespace {
 
 constexpr double MillisecondsOfDay = 86'400'000;
+constexpr double SecondsOfDay = 86'400;
 
 std::optional<QDate> fixedToday;
 
@@ -58,13 +60,15 @@ int DaysBetween(QDate from, QDate to) {
 QDateTime DateFromNumber(double number) {
     // The fraction counts forward within its day on both sides of day 0.
     const double days = std::trunc(number);
-    const double milliseconds = std::round(std::abs(number - days) * MillisecondsOfDay);
+    double seconds = std::round(std::abs(number - days) * SecondsOfDay);
     constexpr double LargestNumber = 2'958'466; // the day after 31.12.9999
     constexpr double SmallestNumber = -657'435; // the day before 1.1.100
     if (!(number > SmallestNumber && number < LargestNumber))
         Raise(Overflow);
+    if (days == LargestNumber - 1)
+        seconds = std::min(seconds, SecondsOfDay - 1); // no day follows
     return QDateTime(DayZero().addDays(static_cast<qint64>(days)), QTime(0, 0), Qt::UTC)
-        .addMSecs(static_cast<qint64>(milliseconds));
+        .addSecs(static_cast<qint64>(seconds));
 }
 
 double NumberFromDate(const QDateTime& value) {

@@ -28,7 +28,8 @@ QString DateToText(QDate date);
 /// Days between two dates as the number of midnights passed; negative if `to` lies before `from`.
 int DaysBetween(QDate from, QDate to);
 
-/// Day 0 of date numbers, 30.12.1899; a date number is days since then, the fraction is the time of day.
+/// Day 0 of date numbers, 30.12.1899; a date number is days since then, the fraction is the time of day,
+/// of which parts of a second are rounded.
 QDateTime DateFromNumber(double number);
 double NumberFromDate(const QDateTime& value);
 

@@ -187,6 +187,12 @@ TEST(Dates, NumbersCountFromDayZero) {
         EXPECT_EQ(runtime::DateFromNumber(row.number), row.value) << row.number;
         EXPECT_DOUBLE_EQ(runtime::NumberFromDate(row.value), row.number);
     }
+    // Parts of a second are rounded, but not beyond the last day.
+    EXPECT_EQ(runtime::DateToText(runtime::DateFromNumber(0.9999999)), QStringLiteral("31.12.1899"));
+    EXPECT_EQ(runtime::DateToText(runtime::DateFromNumber(39056.437499)),
+              QStringLiteral("05.12.2006 10:30:00"));
+    EXPECT_EQ(runtime::DateToText(runtime::DateFromNumber(2958465.9999999)),
+              QStringLiteral("31.12.9999 23:59:59"));
     for (const double outside : {2958466.0, -657435.0, 1e300, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(test::NumberOf([&] { runtime::DateFromNumber(outside); }), runtime::Overflow) << outside;
 }

@@ -241,6 +241,10 @@ Value CDate(const Arguments& arguments) {
     return RequiredDate(arguments);
 }
 
+Value CVDate(const Arguments& arguments) {
+    return arguments.IsNull(0) ? Value() : CDate(arguments);
+}
+
 Value MonthNameFunction(const Arguments& arguments) {
     const std::int32_t month = arguments.Long(0);
     if (month < 1 || month > 12)
@@ -277,7 +281,7 @@ constexpr ScalarFunction functions[] = {
     {{"TIMESERIAL", 3, 3, DataType::Date}, TimeSerial},
     {{"TIMEVALUE", 1, 1, DataType::Date}, TimeValue, false},
     {{"CDATE", 1, 1, DataType::Date}, CDate, false},
-    {{"CVDATE", 1, 1, DataType::Date}, CDate, false},
+    {{"CVDATE", 1, 1, DataType::Date}, CVDate, false},
     {{"MONTHNAME", 1, 2, DataType::Text}, MonthNameFunction},
     {{"WEEKDAYNAME", 1, 3, DataType::Text}, WeekdayNameFunction},
 };

@@ -125,7 +125,7 @@ QString FormatText(const QString& text, const Picture& picture) {
     return places == 0 ? result + shown : result;
 }
 
-QString Format(const Value& value, const QString& given) {
+QString Format(const Value& value, const QString& given, int first, int rule) {
     const QStringView unnamed = Unnamed(given);
     if (unnamed.isEmpty())
         return value.Text();
@@ -135,7 +135,7 @@ QString Format(const Value& value, const QString& given) {
         return FormatNull(picture, kind);
     if (kind == Picture::Date) {
         const auto date = DateToShow(value);
-        return date ? FormatDate(*date, picture.At(0)) : value.Text();
+        return date ? FormatDate(*date, picture.At(0), {first, rule}) : value.Text();
     }
     if (kind == Picture::Text)
         return FormatText(value.Text(), picture);

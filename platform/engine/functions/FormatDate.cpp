@@ -32,10 +32,11 @@ QString LongTime(QTime time) {
 /// Writes one value by its picture, run of letters by run of letters.
 class DateWriter {
 public:
-    DateWriter(const QDateTime& value, Section section)
+    DateWriter(const QDateTime& value, Section section, Weeks weeks)
         : m_date(value.date())
         , m_time(value.time())
-        , m_section(section) {
+        , m_section(section)
+        , m_weeks(weeks) {
         for (std::size_t i = 0; i < section.size(); ++i)
             m_halfDays = m_halfDays || HalfDayLength(section, i) > 0;
     }
@@ -109,7 +110,8 @@ private:
             m_text += Padded(m_time.second(), std::min<std::size_t>(length, 2));
             break;
         case u'w':
-            m_text += QString::number(length == 1 ? WeekdayOf(m_date, 1) : WeekOf(m_date, 1, 1));
+            m_text += QString::number(length == 1 ? WeekdayOf(m_date, m_weeks.first)
+                                                  : WeekOf(m_date, m_weeks.first, m_weeks.rule));
             break;
         case u'q':
             m_text += QString::number((m_date.month() - 1) / 3 + 1);
@@ -162,6 +164,7 @@ private:
     QDate m_date;
     QTime m_time;
     Section m_section;
+    Weeks m_weeks;
     bool m_halfDays = false;
     bool m_afterHour = false; ///< the last letters were hours, so that `m` means minutes
     QString m_text;
@@ -169,8 +172,8 @@ private:
 
 } // namespace
 
-QString FormatDate(const QDateTime& value, Section section) {
-    return DateWriter(value, section).Write();
+QString FormatDate(const QDateTime& value, Section section, Weeks weeks) {
+    return DateWriter(value, section, weeks).Write();
 }
 
 } // namespace engine::functions

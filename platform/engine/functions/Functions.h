@@ -26,6 +26,9 @@ bool Like(QStringView text, QStringView pattern);
 /// Whether a pattern holds a wildcard; without one LIKE is an equality.
 bool HasWildcards(QStringView pattern);
 
+/// Whether Like takes it without a failure.
+bool IsPattern(QStringView pattern);
+
 /// A scalar function of the dialect. In SQLite it bears the name `zv_` + name in small letters.
 struct FunctionInfo {
     const char* name; ///< capitals
@@ -65,7 +68,8 @@ bool FailureOf(const QString& message, int& number, QString& description);
 /// A value converted to a column's form in the file, as zv_to does it.
 Value ToColumn(const Value& value, DataType type, int size, const QString& name);
 
-/// FORMAT of the dialect, Russian regional settings.
-QString Format(const Value& value, const QString& picture);
+/// FORMAT of the dialect, Russian regional settings. `first` day of the week and `rule` of the first week of
+/// the year as in DATEPART; failure 5 for others where the picture asks for them.
+QString Format(const Value& value, const QString& picture, int first = 1, int rule = 1);
 
 } // namespace engine::functions

@@ -121,6 +121,15 @@ bool Like(QStringView text, QStringView pattern) {
     return LikePattern(pattern).Matches(text);
 }
 
+bool IsPattern(QStringView pattern) {
+    try {
+        const LikePattern read(pattern);
+        return true;
+    } catch (const runtime::Failure&) {
+        return false;
+    }
+}
+
 bool HasWildcards(QStringView pattern) {
     return std::any_of(pattern.begin(), pattern.end(),
                        [](QChar sign) { return QStringView(u"*?#[").contains(sign); });

@@ -40,7 +40,13 @@ private:
 std::size_t HalfDayLength(Section section, std::size_t place);
 
 QString FormatNumber(double number, const Picture& picture);
-QString FormatDate(const QDateTime& value, Section section);
+/// How a year is parted into weeks: see WeekdayOf and WeekOf.
+struct Weeks {
+    int first = 1;
+    int rule = 1;
+};
+
+QString FormatDate(const QDateTime& value, Section section, Weeks weeks);
 QString FormatText(const QString& text, const Picture& picture);
 /// The characters as they stand.
 QString Plain(Section section);

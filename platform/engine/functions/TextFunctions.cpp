@@ -264,7 +264,8 @@ Value InBase(const Arguments& arguments) {
 }
 
 Value FormatFunction(const Arguments& arguments) {
-    return Format(arguments.At(0), arguments.Has(1) ? arguments.Text(1) : QString());
+    const QString picture = arguments.Has(1) ? arguments.Text(1) : QString();
+    return Format(arguments.At(0), picture, arguments.Long(2, 1), arguments.Long(3, 1));
 }
 
 Value IsNullFunction(const Arguments& arguments) {

@@ -116,6 +116,9 @@ TEST_F(RecordTest, ErrorRowsKeepWhatWasDone) {
     EXPECT_FALSE(Put({{"Last Name", "Новый"}, {"Home Phone", "1'2"}}));
     EXPECT_EQ(Cards().last(), QStringLiteral("8|Новый|||Импортирован из файла|NULL"));
     ExpectCounters(1, 1);
+    // No pattern, whichever other cells match.
+    EXPECT_FALSE(Put({{"Last Name", "Старый["}, {"First Name", "нет"}}));
+    EXPECT_FALSE(Put({{"Last Name", "нет"}, {"First Name", "[я-а]"}}));
     // Longer than the column.
     EXPECT_TRUE(Put({{"Last Name", QString(50, u'ы')}, {"Home Phone", QString(50, u'1')}}));
     EXPECT_FALSE(Put({{"Last Name", QString(51, u'ы')}}));

@@ -33,6 +33,8 @@ public:
     Written Compare(Op op, const Written& left, const Written& right);
 
     bool SawAggregate() const { return m_sawAggregate; }
+    /// Whether a column of a statement around this one was named.
+    bool SawOuter() const { return m_sawOuter; }
     /// Sources of the own scope that were named.
     const std::vector<bool>& UsedSources() const { return m_used; }
 
@@ -89,8 +91,8 @@ private:
     std::vector<bool> m_used;
     QString m_filter;
     bool m_sawAggregate = false;
-    bool m_sawOwn = false;   ///< a column of the own scope was named
-    bool m_sawOuter = false; ///< a column of a statement around this one was named
+    bool m_sawOwn = false; ///< a column of the own scope was named
+    bool m_sawOuter = false;
     int m_depth = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/engine/sql/Lexer.h"
 
+#include "platform/engine/functions/Functions.h"
 #include "platform/runtime/Dates.h"
 
 #include <cmath>
@@ -186,6 +187,10 @@ bool Token::IsWord(std::string_view keyword) const {
             return false;
     }
     return true;
+}
+
+bool IsPattern(const Token& literal) {
+    return literal.kind != TokenKind::Text || functions::IsPattern(Lexer::LiteralValue(literal).Text());
 }
 
 Token Lexer::Make(TokenKind kind, qsizetype end) {

@@ -45,6 +45,9 @@ inline constexpr char16_t LessEqual = u'\u2264';
 inline constexpr char16_t GreaterEqual = u'\u2265';
 inline constexpr char16_t NotEqual = u'\u2260';
 
+/// Whether a literal can be a pattern of LIKE: a text whose `[` are closed, or no text at all.
+bool IsPattern(const Token& literal);
+
 /// Cuts a statement into tokens, one at a call.
 class Lexer {
 public:

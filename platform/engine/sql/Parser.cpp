@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/sql/Words.h"
+#include "platform/runtime/Failure.h"
 
 #include <algorithm>
 #include <array>
@@ -185,6 +186,13 @@ bool Parser::AtClauseEnd() const {
            token.IsWord("ORDER") || token.IsWord("UNION") || token.IsWord("PIVOT") || token.IsWord("WITH");
 }
 
+bool Parser::AtNextClause() const {
+    static constexpr auto words = std::to_array<std::string_view>(
+        {"FROM", "GROUP", "HAVING", "INTO", "ORDER", "PIVOT", "SET", "UNION", "VALUES", "WHERE"});
+    return Peek().kind == TokenKind::End || Peek().Is(u';') ||
+           std::ranges::any_of(words, [this](std::string_view word) { return AtWord(word); });
+}
+
 bool Parser::AtJoinWord() const {
     return AtWord("INNER") || AtWord("LEFT") || AtWord("RIGHT") || AtWord("JOIN");
 }
@@ -233,6 +241,14 @@ void Parser::FailBehindExpression() const {
     FailExpression(u"Ошибка синтаксиса (пропущен оператор)");
 }
 
+void Parser::FailOpenParenthesis() const {
+    if (!AtNextClause())
+        FailBehindExpression();
+    if (m_clause == Clause::Value)
+        RaiseEngine(SyntaxInInsert);
+    FailExpression(u"Отсутствует ), ] или элемент");
+}
+
 QString Parser::ClauseText() const {
     const qsizetype start = m_tokens[m_clauseStart].start;
     return m_text.mid(start, ClauseEnd(m_clauseStart) - start).toString();
@@ -251,8 +267,8 @@ qsizetype Parser::ClauseEnd(std::size_t from) const {
             --depth;
         const bool behindError = at >= m_at;
         const bool outside = depth < 0 && (at > m_at || m_parentheses > 0);
-        const bool word =
-            depth <= 0 && (token.IsWord("WHERE") || token.IsWord("GROUP") || token.IsWord("HAVING") ||
+        const bool word = (depth <= 0 || at == m_at) &&
+                          (token.IsWord("WHERE") || token.IsWord("GROUP") || token.IsWord("HAVING") ||
                            token.IsWord("ORDER") || token.IsWord("UNION") || token.IsWord("FROM"));
         const bool itemEnd = m_clause == Clause::Item && depth <= 0 && token.Is(u',') && at > m_at;
         if (m_clause != Clause::Value && behindError && (token.Is(u';') || outside || word || itemEnd))
@@ -359,6 +375,8 @@ NodePtr Parser::ParseComparison(NodePtr left) {
     node->children.push_back(ParseBinary(comparisonLevel + 1));
     Node& right = *node->children.back();
     right.pattern = pattern && right.kind == NodeKind::Literal;
+    if (node->op == Op::Like && right.kind == NodeKind::Literal && !IsPattern(right.token))
+        runtime::Raise(runtime::InvalidPattern);
     return Finish(std::move(node));
 }
 
@@ -421,7 +439,8 @@ NodePtr Parser::ParsePrimary() {
         return Finish(std::move(node));
     }
     const bool call = token.kind == TokenKind::Word && Peek(1).Is(u'(');
-    if (call && (!IsReserved(token.text) || token.IsWord("LEFT") || token.IsWord("RIGHT")))
+    const bool function = token.IsWord("ASC") || token.IsWord("LEFT") || token.IsWord("RIGHT");
+    if (call && (!IsReserved(token.text) || function))
         return ParseCall();
     if (AtName())
         return ParseName();
@@ -445,10 +464,8 @@ NodePtr Parser::ParseParenthesis() {
     }
     const Token open = Take();
     NodePtr node = ParseBinary(0);
-    if (Peek().kind == TokenKind::End || Peek().Is(u';'))
-        FailExpression(u"Отсутствует ), ] или элемент");
     if (!TakeSign(u')'))
-        FailBehindExpression();
+        FailOpenParenthesis();
     node->start = open.start;
     node->end = m_tokens[m_at - 1].end;
     return node;
@@ -495,10 +512,8 @@ void Parser::ParseArguments(Node& call) {
     do {
         call.children.push_back(ParseBinary(0));
     } while (TakeSign(u','));
-    if (Peek().kind == TokenKind::End || Peek().Is(u';'))
-        FailExpression(u"Отсутствует ), ] или элемент");
     if (!TakeSign(u')'))
-        FailBehindExpression();
+        FailOpenParenthesis();
 }
 
 NodePtr Parser::ParseCriteria() {

@@ -38,6 +38,8 @@ private:
     void ExpectSign(char16_t sign, int number);
     QString ExpectName(int number);
     bool AtClauseEnd() const;
+    /// Whether the statement ends here, or a word that no expression can hold begins its next clause.
+    bool AtNextClause() const;
     bool AtJoinWord() const;
     void ExpectStatementEnd(int number);
 
@@ -45,6 +47,8 @@ private:
     [[noreturn]] void FailExpression(QStringView reason) const;
     [[noreturn]] void FailPrimary() const;
     [[noreturn]] void FailBehindExpression() const;
+    /// What follows the inside of a parenthesis and does not close it.
+    [[noreturn]] void FailOpenParenthesis() const;
     QString ClauseText() const;
     qsizetype ClauseEnd(std::size_t from) const;
 
@@ -72,7 +76,8 @@ private:
     std::unique_ptr<Select> ParseSelect();
     void ParseTop(Select& select);
     void ParseItems(Select& select);
-    SelectItem ParseItem();
+    /// Failure `number` where nothing stands.
+    SelectItem ParseItem(int number);
     void ParseFrom(std::vector<SourcePtr>& from);
     SourcePtr ParseJoins();
     SourcePtr ParseJoinTail(SourcePtr left);

@@ -42,10 +42,8 @@ std::unique_ptr<Query> Parser::ParseNestedQuery() {
         RaiseEngine(QueryTooComplex);
     Take();
     auto query = ParseQuery();
-    if (Peek().kind == TokenKind::End || Peek().Is(u';'))
-        FailExpression(u"Отсутствует ), ] или элемент");
     if (!TakeSign(u')'))
-        FailBehindExpression();
+        FailOpenParenthesis();
     return query;
 }
 
@@ -128,13 +126,13 @@ void Parser::ParseTop(Select& select) {
 
 void Parser::ParseItems(Select& select) {
     do {
-        select.items.push_back(ParseItem());
+        select.items.push_back(ParseItem(ReservedWord));
     } while (TakeSign(u','));
     if (!AtWord("FROM") && !AtWord("INTO") && !AtClauseEnd())
         FailBehindExpression();
 }
 
-SelectItem Parser::ParseItem() {
+SelectItem Parser::ParseItem(int number) {
     SelectItem item;
     if (TakeSign(u'*'))
         return item;
@@ -146,10 +144,10 @@ SelectItem Parser::ParseItem() {
         return item;
     }
     if (AtClauseEnd() || AtWord("FROM") || AtWord("INTO") || AtWord("AS") || Peek().Is(u','))
-        RaiseEngine(ReservedWord);
+        RaiseEngine(number);
     item.expression = ParseExpression(Clause::Item);
     if (TakeWord("AS"))
-        item.alias = ExpectName(ReservedWord);
+        item.alias = ExpectName(number);
     return item;
 }
 
@@ -177,6 +175,8 @@ SourcePtr Parser::ParseJoinTail(SourcePtr left) {
     ExpectWord("JOIN", SyntaxInFrom);
     join->left = std::move(left);
     join->right = ParseJoins();
+    if (AtWord("USING"))
+        RaiseEngine(SyntaxInFrom);
     ExpectWord("ON", SyntaxInJoin);
     join->on = ParseExpression(Clause::Condition);
     // A further join stands in parentheses with the first.
@@ -225,7 +225,8 @@ SourcePtr Parser::ParseBracketQuery() {
 QString Parser::ParseAlias() {
     if (TakeWord("AS"))
         return ExpectName(SyntaxInFrom);
-    return AtName() ? Lexer::NameOf(Take()).toString() : QString();
+    const bool columns = AtWord("USING") && Peek(1).Is(u'(');
+    return AtName() && !columns ? Lexer::NameOf(Take()).toString() : QString();
 }
 
 NodePtr Parser::ParseWhere() {

@@ -72,6 +72,8 @@ void Parser::ParseTransform(Statement& statement) {
     statement.transform = std::make_unique<Transform>();
     Transform& transform = *statement.transform;
     transform.value = ParseExpression(Clause::Item);
+    if (TakeWord("AS"))
+        ExpectName(SyntaxInTransform); // the headings name the columns
     if (!AtWord("SELECT"))
         RaiseEngine(SyntaxInTransform);
     statement.query = ParseQuery();
@@ -153,7 +155,7 @@ void Parser::ParseDelete(Delete& remove) {
     Take();
     if (!AtWord("FROM")) {
         do {
-            remove.items.push_back(ParseItem());
+            remove.items.push_back(ParseItem(SyntaxInDelete));
         } while (TakeSign(u','));
     }
     ExpectWord("FROM", SyntaxInDelete);

@@ -352,6 +352,8 @@ void QueryWriter::WriteOrder(const Select& select, const std::vector<OrderItem>&
             value = parts.columns[static_cast<std::size_t>(position - 1)].value;
         } else {
             value = writer.Value(*item.expression);
+            if (writer.SawOuter())
+                RaiseEngine(ExpressionTooComplex); // it would be the same for all rows
             if (IsConstant(*item.expression)) {
                 value.text = NoPosition(value);
                 value.precedence = PrimaryPrecedence;

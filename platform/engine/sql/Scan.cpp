@@ -53,6 +53,7 @@ public:
                 AddLiteral(token);
             else
                 AddOther(token);
+            m_behindLike = token.IsWord("LIKE") || (m_behindLike && token.Is(u'('));
             m_previous = token;
         }
         if (m_bySchema)
@@ -71,10 +72,9 @@ private:
 
     void AddLiteral(const Token& token) {
         Value value = Lexer::LiteralValue(token);
-        const bool pattern = m_previous.IsWord("LIKE");
         switch (token.kind) {
         case TokenKind::Text:
-            m_shape.Add(pattern && functions::HasWildcards(value.Text()) ? u"?w" : u"?s");
+            m_shape.Add(!m_behindLike ? u"?s" : PatternMark(value.Text()));
             break;
         case TokenKind::Integer:
             m_shape.Add(u"?i");
@@ -89,6 +89,13 @@ private:
         if (m_previous.IsWord("TOP") || (m_inOrder && (m_previous.IsWord("BY") || m_previous.Is(u','))))
             m_shape.Add(token.text);
         m_scanned.literals.push_back(std::move(value));
+    }
+
+    /// A pattern that is none has a shape of its own: no plan is found for it, and reading it fails.
+    static QStringView PatternMark(const QString& pattern) {
+        if (!functions::HasWildcards(pattern))
+            return u"?s";
+        return functions::IsPattern(pattern) ? u"?w" : u"?x";
     }
 
     void AddOther(const Token& token) {
@@ -136,6 +143,7 @@ private:
     ShapeText m_shape;
     Scanned m_scanned;
     Token m_previous;
+    bool m_behindLike = false; ///< a literal next is a pattern
     bool m_inOrder = false;
     bool m_byText = false;
     bool m_bySchema = false;

@@ -272,7 +272,8 @@ TEST_F(DialectTest, Transform) {
     static const DialectCase cases[] = {
         {u"TRANSFORM COUNT(*) SELECT a02clid FROM a02 GROUP BY a02clid PIVOT a02code",
          u"1|1|1|NULL / 2|2|NULL|NULL / 4|NULL|NULL|1"},
-        {u"TRANSFORM MAX(a02cval) & '' SELECT a02clid FROM a02 WHERE a02clid < 3 GROUP BY a02clid PIVOT "
+        {u"TRANSFORM MAX(a02cval) & '' AS [a name] SELECT a02clid FROM a02 WHERE a02clid < 3 GROUP BY "
+         u"a02clid PIVOT "
          u"a02code IN (2, 9)",
          u"1|79161112233|NULL / 2|NULL|NULL"},
         {u"TRANSFORM FIRST(a01frst) SELECT a01last FROM a01 WHERE a01last LIKE 'и*' GROUP BY a01last PIVOT "
@@ -317,6 +318,8 @@ TEST_F(DialectTest, Functions) {
          u"a01clid",
          u"1 / 4"},
         {u"SELECT ROUND(2.5), INT(-1.5), FIX(-1.5), ABS(-3), SGN(-3)", u"2|-2|-1|3|-1"},
+        {u"SELECT ASC('Я'), FORMAT(#1/1/2006#, 'w', 2), FORMAT(#1/1/2006#, 'ww', 2, 2), CVDATE(NULL)",
+         u"223|7|52|NULL"},
         {u"SELECT CSTR(1.5), CLNG('7'), VAL('12abc'), CBOOL(5), HEX(255)", u"1,5|7|12|-1|FF"},
         {u"SELECT DATESERIAL(2006, 12, 5) + 1, DATEDIFF('d', #1/1/2020#, #3/1/2020#)", u"06.12.2006|60"},
         {u"SELECT COUNT(*) FROM a01 WHERE LEFT(a01last, 1) = 'и'", u"2"},

@@ -86,7 +86,8 @@ private:
             m_shape.Add(u"?t");
             break;
         }
-        if (m_previous.IsWord("TOP") || (m_inOrder && (m_previous.IsWord("BY") || m_previous.Is(u','))))
+        // In an order a number tells a column, however it is written: `1`, `(1)`, `+1`.
+        if (m_previous.IsWord("TOP") || m_inOrder)
             m_shape.Add(token.text);
         m_scanned.literals.push_back(std::move(value));
     }

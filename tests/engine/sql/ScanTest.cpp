@@ -43,6 +43,8 @@ TEST(ScanTest, TextsThatMeanSomethingElseDoNot) {
         {u"SELECT a WHERE a LIKE 'x'", u"SELECT a WHERE a LIKE '['"},
         {u"SELECT TOP 1 a FROM b", u"SELECT TOP 2 a FROM b"},
         {u"SELECT a, b FROM c ORDER BY 1", u"SELECT a, b FROM c ORDER BY 2"},
+        {u"SELECT a, b FROM c ORDER BY (1)", u"SELECT a, b FROM c ORDER BY (2)"},
+        {u"SELECT a, b FROM c ORDER BY +1", u"SELECT a, b FROM c ORDER BY +2"},
         {u"SELECT a, b FROM c ORDER BY a, 1", u"SELECT a, b FROM c ORDER BY a, 2"},
         {u"SELECT a + 1 FROM b GROUP BY a + 1", u"SELECT a + 1 FROM b GROUP BY a + 2"},
         {u"SELECT DISTINCT a + 1 FROM b ORDER BY a + 1", u"SELECT DISTINCT a + 1 FROM b ORDER BY a + 2"},

@@ -1,6 +1,7 @@
 // What a plan tells the connection beside its text: parameters, keys, texts of rows.
 #include "platform/engine/sql/Plan.h"
 #include "platform/engine/sql/Words.h"
+#include "platform/runtime/Failure.h"
 
 #include <gtest/gtest.h>
 
@@ -145,6 +146,73 @@ TEST(TranslationTest, Parameters) {
     const Plan between = PlanOf("SELECT * FROM a01 WHERE a01clid BETWEEN 5 AND 1", Purpose::OpenRecordset);
     EXPECT_EQ(between.parameters.size(), 2U);
     EXPECT_FALSE(between.parameters[0].column.has_value());
+}
+
+// A plan is found again by the shape of its statement: whatever a translation looks at beside what it binds
+// has to stand in the shape.
+TEST(TranslationTest, OneShapeOnePlan) {
+    static const char* const clauses[] = {
+        "%1",
+        "(%1)",
+        "+%1",
+        "-%1",
+        "a01clid + %1",
+        "a01last LIKE %1",
+        "a01last NOT LIKE (%1)",
+        "FORMAT(a01clid, %1)",
+        "DATEPART(%1, a01bith)",
+        "CHOOSE(%1, 1, 2)",
+        "a01clid IN (%1, 7)",
+        "a01clid BETWEEN %1 AND 7",
+        "IIF(%1, 1, 2)",
+        "a01last & %1",
+        "MID(a01last, %1)",
+    };
+    static const char* const statements[] = {
+        "SELECT a01clid, a01last FROM a01 ORDER BY %1",
+        "SELECT a01clid, a01last FROM a01 UNION SELECT a01clid, a01last FROM a01 ORDER BY %1",
+        "SELECT a01clid FROM a01 WHERE a01clid IN (SELECT TOP 2 a02clid FROM a02 ORDER BY %1)",
+        "SELECT TOP %1 a01clid, a01last FROM a01",
+        "SELECT TOP %1 PERCENT a01clid, a01last FROM a01 ORDER BY a01last",
+        "SELECT %1 FROM a01",
+        "SELECT DISTINCT %1 AS q, a01last FROM a01 ORDER BY %1",
+        "SELECT COUNT(*), %1 FROM a01 GROUP BY %1 HAVING %1 > 1",
+        "TRANSFORM COUNT(*) SELECT a01last FROM a01 GROUP BY a01last PIVOT a01clid IN (%1, 7)",
+        "SELECT a01clid FROM a01 WHERE %1",
+        "INSERT INTO a01 (a01clid, a01last) VALUES (1, %1)",
+        "UPDATE a01 SET a01last = %1",
+        "DELETE FROM a01 WHERE a01clid = %1",
+    };
+    static const char* const literals[][2] = {
+        {"1", "2"},      {"0", "1"},          {"'a'", "''"},         {"'a*'", "'b?c'"},
+        {"'a'", "'a*'"}, {"'yyyy'", "'[a]'"}, {"1.5", "3000000000"}, {"#1/2/2003#", "#3/4/2005 6:07#"},
+    };
+    const auto planned = [](const QString& sql) {
+        try {
+            const Purpose purpose = sql.startsWith(u"SELECT") || sql.startsWith(u"TRANSFORM")
+                                        ? Purpose::OpenRecordset
+                                        : Purpose::Execute;
+            const Plan plan = PlanOf(sql.toUtf8().constData(), purpose);
+            return plan.text + plan.ignoreText + plan.keyedText + plan.rowText;
+        } catch (const runtime::Failure& failure) {
+            return QString::number(failure.number());
+        }
+    };
+    int same = 0;
+    for (const char* statement : statements)
+        for (const char* clause : clauses)
+            for (const auto& pair : literals) {
+                const QString text =
+                    QString::fromLatin1(statement).replace(QLatin1String("%1"), QLatin1String(clause));
+                const QString first = QString(text).replace(QLatin1String("%1"), QLatin1String(pair[0]));
+                const QString second = QString(text).replace(QLatin1String("%1"), QLatin1String(pair[1]));
+                if (Scan(first).shape != Scan(second).shape)
+                    continue;
+                ++same;
+                EXPECT_EQ(planned(first), planned(second))
+                    << first.toStdString() << " | " << second.toStdString();
+            }
+    EXPECT_GT(same, 100);
 }
 
 TEST(TranslationTest, EqualitiesOfCriteria) {

@@ -29,6 +29,13 @@ DataType TypeOfSqlite(const QString& declared) {
     return DataType::Unknown;
 }
 
+/// Whether a column's definition, in a text of ours, does not say NOT NULL: SQLite itself implies it in a
+/// key.
+bool IsImplied(const QString& createTable, const QString& column, const QString& type) {
+    const QString start = QuoteName(column) + u' ' + type;
+    return createTable.contains(start) && !createTable.contains(start + QLatin1String(" NOT NULL"));
+}
+
 bool SameNames(const QStringList& a, const QStringList& b) {
     return std::ranges::equal(a, b, [](const QString& left, const QString& right) {
         return left.compare(right, Qt::CaseInsensitive) == 0;
@@ -100,12 +107,12 @@ Layout FileCatalog::Read(const Entry& entry) const {
     Layout layout;
     layout.info.name = entry.name;
     QStringList primaryKey;
-    ReadColumns(layout, primaryKey, declarations);
+    ReadColumns(layout, entry.text, primaryKey, declarations);
     ReadIndexes(layout, primaryKey, declarations);
     return layout;
 }
 
-void FileCatalog::ReadColumns(Layout& layout, QStringList& primaryKey,
+void FileCatalog::ReadColumns(Layout& layout, const QString& text, QStringList& primaryKey,
                               const Declarations& declarations) const {
     Statement rows;
     int code =
@@ -118,7 +125,7 @@ void FileCatalog::ReadColumns(Layout& layout, QStringList& primaryKey,
         sql::ColumnInfo column;
         column.name = rows.Text(0);
         column.type = TypeOfSqlite(rows.Text(1));
-        column.required = rows.Number(2) != 0;
+        column.required = rows.Number(2) != 0 && !IsImplied(text, column.name, rows.Text(1));
         bool requiredLater = false;
         ApplyDeclarations(column, declarations.checks, requiredLater);
         if (const std::int64_t place = rows.Number(3); place > 0)
@@ -165,14 +172,15 @@ void FileCatalog::ReadIndexes(Layout& layout, const QStringList& primaryKey,
     };
 
     // The counter is SQLite's key; where the table has another, that is a marked UNIQUE constraint.
-    sql::IndexInfo primary{QStringLiteral("PrimaryKey"), primaryKey, true, true};
+    sql::IndexInfo primary{namelessKey.toString(), primaryKey, true, true};
+    if (const QString name = declaredName(primaryKey); !name.isEmpty() && !name.startsWith(primaryKeyMark))
+        primary.name = name;
     std::vector<sql::IndexInfo> secondary;
     for (const FileIndex& index : found) {
         QString name = declaredName(index.columns);
-        if (index.origin == QLatin1String("pk")) {
-            if (!name.isEmpty())
-                primary.name = name;
-        } else if (index.origin == QLatin1String("c")) {
+        if (index.origin == QLatin1String("pk"))
+            continue;
+        if (index.origin == QLatin1String("c")) {
             const QString prefix = layout.info.name + u'.';
             name = index.name.startsWith(prefix) ? index.name.mid(prefix.size()) : index.name;
             secondary.push_back({name, index.columns, false, index.unique});
@@ -186,7 +194,7 @@ void FileCatalog::ReadIndexes(Layout& layout, const QStringList& primaryKey,
             secondary.push_back({name.isEmpty() ? index.name : name, index.columns, false, true});
         }
     }
-    const int counter = layout.CounterColumn();
+    const int counter = layout.info.CounterColumn();
     if (counter >= 0 && primary.columns == primaryKey &&
         declarations.checks.contains(layout.info.columns[static_cast<std::size_t>(counter)].name + u' ' +
                                      noteNotKey.toString()))

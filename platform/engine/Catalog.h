@@ -33,7 +33,8 @@ private:
 
     void ReadNames() const;
     Layout Read(const Entry& entry) const;
-    void ReadColumns(Layout& layout, QStringList& primaryKey, const Declarations& declarations) const;
+    void ReadColumns(Layout& layout, const QString& text, QStringList& primaryKey,
+                     const Declarations& declarations) const;
     void ReadIndexes(Layout& layout, const QStringList& primaryKey, const Declarations& declarations) const;
     [[noreturn]] void Raise(int code) const;
 

@@ -76,8 +76,8 @@ bool FitsAsItIs(const Value& value, const sql::ColumnInfo& column) {
 // A value that its column will certainly refuse: an UPDATE whose value cannot be converted fails only if it
 // hits a row.
 Value RefusedValue(const sql::ColumnInfo& column) {
-    const qsizetype size = column.type == DataType::Text ? column.size + 1 : 1;
-    return QString(size, u'x');
+    const int size = std::max(column.size, functions::guidSize) + 1;
+    return column.type == DataType::Binary ? Value(QByteArray(size, 'x')) : Value(QString(size, u'x'));
 }
 
 /// The text of a plan that suits the rows at hand.
@@ -515,7 +515,7 @@ int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
 
 void Connection::NoteInsert(const sql::Plan& plan, bool leftOut) {
     const Layout* layout = plan.verb == sql::Verb::Insert ? m_catalog->FindLayout(plan.target) : nullptr;
-    if (layout == nullptr || layout->CounterColumn() < 0)
+    if (layout == nullptr || layout->info.CounterColumn() < 0)
         return;
     if (m_affected > 0)
         m_counters->Inserted(plan.target, sqlite3_last_insert_rowid(m_db));

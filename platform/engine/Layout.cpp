@@ -26,7 +26,7 @@ constexpr auto types = std::to_array<TypeEntry>({
     {DataType::Single, u"SINGLE", u"REAL", u"%c BETWEEN -3.4028235677973366e38 AND 3.4028235677973366e38"},
     {DataType::Double, u"DOUBLE", u"REAL", u"%c BETWEEN -1.7976931348623157e308 AND 1.7976931348623157e308"},
     {DataType::Currency, u"CURRENCY", u"REAL", u"%c BETWEEN -922337203685477.5808 AND 922337203685477.5807"},
-    {DataType::Date, u"DATETIME", u"REAL", u"%c BETWEEN -657434.0 AND 2958466.0"},
+    {DataType::Date, u"DATETIME", u"REAL", u"%c > -657435.0 AND %c < 2958466.0"},
     {DataType::Text, u"TEXT(%1)", u"TEXT", u"length(CAST(%c AS BLOB)) <= 2 * %1"},
     {DataType::Memo, u"LONGTEXT", u"TEXT", u"length(CAST(%c AS BLOB)) <= 2147483646"},
     {DataType::Binary, u"BINARY(%1)", u"BLOB", u"length(%c) <= %1"},
@@ -47,11 +47,6 @@ bool IsText(const sql::ColumnInfo& column) {
     return column.type == DataType::Text || column.type == DataType::Memo;
 }
 
-bool IsWholeNumber(DataType type) {
-    return type == DataType::Long || type == DataType::Short || type == DataType::Byte ||
-           type == DataType::Counter;
-}
-
 QString Check(const QString& column, QStringView declaration, const QString& condition) {
     return QStringLiteral(" CONSTRAINT %1 CHECK (%2)")
         .arg(QuoteName(column + u' ' + declaration.toString()), condition);
@@ -64,13 +59,16 @@ QString QuoteList(const QStringList& names) {
     return quoted.join(QLatin1String(", "));
 }
 
-const sql::IndexInfo* PrimaryKey(const sql::TableInfo& table) {
-    const auto found = std::ranges::find_if(table.indexes, &sql::IndexInfo::primary);
-    return found == table.indexes.end() ? nullptr : &*found;
-}
-
 bool IsOnly(const sql::IndexInfo& key, const sql::ColumnInfo& column) {
     return key.columns.size() == 1 && key.columns.front().compare(column.name, Qt::CaseInsensitive) == 0;
+}
+
+/// A row number that is the key under a name, which only a constraint of the table can hold.
+bool IsNamedRowNumber(const sql::TableInfo& table) {
+    const sql::IndexInfo* key = table.PrimaryKey();
+    const int rowNumber = table.RowNumberColumn();
+    return key != nullptr && rowNumber >= 0 && !key->name.isEmpty() && key->name != namelessKey &&
+           IsOnly(*key, table.columns[static_cast<std::size_t>(rowNumber)]);
 }
 
 // ---- reading ----
@@ -143,23 +141,6 @@ Layout::Layout(sql::TableInfo table)
     , requiredLater(info.columns.size(), false) {
 }
 
-int Layout::CounterColumn() const {
-    const auto found = std::ranges::find(info.columns, DataType::Counter, &sql::ColumnInfo::type);
-    return found == info.columns.end() ? -1 : static_cast<int>(found - info.columns.begin());
-}
-
-int Layout::RowNumberColumn() const {
-    if (const int counter = CounterColumn(); counter >= 0)
-        return counter;
-    const sql::IndexInfo* key = PrimaryKey(info);
-    if (key == nullptr)
-        return -1;
-    const auto found = std::ranges::find_if(info.columns, [&](const sql::ColumnInfo& column) {
-        return IsWholeNumber(column.type) && IsOnly(*key, column);
-    });
-    return found == info.columns.end() ? -1 : static_cast<int>(found - info.columns.begin());
-}
-
 QString QuoteName(QStringView name) {
     QString quoted = name.toString();
     quoted.replace(u'"', QLatin1String("\"\""));
@@ -175,13 +156,16 @@ QString ColumnText(const Layout& layout, int place) {
     const bool requiredLater = at < layout.requiredLater.size() && layout.requiredLater[at];
     if (column.required && !requiredLater)
         text += QLatin1String(" NOT NULL");
-    if (place == layout.RowNumberColumn())
+    if (place == layout.info.RowNumberColumn() && !IsNamedRowNumber(layout.info)) {
         text += QLatin1String(" PRIMARY KEY");
-    if (column.type == DataType::Counter)
-        text += QLatin1String(" AUTOINCREMENT");
+        if (column.type == DataType::Counter)
+            text += QLatin1String(" AUTOINCREMENT");
+    }
+    if (column.type == DataType::Bit)
+        text += QLatin1String(" DEFAULT 0");
     if (IsText(column))
         text += QLatin1String(" COLLATE ZV_FOLD");
-    const sql::IndexInfo* key = PrimaryKey(layout.info);
+    const sql::IndexInfo* key = layout.info.PrimaryKey();
     if (column.unique && !(key != nullptr && IsOnly(*key, column)))
         text += QLatin1String(" UNIQUE");
 
@@ -203,17 +187,19 @@ QString CreateTableText(const Layout& layout, const QString& name) {
     QStringList parts;
     for (int column = 0; column < static_cast<int>(layout.info.columns.size()); ++column)
         parts += ColumnText(layout, column);
-    const int rowNumber = layout.RowNumberColumn();
+    const int rowNumber = layout.info.RowNumberColumn();
     for (const sql::IndexInfo& index : layout.info.indexes) {
         const bool isRowNumber = index.primary && rowNumber >= 0 &&
                                  IsOnly(index, layout.info.columns[static_cast<std::size_t>(rowNumber)]);
-        if (isRowNumber || !index.primary)
+        if (!index.primary || (isRowNumber && !IsNamedRowNumber(layout.info)))
             continue;
-        const bool besideCounter = rowNumber >= 0; // SQLite takes one primary key, and the counter is it
-        parts += QStringLiteral("CONSTRAINT %1 %2 (%3)")
+        // SQLite takes one primary key, and a counter is it.
+        const bool besideCounter = rowNumber >= 0 && !isRowNumber;
+        const bool counts = isRowNumber && layout.info.CounterColumn() >= 0;
+        parts += QStringLiteral("CONSTRAINT %1 %2 (%3%4)")
                      .arg(QuoteName(besideCounter ? primaryKeyMark.toString() + index.name : index.name),
                           besideCounter ? QStringLiteral("UNIQUE") : QStringLiteral("PRIMARY KEY"),
-                          QuoteList(index.columns));
+                          QuoteList(index.columns), counts ? QStringLiteral(" AUTOINCREMENT") : QString());
     }
     return QStringLiteral("CREATE TABLE %1 (%2) STRICT")
         .arg(QuoteName(name), parts.join(QLatin1String(", ")));
@@ -253,7 +239,7 @@ Declarations ReadDeclarations(QStringView createTable) {
             continue;
         Declarations::Key entry{name.text, {}};
         for (token = reader.Next(); token.kind != Token::End && !IsSign(token, u')'); token = reader.Next())
-            if (IsNameLike(token))
+            if (IsNameLike(token) && !IsWord(token, QLatin1String("AUTOINCREMENT")))
                 entry.columns += token.text;
         found.keys.push_back(std::move(entry));
     }

@@ -15,11 +15,6 @@ struct Layout {
     std::vector<bool> requiredLater;
 
     explicit Layout(sql::TableInfo table = {});
-
-    /// Place of the column that SQLite keeps as the row number: the counter, or a key of one whole number;
-    /// else -1.
-    int RowNumberColumn() const;
-    int CounterColumn() const;
 };
 
 /// A name as SQLite takes it, in quotes.
@@ -48,6 +43,9 @@ Declarations ReadDeclarations(QStringView createTable);
 /// Puts type, size and the like into a column of that name, as far as the constraints tell. True if they tell
 /// its type.
 bool ApplyDeclarations(sql::ColumnInfo& column, const QStringList& checks, bool& requiredLater);
+
+/// What a primary key without a name of its own is called.
+inline constexpr QStringView namelessKey = u"PrimaryKey";
 
 /// The counter of a table whose key it is not carries this note.
 inline constexpr QStringView noteNotKey = u"NotKey";

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int maxColumns = 255;
 constexpr int maxTextSize = 255;
+constexpr int maxBinarySize = 510;
 
 bool SameName(const QString& a, const QString& b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
@@ -27,14 +28,26 @@ bool IsIndexed(const sql::TableInfo& table, const QString& column) {
 
 QStringList SameColumns(const sql::TableInfo& table) {
     QStringList sources;
-    for (const auto& column : table.columns)
-        sources += QuoteName(column.name);
+    for (const auto& column : table.columns) {
+        const QString name = QuoteName(column.name);
+        // Files of before may hold NULL where No is meant.
+        sources += column.type == DataType::Bit ? QStringLiteral("ifnull(%1, 0)").arg(name) : name;
+    }
     return sources;
 }
 
 void CheckColumn(const sql::ColumnInfo& column) {
-    if (column.type == DataType::Text && (column.size < 1 || column.size > maxTextSize))
+    const bool text = column.type == DataType::Text && (column.size < 1 || column.size > maxTextSize);
+    if (text || (column.type == DataType::Binary && column.size > maxBinarySize))
         RaiseEngine(ColumnTooWide, column.name);
+}
+
+void CheckIndexNames(const sql::TableInfo& table) {
+    for (auto index = table.indexes.begin(); index != table.indexes.end(); ++index)
+        if (!index->name.isEmpty() && std::any_of(table.indexes.begin(), index, [&](const auto& other) {
+                return SameName(other.name, index->name);
+            }))
+            RaiseEngine(IndexExistsInTable, table.name, index->name);
 }
 
 // Rows that are there already are not looked at when a rule is added.
@@ -94,7 +107,7 @@ void SchemaEditor::Apply(const sql::SchemaChange& change) {
     case sql::SchemaChange::DropTable:
         return DropTable(change.table.name);
     case sql::SchemaChange::AddColumn:
-        return AddColumn(change.table.name, change.column);
+        return AddColumn(change.table.name, change.column, change.index);
     case sql::SchemaChange::DropColumn:
         return DropColumn(change.table.name, change.column.name);
     case sql::SchemaChange::AlterColumn:
@@ -123,6 +136,8 @@ void SchemaEditor::CreateTable(const sql::TableInfo& table) {
     if (std::ranges::count_if(table.indexes, &sql::IndexInfo::primary) > 1)
         RaiseEngine(PrimaryKeyExists);
 
+    CheckIndexNames(table);
+
     Layout layout(table);
     for (const auto& index : table.indexes)
         for (const QString& name : index.columns)
@@ -146,7 +161,8 @@ void SchemaEditor::DropTable(const QString& name) {
     Run(QStringLiteral("DROP TABLE ") + QuoteName(layout.info.name));
 }
 
-void SchemaEditor::AddColumn(const QString& name, const sql::ColumnInfo& column) {
+void SchemaEditor::AddColumn(const QString& name, const sql::ColumnInfo& column,
+                             const sql::IndexInfo& unique) {
     const Layout& layout = LayoutOf(name, TableOrConstraintNotFound);
     CheckColumn(column);
     if (layout.info.Find(column.name) >= 0)
@@ -156,16 +172,20 @@ void SchemaEditor::AddColumn(const QString& name, const sql::ColumnInfo& column)
     Layout changed = layout;
     changed.info.columns.push_back(column);
     changed.requiredLater.push_back(column.required);
-    if (column.type == DataType::Counter && layout.CounterColumn() >= 0)
+    if (column.type == DataType::Counter && layout.info.CounterColumn() >= 0)
         RaiseEngine(SyntaxInColumnDefinition);
     const bool plain = !column.unique && !column.required && column.type != DataType::Counter;
     if (plain) {
         const int place = static_cast<int>(changed.info.columns.size()) - 1;
         Run(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2")
                 .arg(QuoteName(layout.info.name), ColumnText(changed, place)));
-        return;
+    } else {
+        Rebuild(layout, changed,
+                SameColumns(layout.info)
+                    << (column.type == DataType::Bit ? QStringLiteral("0") : QStringLiteral("NULL")));
     }
-    Rebuild(layout, changed, SameColumns(layout.info) << QStringLiteral("NULL"));
+    if (!unique.columns.isEmpty())
+        Run(CreateIndexText(changed.info, unique));
 }
 
 void SchemaEditor::DropColumn(const QString& name, const QString& column) {
@@ -190,7 +210,7 @@ void SchemaEditor::AlterColumn(const QString& name, const sql::ColumnInfo& colum
     if (place < 0)
         RaiseEngine(ColumnNotFound, layout.info.name, column.name);
     const auto at = static_cast<std::size_t>(place);
-    const bool otherCounter = layout.CounterColumn() >= 0 && layout.CounterColumn() != place;
+    const bool otherCounter = layout.info.CounterColumn() >= 0 && layout.info.CounterColumn() != place;
     if (column.type == DataType::Counter && otherCounter)
         RaiseEngine(SyntaxInColumnDefinition);
     Layout changed = layout;
@@ -222,6 +242,7 @@ void SchemaEditor::CreateIndex(const QString& name, const sql::IndexInfo& index)
         return Run(CreateIndexText(layout.info, index));
     if (index.primary && std::ranges::any_of(layout.info.indexes, &sql::IndexInfo::primary))
         RaiseEngine(PrimaryKeyExists);
+    CheckFilled(layout.info.name, index);
     Layout changed = layout;
     auto& indexes = changed.info.indexes;
     indexes.insert(index.primary ? indexes.begin() : indexes.end(), index);
@@ -246,27 +267,45 @@ void SchemaEditor::DropIndex(const QString& name, const QString& index) {
     Rebuild(layout, changed, SameColumns(layout.info));
 }
 
-bool SchemaEditor::IsEmpty(const QString& table) const {
+void SchemaEditor::CheckFilled(const QString& table, const sql::IndexInfo& index) const {
+    QStringList missing;
+    for (const QString& column : index.columns)
+        missing += QuoteName(column) + QStringLiteral(" IS NULL");
+    if (HasRow(QuoteName(table) + QStringLiteral(" WHERE ") + missing.join(QLatin1String(" OR "))))
+        RaiseEngine(NullInKey);
+}
+
+QString SchemaEditor::UnusedName(const QString& table) const {
+    // Two points: neither a table of the dialect nor an index of one bears such a name.
+    QString name = table + QStringLiteral("..new");
+    const auto isUsed = [&] {
+        return HasRow(QStringLiteral("sqlite_schema WHERE lower(name) = lower('%1')")
+                          .arg(QString(name).replace(u'\'', QLatin1String("''"))));
+    };
+    while (isUsed())
+        name += u'.';
+    return name;
+}
+
+bool SchemaEditor::HasRow(const QString& from) const {
     Statement any;
-    int code =
-        any.Prepare(m_db, QStringLiteral("SELECT 1 FROM ") + QuoteName(table) + QStringLiteral(" LIMIT 1"));
+    int code = any.Prepare(m_db, QStringLiteral("SELECT 1 FROM ") + from + QStringLiteral(" LIMIT 1"));
     if (code == SQLITE_OK)
         code = any.Step();
     if (code != SQLITE_ROW && code != SQLITE_DONE)
         throw FailureFrom(m_db, code, Doing::Define, m_path, m_table);
-    return code == SQLITE_DONE;
+    return code == SQLITE_ROW;
 }
 
 void SchemaEditor::Rebuild(const Layout& old, const Layout& changed, const QStringList& sources) {
     const QString name = old.info.name;
-    const std::int64_t last = old.CounterColumn() >= 0 ? m_counters.Last(name) : 0;
+    const std::int64_t last = old.info.CounterColumn() >= 0 ? m_counters.Last(name) : 0;
     const QString dropOld = QStringLiteral("DROP TABLE ") + QuoteName(name);
-    if (IsEmpty(name)) {
+    if (!HasRow(QuoteName(name))) {
         Run(dropOld);
         Run(CreateTableText(changed, name));
     } else {
-        const QString fresh =
-            FileIndexName(name, QStringLiteral("new")); // holds a point, so no table bears it
+        const QString fresh = UnusedName(name);
         Run(CreateTableText(changed, fresh));
         {
             const RowsUnchecked unchecked(m_db, m_rulesAreOff);
@@ -279,7 +318,7 @@ void SchemaEditor::Rebuild(const Layout& old, const Layout& changed, const QStri
     for (const auto& index : changed.info.indexes)
         if (!index.primary)
             Run(CreateIndexText(changed.info, index));
-    if (changed.CounterColumn() >= 0 && last > m_counters.Last(name))
+    if (changed.info.CounterColumn() >= 0 && last > m_counters.Last(name))
         m_counters.SetLast(name, last);
 }
 

@@ -21,7 +21,8 @@ public:
 
 private:
     void DropTable(const QString& name);
-    void AddColumn(const QString& name, const sql::ColumnInfo& column);
+    /// `unique`: a constraint of the column that bears a name, or one without columns.
+    void AddColumn(const QString& name, const sql::ColumnInfo& column, const sql::IndexInfo& unique);
     void DropColumn(const QString& name, const QString& column);
     void AlterColumn(const QString& name, const sql::ColumnInfo& column);
     void CreateIndex(const QString& name, const sql::IndexInfo& index);
@@ -30,7 +31,11 @@ private:
     const Layout& LayoutOf(const QString& table, int missingNumber) const;
     /// Makes the table anew; `sources` tells for each new column the expression over the old one.
     void Rebuild(const Layout& old, const Layout& changed, const QStringList& sources);
-    bool IsEmpty(const QString& table) const;
+    /// Failure 3058 if a row of the table holds NULL in a column of the index.
+    void CheckFilled(const QString& table, const sql::IndexInfo& index) const;
+    /// A name for the table while it is made anew.
+    QString UnusedName(const QString& table) const;
+    bool HasRow(const QString& from) const;
     void Run(const QString& text);
 
     sqlite3* m_db;

@@ -23,7 +23,7 @@ runtime::Failure FromCheck(QStringView name, const QString& table) {
         return Engine(EmptyTextNotAllowed, field(noteNoEmptyText));
     if (name.endsWith(noteRequired))
         return Engine(NullNotAllowed, field(noteRequired));
-    if (name.endsWith(u')')) // "column TEXT(50)"
+    if (name.endsWith(u')') || name.endsWith(u" GUID")) // "column TEXT(50)"
         return Engine(ValueTooLong);
     return Engine(NumberOutOfRange);
 }

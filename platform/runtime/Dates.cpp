@@ -13,6 +13,9 @@ namespace {
 constexpr double MillisecondsOfDay = 86'400'000;
 constexpr double SecondsOfDay = 86'400;
 
+constexpr double DayBeforeFirst = -657'435; // 31.12.99
+constexpr double DayBehindLast = 2'958'466; // 1.1.10000
+
 std::optional<QDate> fixedToday;
 
 QDate DayZero() {
@@ -57,15 +60,17 @@ int DaysBetween(QDate from, QDate to) {
     return static_cast<int>(from.daysTo(to));
 }
 
+bool IsDateNumber(double number) {
+    return number > DayBeforeFirst && number < DayBehindLast;
+}
+
 QDateTime DateFromNumber(double number) {
     // The fraction counts forward within its day on both sides of day 0.
     const double days = std::trunc(number);
     double seconds = std::round(std::abs(number - days) * SecondsOfDay);
-    constexpr double LargestNumber = 2'958'466; // the day after 31.12.9999
-    constexpr double SmallestNumber = -657'435; // the day before 1.1.100
-    if (!(number > SmallestNumber && number < LargestNumber))
+    if (!IsDateNumber(number))
         Raise(Overflow);
-    if (days == LargestNumber - 1)
+    if (days == DayBehindLast - 1)
         seconds = std::min(seconds, SecondsOfDay - 1); // no day follows
     return QDateTime(DayZero().addDays(static_cast<qint64>(days)), QTime(0, 0), Qt::UTC)
         .addSecs(static_cast<qint64>(seconds));

@@ -29,9 +29,12 @@ QString DateToText(QDate date);
 int DaysBetween(QDate from, QDate to);
 
 /// Day 0 of date numbers, 30.12.1899; a date number is days since then, the fraction is the time of day,
-/// of which parts of a second are rounded.
+/// of which parts of a second are rounded. Failure 6 for a number that IsDateNumber refuses.
 QDateTime DateFromNumber(double number);
 double NumberFromDate(const QDateTime& value);
+/// Whether the number is that of a moment from 1.1.100 0:00 to the end of 31.12.9999. All moments of a day
+/// before day 0 have numbers below that of its midnight.
+bool IsDateNumber(double number);
 
 /// Today and now from the one date service; nothing else asks the system.
 QDate Today();

@@ -18,9 +18,6 @@ namespace {
 constexpr QStringView failureMark = u"\uE000zv";
 constexpr QChar numberEnd = u':';
 
-constexpr double firstDate = -657434.0;  // 1.1.100
-constexpr double endOfDates = 2958466.0; // 1.1.10000
-
 void SetText(sqlite3_context* context, const QString& text) {
     sqlite3_result_text16(context, text.utf16(), static_cast<int>(text.size() * 2), SQLITE_TRANSIENT);
 }
@@ -86,8 +83,6 @@ QDateTime Arguments::Date(int place) const {
 }
 
 QDateTime DateOf(double number) {
-    if (!(number > firstDate - 1 && number < endOfDates))
-        runtime::Raise(runtime::Overflow);
     return runtime::DateFromNumber(number);
 }
 

@@ -65,6 +65,9 @@ void RegisterFunctions(sqlite3* db);
 /// Text of a SQLite error message that one of our functions raised, taken apart; false if it is SQLite's own.
 bool FailureOf(const QString& message, int& number, QString& description);
 
+/// Characters of a GUID in braces.
+inline constexpr int guidSize = 38;
+
 /// A value converted to a column's form in the file, as zv_to does it.
 Value ToColumn(const Value& value, DataType type, int size, const QString& name);
 

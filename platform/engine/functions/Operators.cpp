@@ -190,8 +190,10 @@ Value To(const Arguments& arguments) {
     try {
         return ToColumn(arguments.At(3), type, size, QString());
     } catch (const runtime::Failure& failure) {
-        // A text that is too long stays: the rule of its column then leaves the whole row out.
-        return failure.number() == ValueTooLong ? arguments.At(3) : Value();
+        if (failure.number() != ValueTooLong)
+            return ToColumn({}, type, size, QString());
+        // What is too long stays: the rule of its column then leaves the whole row out.
+        return type == DataType::Binary ? ToColumn(arguments.At(3), type, 0, QString()) : arguments.At(3);
     }
 }
 

@@ -46,14 +46,12 @@ double NumberWithin(const Value& value, double greatest) {
 }
 
 Value DateFor(const Value& value) {
-    constexpr double endOfDates = 2958466.0; // 1.1.10000
-    constexpr double firstDate = -657434.0;  // 1.1.100
     if (const auto* text = value.As<QString>()) {
         if (const auto date = runtime::TryTextToDate(*text))
             return runtime::NumberFromDate(*date);
     }
     const double number = NumberFor(value);
-    if (!(number > firstDate - 1 && number < endOfDates))
+    if (!runtime::IsDateNumber(number))
         RaiseEngine(NumberOutOfRange);
     return number;
 }
@@ -86,7 +84,7 @@ Value BytesFor(const Value& value, int size) {
 Value ToColumn(const Value& value, DataType type, int size, const QString& /*name*/) {
     constexpr double greatestCurrency = 922337203685477.5;
     if (value.IsNull())
-        return {};
+        return type == DataType::Bit ? Value(false) : Value();
     switch (type) {
     case DataType::Bit:
         return NumberFor(value) != 0;
@@ -112,7 +110,7 @@ Value ToColumn(const Value& value, DataType type, int size, const QString& /*nam
     case DataType::Binary:
         return BytesFor(value, size);
     case DataType::Guid:
-        return TextFor(value, 0);
+        return TextFor(value, guidSize);
     case DataType::Unknown:
         break;
     }

@@ -1,12 +1,12 @@
 // The values of a row: each column type's form in the file.
 
 #include "platform/engine/jet4/RowParts.h"
+#include "platform/runtime/Dates.h"
 
 #include <QUuid>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace engine::jet4 {
 
@@ -85,9 +85,14 @@ std::uint32_t SizeOf(DataType type) {
     }
 }
 
-Value Finite(double number, double least = -std::numeric_limits<double>::max(),
-             double greatest = std::numeric_limits<double>::max()) {
-    if (!(number >= least && number <= greatest))
+Value Finite(double number) {
+    if (!std::isfinite(number))
+        throw Damage();
+    return number;
+}
+
+Value DateNumber(double number) {
+    if (!runtime::IsDateNumber(number))
         throw Damage();
     return number;
 }
@@ -103,8 +108,6 @@ Value GuidText(Bytes bytes) {
 }
 
 Value NumberValue(DataType type, Bytes bytes) {
-    constexpr double firstDate = -657434;  // 1.1.100
-    constexpr double endOfDates = 2958466; // 1.1.10000
     switch (type) {
     case DataType::Byte:
         return std::int64_t{bytes.U8(0)};
@@ -120,7 +123,7 @@ Value NumberValue(DataType type, Bytes bytes) {
     case DataType::Double:
         return Finite(bytes.F64(0));
     case DataType::Date:
-        return Finite(bytes.F64(0), firstDate, endOfDates);
+        return DateNumber(bytes.F64(0));
     default:
         return GuidText(bytes);
     }

@@ -28,7 +28,7 @@ CopiedColumns ColumnsOf(const Table& table, const Layout& layout) {
         const int target = layout.info.Find(table.columns[place].name);
         if (target < 0)
             continue;
-        if (target == layout.RowNumberColumn())
+        if (target == layout.info.RowNumberColumn())
             columns.rowNumber = static_cast<int>(columns.places.size());
         columns.names += QuoteName(table.columns[place].name);
         columns.places.push_back(place);

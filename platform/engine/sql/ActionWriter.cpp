@@ -25,10 +25,12 @@ const ColumnInfo& ColumnAt(const TableInfo& table, int column) {
 
 /// Whether every value of one type has its place in a column of the other without a change.
 bool Fits(const Written& value, const ColumnInfo& column, int size) {
+    if (column.type == DataType::Bit)
+        return false; // NULL is No
     if (value.condition || value.null)
         return value.null;
     if (value.type == column.type && KindOf(column.type) != TypeKind::Text)
-        return IsWholeNumber(column.type) || column.type == DataType::Bit || column.type == DataType::Date;
+        return IsWholeNumber(column.type) || column.type == DataType::Date;
     if (value.type == DataType::Text && column.type == DataType::Text)
         return size > 0 && size <= column.size;
     const bool text = value.type == DataType::Text || value.type == DataType::Memo;
@@ -48,7 +50,13 @@ QString ActionWriter::FullName(const TableInfo& table, int column) const {
     return m_context.lenient ? u"NULL"_s : QuotedText(table.name + u'.' + ColumnAt(table, column).name);
 }
 
-/// A key without a value: SQLite would make up a row number.
+/// The part of a key that SQLite would let be NULL or make up; a counter is meant to be made up.
+bool ActionWriter::IsKey(const TableInfo& table, int column) {
+    const IndexInfo* key = table.PrimaryKey();
+    return key && ColumnAt(table, column).type != DataType::Counter &&
+           key->columns.contains(ColumnAt(table, column).name, Qt::CaseInsensitive);
+}
+
 QString ActionWriter::MissingKey(const TableInfo& table, int column) const {
     return ColumnAt(table, column).required ? QuotedText(table.name + u'.' + ColumnAt(table, column).name)
                                             : u"NULL"_s;
@@ -60,7 +68,7 @@ QString ActionWriter::Converted(const Written& value, const TableInfo& table, in
     if (!Fits(value, target, size))
         text = u"zv_to("_s + QString::number(static_cast<int>(target.type)) + u", "_s +
                QString::number(target.size) + u", "_s + FullName(table, column) + u", "_s + text + u')';
-    if (table.RowIdColumn() == column && target.type != DataType::Counter && !m_context.lenient)
+    if (IsKey(table, column) && !m_context.lenient)
         text = u"zv_required("_s + MissingKey(table, column) + u", "_s + text + u')';
     return text;
 }
@@ -93,14 +101,6 @@ std::vector<int> ActionWriter::InsertColumns(const Insert& insert, const TableIn
     return columns;
 }
 
-QString ActionWriter::InsertStart(const TableInfo& table, const std::vector<int>& columns) const {
-    QString names;
-    for (const int column : columns)
-        names += (names.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(table, column).name);
-    return (m_context.lenient ? u"INSERT OR IGNORE INTO "_s : u"INSERT INTO "_s) + Quoted(table.name) +
-           u" ("_s + names + u") "_s;
-}
-
 void ActionWriter::WriteInsert(const Insert& insert, Plan& plan) {
     const TableInfo& table = TargetTable(insert.table);
     const std::vector<int> columns = InsertColumns(insert, table);
@@ -121,67 +121,74 @@ QString ActionWriter::InsertText(const Insert& insert, const TableInfo& table,
         RaiseEngine(InsertColumnsDiffer);
     const Scope scope(nullptr);
     ExpressionWriter writer(m_context, &m_catalog, scope, AggregateRule::InExpression);
-    const int key = table.RowIdColumn();
-    const bool keyed = key >= 0 && ColumnAt(table, key).type != DataType::Counter;
-    std::vector<int> named = columns;
-    QString values;
-    QString keyValue;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        const QString value = Assigned(*insert.values[i], writer, table, columns[i]);
-        values += (values.isEmpty() ? QString() : u", "_s) + value;
-        if (columns[i] == key)
-            keyValue = value;
-    }
-    if (keyed && keyValue.isEmpty()) {
-        keyValue = u"NULL"_s;
-        named.push_back(key);
-        values +=
-            m_context.lenient ? u", NULL"_s : u", zv_required("_s + MissingKey(table, key) + u", NULL)"_s;
-    }
-    if (keyed && m_context.lenient)
-        return InsertStart(table, named) + u"SELECT "_s + values + u" WHERE "_s + keyValue +
-               u" IS NOT NULL"_s;
-    return InsertStart(table, named) + u"VALUES ("_s + values + u')';
+    NewRow row;
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        row.push_back({columns[i], Assigned(*insert.values[i], writer, table, columns[i])});
+    return InsertRows(table, std::move(row), {});
 }
 
-/// The rows of a query. Without a list of columns they are told by the names that the query delivers.
+/// The columns that the rows of a query fill where none are listed: all in their order, or, of a query that
+/// delivers fewer, those that it names.
+std::vector<int> ActionWriter::FilledColumns(const WrittenQuery& query, const TableInfo& table,
+                                             std::vector<int> columns) const {
+    if (query.columns.size() >= columns.size())
+        return columns;
+    columns.clear();
+    for (const WrittenColumn& column : query.columns) {
+        const int place = table.Find(column.name);
+        if (place < 0 || std::ranges::find(columns, place) != columns.end())
+            RaiseEngine(InsertColumnsDiffer);
+        columns.push_back(place);
+    }
+    return columns;
+}
+
 QString ActionWriter::InsertQueryText(const Insert& insert, const TableInfo& table,
                                       std::vector<int> columns) {
     const WrittenQuery query = QueryWriter(m_context, &m_catalog, nullptr).WriteDerived(*insert.query);
-    if (!insert.listed) {
-        columns.clear();
-        for (const WrittenColumn& column : query.columns) {
-            const int place = table.Find(column.column ? column.column->name : column.name);
-            const int named = table.Find(column.name);
-            if (place < 0 && named < 0)
-                RaiseEngine(UnknownInsertColumn, column.name);
-            columns.push_back(named >= 0 ? named : place);
-        }
-    }
+    if (!insert.listed)
+        columns = FilledColumns(query, table, std::move(columns));
     if (query.columns.size() != columns.size())
         RaiseEngine(InsertColumnsDiffer);
-    const int key = table.RowIdColumn();
-    const bool keyed = key >= 0 && ColumnAt(table, key).type != DataType::Counter;
-    QString values;
-    QString keyValue;
+    NewRow row;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         Written value = query.columns[i].value;
         value.text = u'c' + QString::number(i);
         value.condition = false;
-        const QString text = Converted(value, table, columns[i], value.size);
-        values += (values.isEmpty() ? QString() : u", "_s) + text;
-        if (columns[i] == key)
-            keyValue = text;
+        row.push_back({columns[i], Converted(value, table, columns[i], value.size)});
     }
-    if (keyed && keyValue.isEmpty()) {
-        keyValue = u"NULL"_s;
-        columns.push_back(key);
-        values +=
-            m_context.lenient ? u", NULL"_s : u", zv_required("_s + MissingKey(table, key) + u", NULL)"_s;
+    return InsertRows(table, std::move(row), u" FROM ("_s + query.text + u')');
+}
+
+/// Adds what a row has to hold although the statement does not tell it: the key, and No for YESNO.
+void ActionWriter::AddUntold(const TableInfo& table, NewRow& row) const {
+    Written nothing;
+    nothing.text = u"NULL"_s;
+    nothing.null = true;
+    for (int column = 0; column < static_cast<int>(table.columns.size()); ++column) {
+        const bool told = std::ranges::find(row, column, &NewValue::column) != row.end();
+        if (!told && (IsKey(table, column) || ColumnAt(table, column).type == DataType::Bit))
+            row.push_back({column, Converted(nothing, table, column, 0)});
     }
-    const QString condition =
-        keyed && m_context.lenient ? u" WHERE "_s + keyValue + u" IS NOT NULL"_s : QString();
-    return InsertStart(table, columns) + u"SELECT "_s + values + u" FROM ("_s + query.text + u')' + condition;
+}
+
+QString ActionWriter::InsertRows(const TableInfo& table, NewRow row, const QString& from) const {
+    AddUntold(table, row);
+    QString names;
+    QString values;
+    QString keys;
+    for (const NewValue& value : row) {
+        names += (names.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(table, value.column).name);
+        values += (values.isEmpty() ? QString() : u", "_s) + value.text;
+        // A row without its key is left out.
+        if (m_context.lenient && IsKey(table, value.column))
+            keys += (keys.isEmpty() ? u" WHERE "_s : u" AND "_s) + value.text + u" IS NOT NULL"_s;
+    }
+    const QString start = (m_context.lenient ? u"INSERT OR IGNORE INTO "_s : u"INSERT INTO "_s) +
+                          Quoted(table.name) + u" ("_s + names + u") "_s;
+    if (from.isEmpty() && keys.isEmpty())
+        return start + u"VALUES ("_s + values + u')';
+    return start + u"SELECT "_s + values + from + keys;
 }
 
 void ActionWriter::WriteUpdate(const Update& update, Plan& plan) {

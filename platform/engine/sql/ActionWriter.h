@@ -24,15 +24,24 @@ private:
         const TableInfo* table = nullptr;
         const ScopeSource* source = nullptr;
     };
+    struct NewValue {
+        int column = 0; ///< place in the table
+        QString text;
+    };
+    using NewRow = std::vector<NewValue>;
 
     const TableInfo& TargetTable(const QString& name) const;
     std::vector<int> InsertColumns(const Insert& insert, const TableInfo& table) const;
     QString InsertText(const Insert& insert, const TableInfo& table, const std::vector<int>& columns);
     QString InsertQueryText(const Insert& insert, const TableInfo& table, std::vector<int> columns);
-    QString InsertStart(const TableInfo& table, const std::vector<int>& columns) const;
-    /// A value on its way into a column: converted, and refused where the row number would be made up.
+    std::vector<int> FilledColumns(const WrittenQuery& query, const TableInfo& table,
+                                   std::vector<int> columns) const;
+    void AddUntold(const TableInfo& table, NewRow& row) const;
+    QString InsertRows(const TableInfo& table, NewRow row, const QString& from) const;
+    /// A value on its way into a column: converted, and NULL refused where it would stand in a key.
     QString Assigned(const Node& node, ExpressionWriter& writer, const TableInfo& table, int column);
     QString Converted(const Written& value, const TableInfo& table, int column, int size) const;
+    static bool IsKey(const TableInfo& table, int column);
     QString MissingKey(const TableInfo& table, int column) const;
     QString FullName(const TableInfo& table, int column) const;
 

@@ -44,6 +44,10 @@ void FromWriter::AddTable(const Source& source) {
         ScopeColumn offered;
         offered.name = column.name;
         offered.value.text = added.alias + u'.' + Quoted(column.name);
+        // Files of before may hold NULL where No is meant; a row that an outer join leaves out holds none.
+        if (column.type == DataType::Bit)
+            offered.value.text = u"CASE WHEN "_s + added.RowId() + u" IS NOT NULL THEN ifnull("_s +
+                                 offered.value.text + u", 0) END"_s;
         offered.value.type = column.type;
         offered.value.size = column.size;
         offered.value.nullable = true; // an outer join may leave it out

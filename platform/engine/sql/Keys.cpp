@@ -43,7 +43,7 @@ namespace {
 
 /// Whether the column alone decides the row, through an index of SQLite's own.
 bool IsUnique(const TableInfo& table, int column) {
-    if (table.columns[static_cast<std::size_t>(column)].unique || table.RowIdColumn() == column)
+    if (table.columns[static_cast<std::size_t>(column)].unique || table.RowNumberColumn() == column)
         return true;
     return std::ranges::any_of(table.indexes, [&](const IndexInfo& index) {
         return !index.columns.isEmpty() &&

@@ -107,6 +107,7 @@ private:
     ColumnInfo ParseColumn(TableInfo& table, int number);
     void ParseColumnType(ColumnInfo& column);
     void ParseColumnConstraint(ColumnInfo& column, TableInfo& table, const QString& name);
+    QString ParseConstraintName();
     IndexInfo ParseTableConstraint(TableInfo& table);
     QStringList ParseColumnNames(int number);
 

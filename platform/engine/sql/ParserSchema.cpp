@@ -9,6 +9,7 @@ namespace engine::sql {
 namespace {
 
 constexpr int longestText = 255;
+constexpr int longestBinary = 510;
 
 void CheckName(const QString& name, int number) {
     if (!IsValidName(name))
@@ -81,7 +82,7 @@ ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
         }
         QString name;
         if (TakeWord("CONSTRAINT"))
-            name = ExpectName(SyntaxInConstraint);
+            name = ParseConstraintName();
         else if (!AtWord("PRIMARY") && !AtWord("UNIQUE"))
             break;
         ParseColumnConstraint(column, table, name);
@@ -92,12 +93,13 @@ ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
 }
 
 void Parser::ParseColumnType(ColumnInfo& column) {
-    const auto type = Peek().kind == TokenKind::Word ? TypeOfWord(Peek().text) : std::nullopt;
-    if (!type)
+    const Token type = Take();
+    const auto named = type.kind == TokenKind::Word ? TypeOfWord(type.text) : std::nullopt;
+    if (!named)
         RaiseEngine(SyntaxInColumnDefinition);
-    Take();
-    column.type = *type;
-    const bool sized = column.type == DataType::Text || column.type == DataType::Binary;
+    column.type = *named;
+    const bool sized =
+        column.type == DataType::Text || (column.type == DataType::Binary && !type.IsWord("LONGBINARY"));
     if (column.type == DataType::Text)
         column.size = longestText;
     if (!sized || !TakeSign(u'('))
@@ -109,10 +111,9 @@ void Parser::ParseColumnType(ColumnInfo& column) {
     ExpectSign(u')', SyntaxInColumnDefinition);
     if (value.Long() < 1)
         RaiseEngine(SyntaxInColumnDefinition);
-    if (column.type == DataType::Text && value.Long() > longestText)
+    if (value.Long() > (column.type == DataType::Text ? longestText : longestBinary))
         RaiseEngine(ColumnTooWide, column.name);
-    if (column.type == DataType::Text)
-        column.size = value.Long();
+    column.size = value.Long();
 }
 
 void Parser::ParseColumnConstraint(ColumnInfo& column, TableInfo& table, const QString& name) {
@@ -135,10 +136,16 @@ void Parser::ParseColumnConstraint(ColumnInfo& column, TableInfo& table, const Q
     table.indexes.push_back(std::move(index));
 }
 
+QString Parser::ParseConstraintName() {
+    QString name = ExpectName(SyntaxInConstraint);
+    CheckName(name, SyntaxInConstraint);
+    return name;
+}
+
 /// Behind CONSTRAINT: `name PRIMARY KEY (columns)` or `name UNIQUE (columns)`. There are no foreign keys.
 IndexInfo Parser::ParseTableConstraint(TableInfo& table) {
     IndexInfo index;
-    index.name = ExpectName(SyntaxInConstraint);
+    index.name = ParseConstraintName();
     index.unique = true;
     index.primary = TakeWord("PRIMARY");
     if (index.primary)
@@ -220,7 +227,10 @@ void Parser::ParseAlterAdd(SchemaChange& change) {
     // The key of a table joins it by ADD CONSTRAINT.
     if (std::ranges::any_of(change.table.indexes, &IndexInfo::primary))
         RaiseEngine(SyntaxInAlterTable);
-    change.column.unique = change.column.unique || !change.table.indexes.empty();
+    if (change.table.indexes.size() > 1)
+        RaiseEngine(SyntaxInAlterTable);
+    if (!change.table.indexes.empty())
+        change.index = std::move(change.table.indexes.front());
     change.table.indexes.clear();
 }
 

@@ -1,6 +1,7 @@
 #include "platform/engine/sql/Plan.h"
 
 #include "platform/engine/sql/Words.h"
+#include "platform/engine/sql/Written.h"
 
 #include <algorithm>
 
@@ -12,16 +13,24 @@ int TableInfo::Find(QStringView column) const {
     return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
 }
 
-int TableInfo::RowIdColumn() const {
+const IndexInfo* TableInfo::PrimaryKey() const {
     const auto key = std::ranges::find_if(indexes, &IndexInfo::primary);
-    if (key == indexes.end() || key->columns.size() != 1)
+    return key == indexes.end() ? nullptr : &*key;
+}
+
+int TableInfo::CounterColumn() const {
+    const auto found = std::ranges::find(columns, DataType::Counter, &ColumnInfo::type);
+    return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
+}
+
+int TableInfo::RowNumberColumn() const {
+    if (const int counter = CounterColumn(); counter >= 0)
+        return counter;
+    const IndexInfo* key = PrimaryKey();
+    if (!key || key->columns.size() != 1)
         return -1;
     const int column = Find(key->columns.front());
-    if (column < 0)
-        return -1;
-    // SQLite keeps a primary key as the row number only if it is a 32-bit whole number.
-    const DataType type = columns[static_cast<std::size_t>(column)].type;
-    return type == DataType::Long || type == DataType::Counter ? column : -1;
+    return column >= 0 && IsWholeNumber(columns[static_cast<std::size_t>(column)].type) ? column : -1;
 }
 
 } // namespace engine::sql

@@ -14,7 +14,7 @@ namespace engine::sql {
 struct ColumnInfo {
     QString name;
     DataType type = DataType::Text;
-    int size = 0; ///< characters of a text column
+    int size = 0; ///< characters of a text column, bytes of a BINARY one; 0: no limit
     bool required = false;
     bool allowZeroLength = false;
     bool unique = false; ///< UNIQUE written with the column
@@ -35,9 +35,11 @@ struct TableInfo {
 
     /// Place of a column by name, case ignored; -1 if there is none.
     int Find(QStringView column) const;
-    /// The primary key's only column, which SQLite keeps as the row number; -1 if the key is none or of
-    /// several.
-    int RowIdColumn() const;
+    int CounterColumn() const; ///< -1 if there is none
+    /// Place of the column that SQLite keeps as the row number, making up a number for NULL: the counter, or
+    /// a key of one whole number; else -1.
+    int RowNumberColumn() const;
+    const IndexInfo* PrimaryKey() const; ///< null if there is none
 };
 
 /// What the translator asks of the open file. Names ignore case.
@@ -93,7 +95,7 @@ struct SchemaChange {
     Kind kind = CreateTable;
     TableInfo table;   ///< CreateTable: the whole definition; else only its name
     ColumnInfo column; ///< AddColumn, AlterColumn, DropColumn (name alone)
-    IndexInfo index;   ///< CreateIndex, DropIndex (name alone)
+    IndexInfo index;   ///< CreateIndex, DropIndex (name alone), AddColumn with a named UNIQUE
 };
 
 /// What a statement becomes. SQLite texts take ?1, ?2, ... for `parameters` in order. SQLite's own "parser

@@ -1,5 +1,7 @@
 #include "tests/engine/storage/StorageTest.h"
 
+#include <sqlite3.h>
+
 using engine::DataType;
 
 namespace {
@@ -121,4 +123,38 @@ TEST_F(Schema, SelectIntoMakesATable) {
     EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM copy")), QStringList{QStringLiteral("1|Иванов")});
     EXPECT_EQ(FailureOfRun(QStringLiteral("SELECT * INTO copy FROM a01")), 3010);
     EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM copy")).size(), 1);
+}
+
+// As this program once laid tables out: YESNO without a value, narrower dates, keys without their names.
+TEST_F(Schema, TablesLaidOutBeforeStayInUse) {
+    database->Close();
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(path.toUtf8().constData(), &other), SQLITE_OK);
+    EXPECT_EQ(
+        sqlite3_exec(
+            other,
+            "CREATE TABLE \"old\" (\"k\" INTEGER NOT NULL PRIMARY KEY CONSTRAINT \"k BYTE\" CHECK (\"k\" "
+            "BETWEEN 0 AND 255), \"y\" INTEGER CONSTRAINT \"y BIT\" CHECK (\"y\" BETWEEN 0 AND 1), \"d\" "
+            "REAL CONSTRAINT \"d DATETIME\" CHECK (\"d\" BETWEEN -657434.0 AND 2958466.0)) STRICT; "
+            "INSERT INTO old VALUES (1, NULL, 2.5), (2, 1, NULL)",
+            nullptr, nullptr, nullptr),
+        SQLITE_OK)
+        << sqlite3_errmsg(other);
+    sqlite3_close(other);
+    database = workspace->OpenDatabase(path);
+    EXPECT_EQ(Columns(QStringLiteral("old")),
+              (QStringList{Column("k", DataType::Byte, 0, "!"), Column("y", DataType::Bit),
+                           Column("d", DataType::Date)}));
+    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO old (y) VALUES (TRUE)")), 3314);
+    Run(QStringLiteral("INSERT INTO old (k) VALUES (3)"));
+    EXPECT_EQ(Ask(QStringLiteral("SELECT k FROM old WHERE y = FALSE")),
+              (QStringList{QStringLiteral("1"), QStringLiteral("3")}));
+    Run(QStringLiteral("ALTER TABLE old ADD COLUMN more SHORT NOT NULL"));
+    Run(QStringLiteral("UPDATE old SET d = #1/1/100 12:00#, more = 1 WHERE k = 2"));
+    EXPECT_EQ(Ask(QStringLiteral("old")),
+              (QStringList{QStringLiteral("1|0|01.01.1900 12:00:00|NULL"),
+                           QStringLiteral("2|-1|01.01.0100 12:00:00|1"), QStringLiteral("3|0|NULL|NULL")}));
+    Reopen();
+    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT count(*) FROM old WHERE y IS NULL")),
+              QStringList{QStringLiteral("0")});
 }

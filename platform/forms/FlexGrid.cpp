@@ -241,13 +241,43 @@ QModelIndex FlexGrid::moveCursor(CursorAction action, Qt::KeyboardModifiers modi
 
 // --- Fills
 
-FlexGrid::Filling::Filling(FlexGrid& grid)
-    : m_grid(grid) {
+FlexGrid::Filling::Filling(FlexGrid& grid, std::vector<int> keyColumns)
+    : m_grid(grid)
+    , m_keyColumns(std::move(keyColumns)) {
+    for (const int col : m_keyColumns)
+        m_key += m_grid.TextMatrix(m_grid.Row(), col);
+    if (m_key.join(QString()).isEmpty())
+        m_key.clear();
+    for (int row = 1; row < m_grid.Row(); ++row)
+        m_rowsBefore += HasKey(row) ? 1 : 0;
     m_grid.StartFilling();
 }
 
 FlexGrid::Filling::~Filling() {
-    m_grid.EndFilling();
+    const bool found = FindEntry();
+    m_grid.EndFilling(found);
+}
+
+bool FlexGrid::Filling::HasKey(int row) const {
+    if (m_key.isEmpty())
+        return false;
+    for (std::size_t i = 0; i < m_keyColumns.size(); ++i)
+        if (m_grid.m_model->At(row, m_keyColumns[i]) != m_key[static_cast<qsizetype>(i)])
+            return false;
+    return true;
+}
+
+bool FlexGrid::Filling::FindEntry() {
+    int found = 0;
+    for (int row = 1; row < m_grid.Rows() && m_rowsBefore >= 0; ++row) {
+        if (!HasKey(row))
+            continue;
+        found = row;
+        --m_rowsBefore;
+    }
+    if (found != 0)
+        m_grid.m_row = found;
+    return found != 0;
 }
 
 void FlexGrid::StartFilling() {
@@ -255,7 +285,7 @@ void FlexGrid::StartFilling() {
         m_model->StartFilling();
 }
 
-void FlexGrid::EndFilling() {
+void FlexGrid::EndFilling(bool showCurrent) {
     if (--m_fillings > 0)
         return;
     const int top = verticalScrollBar()->value();
@@ -269,6 +299,8 @@ void FlexGrid::EndFilling() {
     ApplyCurrent();
     executeDelayedItemsLayout();
     verticalScrollBar()->setValue(top);
+    if (showCurrent)
+        scrollTo(currentIndex());
     horizontalScrollBar()->setValue(left);
 }
 

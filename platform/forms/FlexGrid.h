@@ -49,16 +49,24 @@ public:
     QString Tag() const { return m_tag; }
     void SetTag(const QString& tag) { m_tag = tag; }
 
-    /// Batch of changes in which the view does not follow every cell; a guard for fills.
+    /// Batch of changes in which the view does not follow every cell; a guard for fills. With key columns
+    /// the entry that is current stays so, in sight, in whatever row it stands behind the fill; of several
+    /// rows of one key the one in the same place among them, or the last. If it is gone the row number stays.
     class Filling {
     public:
-        explicit Filling(FlexGrid& grid);
+        explicit Filling(FlexGrid& grid, std::vector<int> keyColumns = {});
         ~Filling();
         Filling(const Filling&) = delete;
         Filling& operator=(const Filling&) = delete;
 
     private:
+        bool HasKey(int row) const;
+        bool FindEntry();
+
         FlexGrid& m_grid;
+        std::vector<int> m_keyColumns;
+        QStringList m_key;    ///< texts of the current row; none: a blank row is no entry
+        int m_rowsBefore = 0; ///< of the same key
     };
 
 Q_SIGNALS:
@@ -93,7 +101,7 @@ private:
     bool ResizeByKey(const QKeyEvent& event);
     void AskForMenu();
     void StartFilling();
-    void EndFilling();
+    void EndFilling(bool showCurrent);
 
     Model* m_model;
     QString m_tag;

@@ -28,6 +28,17 @@ constexpr int GapBelowCount = 2;
 constexpr int AroundCount = 6; ///< above and below its text together
 constexpr int TextMargin = 4;  ///< between the frame of a text box and its text
 
+std::vector<int> KeyColumns(const std::vector<ListColumn>& columns) {
+    std::vector<int> keys;
+    std::vector<int> all;
+    for (int i = 0; i < static_cast<int>(columns.size()); ++i) {
+        all.push_back(i);
+        if (columns[static_cast<std::size_t>(i)].always)
+            keys.push_back(i);
+    }
+    return keys.empty() ? all : keys;
+}
+
 /// What the box of the count needs for the longest one.
 int WidthForCount(const QLineEdit& box) {
     const int frame = box.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, &box);
@@ -40,7 +51,8 @@ ListForm::ListForm(Design design, ListDesign list,
                    std::function<std::shared_ptr<engine::Database>()> database)
     : Form(std::move(design))
     , m_list(std::move(list))
-    , m_database(std::move(database)) {
+    , m_database(std::move(database))
+    , m_keyColumns(KeyColumns(m_list.columns)) {
 }
 
 // --- Operations
@@ -66,7 +78,7 @@ void ListForm::FillGrid(const QString& strSQL) {
             rows.MoveLast();
             rows.MoveFirst();
         }
-        const FlexGrid::Filling filling(*m_grid);
+        const FlexGrid::Filling filling(*m_grid, m_keyColumns);
         PrepareGrid(rows.RecordCount());
         if (rows.RecordCount() > 0)
             FillRows(rows);
@@ -85,15 +97,23 @@ void ListForm::PrepareGrid(std::int64_t count) {
 }
 
 void ListForm::FillRows(engine::Recordset& rows) {
-    const runtime::Int16 last(rows.RecordCount());
+    const runtime::Int16 last(rows.RecordCount()); // the counter holds no more rows
     std::vector<engine::Field> fields;
     for (const ListColumn& column : m_list.columns)
         fields.push_back(rows.Fields(column.field));
-    for (runtime::Int16 row(1); row <= last; ++row) {
+    for (int row = 1; row <= last; ++row) {
         for (std::size_t column = 0; column < fields.size(); ++column)
             m_grid->SetTextMatrix(row, static_cast<int>(column), fields[column].Text());
         rows.MoveNext();
     }
+}
+
+void ListForm::MakeCurrent(const QString& key) {
+    if (!IsLoaded())
+        return;
+    for (int row = 1; row < m_grid->Rows(); ++row)
+        if (m_grid->TextMatrix(row, m_keyColumns.front()) == key)
+            return m_grid->SetRow(row);
 }
 
 void ListForm::ShowFilter() {

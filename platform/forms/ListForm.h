@@ -19,7 +19,8 @@ struct ListColumn {
     QString header;
     QString field;
     int width = 0;
-    bool always = false; ///< the key: shown whatever it holds, and aligned left although it is a number
+    bool always = false; ///< the key: shown whatever it holds, and aligned left although it is a number; in a
+                         ///< list without one all columns are the key
 };
 
 /// What makes one list differ from another.
@@ -38,11 +39,14 @@ class ListForm : public Form {
 public:
     /// True permits fills, False suppresses them, in spite of the operation's name.
     Q_INVOKABLE void DoNotFillGrid(bool bNeedFill);
-    /// Runs the statement into the grid; an empty text runs the one of the last fill, or the default one.
+    /// Runs the statement into the grid; an empty text runs the one of the last fill, or the default one. The
+    /// entry that is current stays so.
     Q_INVOKABLE void FillGrid(const QString& strSQL);
     /// Brings up the paired filter, or makes a new one.
     Q_INVOKABLE void ShowFilter();
     void SetFilterPtr(std::shared_ptr<FilterForm> ptr, bool bNothing);
+    /// Makes the first row of that key current, in sight. Nothing if the list does not show it.
+    void MakeCurrent(const QString& key);
 
     const QString& CurrentSQL() const { return strCurrentSQL; }
 
@@ -64,6 +68,7 @@ private:
 
     ListDesign m_list;
     std::function<std::shared_ptr<engine::Database>()> m_database;
+    std::vector<int> m_keyColumns;
     FlexGrid* m_grid = nullptr;
     QLabel* lblRecordsNumber = nullptr;
     QLineEdit* txtRecordsNumber = nullptr;

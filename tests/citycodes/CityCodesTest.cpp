@@ -97,6 +97,19 @@ TEST_F(CityCodes, WithoutCriteriaAllTownsStandInTheRussianAlphabet) {
     }
 }
 
+TEST_F(CityCodes, ARefillKeepsTheTownByAllOfItsRow) {
+    Open();
+    Find();
+    Grid().SetRow(5); // the second of two rows of one town
+    const QString town = QStringLiteral("АДЫГЕЯ|МАЙКОП|87722");
+    ASSERT_EQ(Found().at(4), town);
+    Run(QStringLiteral("INSERT INTO t03 (t03code, t03cval, t03numb) VALUES (3, 'Абадзехская', 1)"));
+    filter->SetVisible(true);
+    Find();
+    EXPECT_EQ(Grid().Row(), 6);
+    EXPECT_EQ(Found().at(5), town);
+}
+
 TEST_F(CityCodes, EveryCriterionCountsAloneAndTogether) {
     struct Case {
         QString city, code, region;

@@ -128,6 +128,11 @@ protected:
     }
 
     static void Run(const QByteArray& sql) { book->Execute(QString::fromUtf8(sql), engine::dbFailOnError); }
+    static void RunMany(int rows) {
+        Run("CREATE TABLE many (id INTEGER, town TEXT(50), code TEXT(10))");
+        for (int id = 1; id <= rows; ++id)
+            Run("INSERT INTO many (id, town) VALUES (" + QByteArray::number(id) + ", 'x')");
+    }
 
     /// A new pair, as the menu makes it.
     void Open() {
@@ -263,9 +268,7 @@ TEST_F(ListFormTest, FailingStatementsLeaveTheGrid) {
 
 TEST_F(ListFormTest, SixteenBitCounterEndsTheFill) {
     Open();
-    Run("CREATE TABLE many (id INTEGER, town TEXT(50), code TEXT(10))");
-    for (int id = 1; id <= 32768; ++id)
-        Run("INSERT INTO many (id, town) VALUES (" + QByteArray::number(id) + ", 'x')");
+    RunMany(32768);
     list->DoNotFillGrid(true);
     const auto fill = [this](int rows) {
         list->FillGrid(QStringLiteral("SELECT * FROM many WHERE id <= %1").arg(rows));
@@ -274,14 +277,47 @@ TEST_F(ListFormTest, SixteenBitCounterEndsTheFill) {
             .arg(Grid().Rows())
             .arg(Grid().TextMatrix(1, 0), Grid().TextMatrix(rows, 0));
     };
-    EXPECT_EQ(fill(32766), QStringLiteral("32766 32767 1 32766"));
-    const QString overflow = QStringLiteral("frmTowns функция FillGrid:\r\nпроизошла ошибка №6 Переполнение");
+    EXPECT_EQ(fill(32767), QStringLiteral("32767 32768 1 32767"));
     test::Answers answers;
-    answers.Box(overflow, forms::Icon::Critical);
-    EXPECT_EQ(fill(32767), QStringLiteral("32767 32768 1 32767")) << "the counter steps past the last row";
-    answers.Box(overflow, forms::Icon::Critical);
+    answers.Box(QStringLiteral("frmTowns функция FillGrid:\r\nпроизошла ошибка №6 Переполнение"),
+                forms::Icon::Critical);
     EXPECT_EQ(fill(32768), QStringLiteral("32768 32769  ")) << "no data row";
     EXPECT_EQ(On<QLineEdit>(list, "txtRecordsNumber")->text(), QStringLiteral("32768"));
+}
+
+TEST_F(ListFormTest, ARefillKeepsTheCurrentEntryInSight) {
+    Open();
+    RunMany(1000);
+    Run("CREATE TABLE twice (place INTEGER)");
+    for (const char* place : {"1", "2"})
+        Run("INSERT INTO twice (place) VALUES (" + QByteArray(place) + ")");
+    const QString rising = QStringLiteral("SELECT * FROM many ORDER BY id");
+    const QString joined = QStringLiteral("SELECT * FROM many, twice WHERE id <= 5 ORDER BY id");
+    const struct {
+        const char* what;
+        QString before;
+        int row;
+        QString after;
+        int kept;
+    } cases[] = {
+        {"far below", rising, 3, rising + QStringLiteral(" DESC"), 998},
+        {"far above", rising, 998, rising + QStringLiteral(" DESC"), 3},
+        {"the same row of its entry", joined, 6, joined + QStringLiteral(" DESC"), 6},
+        {"the last of what is left of its entry", joined, 6, rising, 3},
+        {"gone: the row stays", rising, 3, QStringLiteral("SELECT * FROM many WHERE id > 5 ORDER BY id"), 3},
+        {"gone: the last row", rising, 7, QStringLiteral("SELECT * FROM many WHERE id < 5 ORDER BY id"), 4},
+        {"a blank row is no entry", QStringLiteral("SELECT * FROM many WHERE id = 0"), 1, rising, 1},
+    };
+    list->DoNotFillGrid(true);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        list->FillGrid(c.before);
+        Grid().SetRow(c.row);
+        list->FillGrid(c.after);
+        EXPECT_EQ(Grid().Row(), c.kept);
+        EXPECT_EQ(Grid().currentIndex().row(), c.kept - 1);
+        EXPECT_TRUE(Grid().viewport()->rect().contains(Grid().visualRect(Grid().currentIndex()).topLeft()));
+    }
 }
 
 TEST_F(ListFormTest, ClosingTheListEndsTheFilterAndClosingTheFilterDoesNot) {

@@ -9,7 +9,7 @@
 #include <QFile>
 
 #include <algorithm>
-#include <optional>
+#include <exception>
 #include <ranges>
 
 namespace engine {
@@ -39,17 +39,17 @@ std::vector<std::shared_ptr<Connection>> OpenOnes(std::vector<std::weak_ptr<Conn
 // Does the work on every connection, also behind a failure; the first failure is raised at the end.
 template <class Work>
 void ForEach(const std::vector<std::shared_ptr<Connection>>& connections, Work work) {
-    std::optional<runtime::Failure> first;
+    std::exception_ptr first;
     for (const auto& connection : connections) {
         try {
             work(*connection);
-        } catch (const runtime::Failure& failure) {
+        } catch (const runtime::Failure&) {
             if (!first)
-                first = failure;
+                first = std::current_exception();
         }
     }
     if (first)
-        throw runtime::Failure(*first);
+        std::rethrow_exception(first);
 }
 
 void Remember(const std::shared_ptr<Connection>& connection) {

@@ -181,4 +181,12 @@ void RaiseEngine(int number, const QString& first, const QString& second) {
     throw runtime::Failure(number, EngineText(number, first, second));
 }
 
+UnsyncedCommit::UnsyncedCommit()
+    : Failure(
+          DiskOrNetworkFailure,
+          EngineText(DiskOrNetworkFailure) +
+              QStringLiteral(" Изменения внесены в файл, но диск не подтвердил, что они сохранятся при сбое "
+                             "питания.")) {
+}
+
 } // namespace engine

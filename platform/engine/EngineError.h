@@ -127,4 +127,11 @@ QString EngineText(int number, const QString& first = {}, const QString& second 
 /// Throws the failure of that number.
 [[noreturn]] void RaiseEngine(int number, const QString& first = {}, const QString& second = {});
 
+/// A commit that is in the file although the disk failed behind it (number 3043): everybody reads it, only a
+/// power failure could still take it back, until the next commit. So whoever tries again must not begin anew.
+class UnsyncedCommit final : public runtime::Failure {
+public:
+    UnsyncedCommit();
+};
+
 } // namespace engine

@@ -1,5 +1,7 @@
 #include "platform/engine/Transactions.h"
 
+#include "platform/engine/EngineError.h"
+
 #include <sqlite3.h>
 
 #include <utility>
@@ -9,6 +11,12 @@ namespace engine {
 namespace {
 
 constexpr auto groupAge = std::chrono::milliseconds(50);
+
+/// A commit ends with the removal of the journal. These codes come when the name is gone, so that nothing is
+/// ever taken back, and only the disk has not confirmed that.
+bool IsInFile(int code) {
+    return code == SQLITE_IOERR_DIR_FSYNC || code == SQLITE_IOERR_DELETE_NOENT;
+}
 
 QString LevelName(int level) {
     return QStringLiteral("level%1").arg(level);
@@ -51,8 +59,7 @@ void Transactions::CommitTrans() {
     CheckAlive();
     RaiseLoss();
     if (m_openLevels == m_depth) {
-        const int code =
-            Run(m_depth == 1 ? QStringLiteral("COMMIT") : QStringLiteral("RELEASE ") + LevelName(m_depth));
+        const int code = m_depth == 1 ? RunCommit() : Run(QStringLiteral("RELEASE ") + LevelName(m_depth));
         if (code != SQLITE_OK) {
             const auto failure = FailureOfCode(code);
             StatementFailed(failure); // the level stays, for the caller to roll back
@@ -61,6 +68,7 @@ void Transactions::CommitTrans() {
         --m_openLevels;
     }
     --m_depth;
+    RaiseUnsynced();
 }
 
 void Transactions::Rollback() {
@@ -130,10 +138,24 @@ void Transactions::CheckAlive() {
     runtime::Raise(runtime::OutOfMemory);
 }
 
+/// SQLite's code, SQLITE_OK also for a commit that has not been synced to its end: the next one will do that.
+int Transactions::RunCommit() {
+    const int code = Run(QStringLiteral("COMMIT"));
+    const bool inFile = IsInFile(code) && sqlite3_get_autocommit(m_db) != 0;
+    if (inFile || code == SQLITE_OK)
+        m_unsynced = inFile;
+    return inFile ? SQLITE_OK : code;
+}
+
+void Transactions::RaiseUnsynced() {
+    if (m_depth == 0 && std::exchange(m_unsynced, false))
+        throw UnsyncedCommit();
+}
+
 // Somebody may be reading just now; then the group simply grows older.
 void Transactions::CommitDueGroup() {
     sqlite3_busy_timeout(m_db, 0);
-    const int code = sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);
+    const int code = RunCommit();
     sqlite3_busy_timeout(m_db, lockWait);
     if (code == SQLITE_OK)
         m_groupOpen = false;
@@ -149,12 +171,12 @@ void Transactions::CommitGroup() {
         throw runtime::Failure(failure);
     }
     CheckAlive();
-    if (!m_groupOpen)
-        return;
-    const int code = sqlite3_exec(m_db, "COMMIT", nullptr, nullptr, nullptr);
-    if (code != SQLITE_OK)
-        LoseGroup(code, false);
-    m_groupOpen = false;
+    if (m_groupOpen) {
+        if (const int code = RunCommit(); code != SQLITE_OK)
+            LoseGroup(code, false);
+        m_groupOpen = false;
+    }
+    RaiseUnsynced();
 }
 
 void Transactions::LoseGroup(int code, bool remember) {

@@ -37,8 +37,8 @@ public:
     /// stand alone.
     void CheckAlive();
 
-    /// Commits the group, waiting for locks; raises a failure or a remembered loss, once. Nothing in a
-    /// transaction.
+    /// Commits the group, waiting for locks; raises a failure or a remembered loss, once; an UnsyncedCommit
+    /// if all of it is in the file. Nothing in a transaction.
     void CommitGroup();
     void AcknowledgeLoss() noexcept;
     /// Takes back what is not committed.
@@ -55,6 +55,8 @@ private:
 
     int Run(const QString& text) const;
     void OpenLevels(Doing doing, const QString& table);
+    int RunCommit();
+    void RaiseUnsynced();
     void CommitDueGroup();
     [[noreturn]] void LoseGroup(int code, bool remember);
     runtime::Failure FailureOfCode(int code) const;
@@ -68,6 +70,7 @@ private:
     int m_groupStatements = 0;
     Clock::time_point m_groupStart;
     std::optional<runtime::Failure> m_lost;
+    bool m_unsynced = false; ///< the last commit is in the file, but perhaps not behind a power failure
 };
 
 } // namespace engine

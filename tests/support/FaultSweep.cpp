@@ -33,6 +33,9 @@ int Sync(Call call) {
 int Delete(Call call) {
     return call == Call::Delete ? SQLITE_IOERR_DELETE : SQLITE_OK;
 }
+int SyncFolder(Call call) {
+    return call == Call::SyncFolder ? SQLITE_IOERR_DIR_FSYNC : SQLITE_OK;
+}
 int Open(Call call) {
     return call == Call::Open ? SQLITE_CANTOPEN : SQLITE_OK;
 }
@@ -52,6 +55,8 @@ const FaultKind kinds[] = {
     {"sync, lasting", Sync, true, DiskFailure},
     {"delete", Delete, false, DiskFailure},
     {"delete, lasting", Delete, true, DiskFailure},
+    {"sync of the folder", SyncFolder, false, DiskFailure},
+    {"sync of the folder, lasting", SyncFolder, true, DiskFailure},
     {"open", Open, false, CannotOpenFile},
     {"open, lasting", Open, true, CannotOpenFile},
     {"read", Read, false, DiskFailure},
@@ -127,8 +132,8 @@ void SweepFaults(const std::string& work, int samples, const std::function<bool(
         return;
     const auto callsOf = [&](const FaultKind& kind) {
         int calls = 0;
-        for (const Call call :
-             {Call::Open, Call::Read, Call::Write, Call::Truncate, Call::Sync, Call::Delete})
+        for (const Call call : {Call::Open, Call::Read, Call::Write, Call::Truncate, Call::Sync, Call::Delete,
+                                Call::SyncFolder})
             calls += kind.codeOf(call) == SQLITE_OK ? 0 : none.Calls(call);
         return calls;
     };

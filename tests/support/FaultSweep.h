@@ -39,7 +39,7 @@ private:
     int m_place;
     int m_concerned = 0;
     bool m_hit = false;
-    std::array<int, 6> m_calls = {};
+    std::array<int, 7> m_calls = {};
 };
 
 /// Every way in which the disk fails.

@@ -177,11 +177,13 @@ int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
         return code;
     OnDisk& onDisk = FindOnDisk(name);
     onDisk.changes.clear();
-    if (syncFolder != 0)
+    const int code = syncFolder != 0 ? Judge(FaultyFiles::Call::SyncFolder) : SQLITE_OK;
+    if (syncFolder != 0 && code == SQLITE_OK)
         onDisk = {};
     else
         onDisk.changes.push_back({}); // until the folder is on the disk the file may come back
-    return realLayer->xDelete(realLayer, name, 0);
+    const int removal = realLayer->xDelete(realLayer, name, 0);
+    return removal != SQLITE_OK ? removal : code;
 }
 
 } // namespace

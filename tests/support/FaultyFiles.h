@@ -10,7 +10,7 @@ namespace test {
 /// the machine. While it lives it is the default for new connections.
 class FaultyFiles {
 public:
-    enum class Call { Open, Read, Write, Truncate, Sync, Delete };
+    enum class Call { Open, Read, Write, Truncate, Sync, Delete, SyncFolder };
 
     /// What of the writes that no sync has followed is on the disk when the power comes back.
     enum class Remains {
@@ -24,6 +24,7 @@ public:
     static constexpr int PowerOff = -1;
 
     /// Asked before each call; a code other than SQLITE_OK is its result, and the call is not made.
+    /// SyncFolder comes behind a removal that has been made.
     explicit FaultyFiles(std::function<int(Call)> judge);
     ~FaultyFiles();
     FaultyFiles(const FaultyFiles&) = delete;

@@ -24,7 +24,7 @@ protected:
 
 TEST_F(RecordTest, ARowWithoutAnyNameTouchesNothing) {
     EXPECT_FALSE(Put({}));
-    EXPECT_FALSE(Put({{"Last Name", " "}, {"First Name", "  "}, {"Middle Name", ""}, {"Home Phone", "1"}}));
+    EXPECT_FALSE(Put({{"Last Name", " "}, {"First Name", "  "}, {"Middle Name", " "}, {"Home Phone", "1"}}));
     ExpectCounters(0, 0);
     EXPECT_TRUE(Cards().isEmpty());
     EXPECT_TRUE(Phones().isEmpty());

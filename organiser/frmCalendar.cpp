@@ -179,7 +179,7 @@ void frmCalendar::ListDay() {
     engine::Recordset births = OpenBirthdays();
     engine::Recordset events =
         gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM a03 ORDER BY a03evnm"), engine::dbOpenDynaset);
-    const forms::FlexGrid::Filling filling(*gridEvent);
+    const forms::FlexGrid::Filling filling(*gridEvent, {ColId});
     gridEvent->Clear();
     gridEvent->SetRows(2);
     SetGridHeader();
@@ -214,7 +214,15 @@ void frmCalendar::ListDay() {
     });
 }
 
+QStringList frmCalendar::ListedEvents() const {
+    QStringList ids;
+    for (int row = 1; row < gridEvent->Rows(); ++row)
+        ids += gridEvent->TextMatrix(row, ColId);
+    return ids;
+}
+
 void frmCalendar::EditEvent(int nType) {
+    const QStringList before = ListedEvents();
     if (nType != 0) {
         General::ShowEventDialog(QStringLiteral("Добавление события"), mnvCalendar->Value(), NoEvent);
     } else {
@@ -225,6 +233,12 @@ void frmCalendar::EditEvent(int nType) {
         }
     }
     Refresh();
+    if (nType == 0)
+        return;
+    const QStringList after = ListedEvents();
+    for (int row = 1; row <= after.size(); ++row) // what has been added is current
+        if (!before.contains(after[row - 1]) && !after[row - 1].isEmpty())
+            gridEvent->SetRow(row);
 }
 
 void frmCalendar::DeleteEvent() {
@@ -235,6 +249,7 @@ void frmCalendar::DeleteEvent() {
         if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить это событие?")))
             return;
         gDatabase->Execute(QStringLiteral("DELETE FROM a03 WHERE a03evid = ") + id, engine::dbFailOnError);
+        engine::DBEngine::Commit(); // no box follows that would see to it
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmCalendar функция DeleteEvent:"), failure);
         return;

@@ -31,6 +31,7 @@ private:
     void Refresh();
     void MarkDaysOfMonth();
     void ListDay();
+    QStringList ListedEvents() const;
 
     forms::MonthView* mnvCalendar = nullptr;
     forms::FlexGrid* gridEvent = nullptr;

@@ -1,5 +1,6 @@
 #include "organiser/frmEvent.h"
 
+#include "platform/engine/EngineError.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/DTPicker.h"
 #include "platform/forms/MsgBox.h"
@@ -130,7 +131,16 @@ void frmEvent::SaveEvent() {
                                QStringLiteral("', '") + date + QStringLiteral("', ") + period +
                                QStringLiteral(")"),
                            engine::dbFailOnError);
-        forms::MsgBox(QStringLiteral("Событие успешно добавлено."), forms::Icon::Information);
+        try {
+            forms::MsgBox(QStringLiteral("Событие успешно добавлено."), forms::Icon::Information);
+        } catch (const engine::UnsyncedCommit&) { // it is in the file: the next try is not for a second one
+            SetTag(gDatabase
+                       ->OpenRecordset(QStringLiteral("SELECT MAX(a03evid) FROM a03 WHERE a03evnm = '") +
+                                       name + QStringLiteral("' AND a03evdt = '") + date + u'\'')
+                       .Fields(0)
+                       .Text());
+            throw;
+        }
     } else {
         gDatabase->Execute(QStringLiteral("UPDATE a03 SET a03evnm = '") + name +
                                QStringLiteral("', a03evdt = '") + date + QStringLiteral("', a03evpr = ") +

@@ -1,5 +1,6 @@
 #include "records/frmEditRecords.h"
 
+#include "platform/engine/EngineError.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Dates.h"
 #include "shell/Declaration.h"
@@ -11,6 +12,7 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
+#include <array>
 #include <unordered_map>
 
 namespace {
@@ -55,6 +57,18 @@ void Execute(const QString& sql) {
 
 QString Quoted(const QString& text) {
     return QLatin1Char('\'') + text + QLatin1Char('\'');
+}
+
+QString Contents(const std::array<std::optional<QString>, 5>& texts) {
+    static const std::array columns{"a01last", "a01frst", "a01midl", "a01memo", "a01bith"};
+    QStringList parts;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        QString text = texts[i].value_or(QString());
+        text.replace(QLatin1Char('\''), QLatin1String("''"));
+        parts += QLatin1String(columns[i]) +
+                 (texts[i] ? QStringLiteral(" = ") + Quoted(text) : QStringLiteral(" IS NULL"));
+    }
+    return QLatin1Char('(') + parts.join(QLatin1String(" AND ")) + QLatin1Char(')');
 }
 
 bool IsBlank(const QLineEdit* field) {
@@ -196,6 +210,8 @@ void frmEditRecords::Form_Load() {
     strTelefonNumbers.clear();
     nTelefonIndex = -1;
     m_read = false;
+    m_contents.clear();
+    m_newId.clear();
     m_foreignCodes.clear();
 }
 
@@ -273,6 +289,12 @@ bool frmEditRecords::LoadRecord() {
     ShowFilled(txtMiddleName, record, u"a01midl");
     ShowFilled(txtRemark, record, u"a01memo");
     ShowFilled(txtBith, record, u"a01bith");
+    const auto text = [&record](QStringView column) -> std::optional<QString> {
+        const engine::Value value = record.Fields(column).Value();
+        return value.IsNull() ? std::nullopt : std::optional(value.Text());
+    };
+    KnowAs(
+        Contents({text(u"a01last"), text(u"a01frst"), text(u"a01midl"), text(u"a01memo"), text(u"a01bith")}));
     return true;
 }
 
@@ -333,11 +355,17 @@ void frmEditRecords::txtTelefonNumber_LostFocus() {
 // writing
 
 void frmEditRecords::cmdSave_Click() {
+    if (Tag().isEmpty())
+        m_newId.clear();
     try {
         if (!CheckBith() || !ConfirmNameless() || !Save())
             return;
         forms::MsgBox(QStringLiteral("Запись успешно сохранена в базу данных."), forms::Icon::Information);
-        RefreshListAndUnload();
+        RefreshListAndUnload(m_newId);
+    } catch (const engine::UnsyncedCommit& failure) {
+        if (!m_newId.isEmpty())
+            SetTag(m_newId); // the record is in the file: the next try is not for a second one
+        forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdSave_Click:"), failure);
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdSave_Click:"), failure);
     }
@@ -365,19 +393,47 @@ bool frmEditRecords::Save() {
     return id && InsertTelefonNumbers(*id);
 }
 
-/// Writes the record and takes its phones out, to be written anew. Nothing, after a box, if somebody else has
-/// deleted the record: phones written then would belong to no card.
+/// Behind FROM or SET: the record that the card was opened for. Its number alone may belong to somebody else
+/// by now. What another program has changed cannot be told from a new person, and is taken for one. The
+/// condition is part of the statement that writes, so nobody comes in between.
+QString frmEditRecords::OwnRecord() {
+    return QStringLiteral(" WHERE a01clid = ") + Tag() + QStringLiteral(" AND (") +
+           m_contents.join(QLatin1String(" OR ")) + QStringLiteral(")");
+}
+
+void frmEditRecords::KnowAs(const QString& content) {
+    if (!m_contents.contains(content))
+        m_contents += content;
+}
+
+/// Calls for the other cards of this program on the same record.
+void frmEditRecords::TellOtherCards(const std::function<void(frmEditRecords&)>& tell) {
+    for (const auto& form : Loaded()) {
+        auto* card = dynamic_cast<frmEditRecords*>(form.get());
+        if (card && card != this && card->Tag() == Tag() && !card->m_contents.isEmpty())
+            tell(*card);
+    }
+}
+
+/// Writes the record and takes its phones out, to be written anew. Nothing, after a box, if the record is no
+/// longer there: phones written then would belong to no card, or to another one.
 std::optional<QString> frmEditRecords::UpdateRecord() {
+    if (m_contents.isEmpty()) {
+        ShowIntegrityBox(NoRecord());
+        return std::nullopt;
+    }
     const QString id = Tag();
     Execute(QStringLiteral("UPDATE a01 SET a01last = ") + Quoted(txtLastName->text()) +
             QStringLiteral(", a01frst = ") + Quoted(txtFirstName->text()) + QStringLiteral(", a01midl = ") +
             Quoted(txtMiddleName->text()) + QStringLiteral(", a01memo = ") + Quoted(txtRemark->text()) +
-            QStringLiteral(", a01bith = ") + Quoted(txtBith->text()) + QStringLiteral(" WHERE a01clid = ") +
-            id);
+            QStringLiteral(", a01bith = ") + Quoted(txtBith->text()) + OwnRecord());
     if (gDatabase->RecordsAffected() == 0) {
         ShowIntegrityBox(NoRecord());
         return std::nullopt;
     }
+    const QString content = ShownContents();
+    KnowAs(content);
+    TellOtherCards([&](frmEditRecords& card) { card.KnowAs(content); });
     QString removal = QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + id;
     if (!m_foreignCodes.isEmpty())
         removal += QStringLiteral(" AND a02code NOT IN (") + m_foreignCodes.join(QStringLiteral(", ")) +
@@ -400,7 +456,14 @@ QString frmEditRecords::InsertRecord() {
         Quoted(txtFirstName->text()) + QStringLiteral(", ") + Quoted(txtMiddleName->text()) +
         QStringLiteral(", ") + Quoted(txtRemark->text()) + QStringLiteral(", ") + Quoted(txtBith->text()) +
         QStringLiteral(")"));
+    m_newId = id;
+    m_contents = {ShownContents()};
     return id;
+}
+
+QString frmEditRecords::ShownContents() const {
+    return Contents({txtLastName->text(), txtFirstName->text(), txtMiddleName->text(), txtRemark->text(),
+                     txtBith->text()});
 }
 
 /// One row for each number. False, after a box, if a type is no longer there.
@@ -427,17 +490,36 @@ void frmEditRecords::cmdDelete_Click() {
     try {
         if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить запись из базы данных?")))
             return;
-        Execute(QStringLiteral("DELETE FROM a01 WHERE a01clid = ") + Tag());
-        Execute(QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + Tag());
+        if (!DeleteRecord())
+            return;
         forms::MsgBox(QStringLiteral("Запись успешно удалена из базы данных."), forms::Icon::Information);
-        RefreshListAndUnload();
+        TellOtherCards([](frmEditRecords& card) { card.m_contents.clear(); });
+        RefreshListAndUnload({});
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdDelete_Click:"), failure);
     }
 }
 
-void frmEditRecords::RefreshListAndUnload() {
-    if (frmRecordsPtr && frmRecordsPtr->IsLoaded()) // the list can have been closed before the card
+/// False, after a box, if the number belongs to somebody else now. If it is nobody's the phones that a
+/// cut-off deletion has left go all the same.
+bool frmEditRecords::DeleteRecord() {
+    const QString record = QStringLiteral("SELECT a01clid FROM a01 WHERE a01clid = ") + Tag();
+    if (!m_contents.isEmpty())
+        Execute(QStringLiteral("DELETE FROM a01") + OwnRecord());
+    if (gDatabase->OpenRecordset(record, engine::dbOpenDynaset).RecordCount() != 0) {
+        ShowIntegrityBox(NoRecord());
+        return false;
+    }
+    Execute(QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + Tag() + QStringLiteral(" AND NOT EXISTS (") +
+            record + QStringLiteral(")"));
+    return true;
+}
+
+void frmEditRecords::RefreshListAndUnload(const QString& newId) {
+    if (frmRecordsPtr && frmRecordsPtr->IsLoaded()) { // the list can have been closed before the card
         frmRecordsPtr->FillGrid({});
+        if (!newId.isEmpty())
+            frmRecordsPtr->MakeCurrent(newId);
+    }
     Unload();
 }

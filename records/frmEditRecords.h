@@ -6,6 +6,7 @@
 #include "platform/forms/ListForm.h"
 #include "platform/runtime/Numbers.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -57,8 +58,14 @@ private:
     bool Save();
     std::optional<QString> UpdateRecord();
     QString InsertRecord();
+    bool DeleteRecord();
+    QString OwnRecord();
+    QString ShownContents() const;
+    void KnowAs(const QString& content);
+    void TellOtherCards(const std::function<void(frmEditRecords&)>& tell);
     bool InsertTelefonNumbers(const QString& id);
-    void RefreshListAndUnload();
+    /// A new record becomes the list's current one.
+    void RefreshListAndUnload(const QString& newId);
 
     QLineEdit* txtLastName = nullptr;
     QLineEdit* txtFirstName = nullptr;
@@ -75,5 +82,9 @@ private:
     std::int16_t nTelefonIndex = -1;        ///< whose number txtTelefonNumber shows; -1: nobody's
     std::shared_ptr<forms::ListForm> frmRecordsPtr;
     bool m_read = false;
+    /// Conditions that tell the record of this card from another one under its number: what it holds, as it
+    /// was read and as the cards of this program have written it since. None: it is deleted.
+    QStringList m_contents;
+    QString m_newId;            ///< of the record that a new card has written
     QStringList m_foreignCodes; ///< of phones whose type does not exist: not shown, spared by a save
 };

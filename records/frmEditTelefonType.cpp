@@ -1,5 +1,6 @@
 #include "records/frmEditTelefonType.h"
 
+#include "platform/engine/EngineError.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Numbers.h"
 #include "records/frmEditTelefonTypeDialog.h"
@@ -40,6 +41,12 @@ bool AnyFilledNumber(engine::Recordset& phones) {
 
 void Execute(const QString& sql) {
     gDatabase->Execute(sql, engine::dbFailOnError);
+}
+
+void ShowIntegrityBox() {
+    forms::MsgBox(QStringLiteral("Нарушена целостность базы данных:\r\n"
+                                 "в базе отсутствуют записи типов телефонных номеров."),
+                  forms::Icon::Critical);
 }
 
 } // namespace
@@ -84,9 +91,7 @@ void frmEditTelefonType::FillList() {
         engine::Recordset types = gDatabase->OpenRecordset(
             QStringLiteral("SELECT * FROM t01 WHERE t01type = 0"), engine::dbOpenDynaset);
         if (types.RecordCount() < 1) {
-            forms::MsgBox(QStringLiteral("Нарушена целостность базы данных:\r\n"
-                                         "в базе отсутствуют записи типов телефонных номеров."),
-                          forms::Icon::Critical);
+            ShowIntegrityBox();
         } else {
             for (; !types.EndOfFile(); types.MoveNext()) {
                 const QString name = types.Fields(u"t01cval").Text();
@@ -98,6 +103,20 @@ void frmEditTelefonType::FillList() {
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция FillList:"), failure);
     }
+}
+
+/// Behind the statement of a change: no box follows that would make it durable or tell that it met no row.
+/// What is not in the file is not shown.
+void frmEditTelefonType::ShowChange() {
+    try {
+        if (gDatabase->RecordsAffected() == 0)
+            ShowIntegrityBox();
+        engine::DBEngine::Commit();
+    } catch (const engine::UnsyncedCommit&) {
+        FillList();
+        throw;
+    }
+    FillList();
 }
 
 QString frmEditTelefonType::SelectedType() const {
@@ -120,7 +139,7 @@ void frmEditTelefonType::cmdAdd_Click() {
             Execute(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, ") +
                     QString::number(NextCode()) + QStringLiteral(", '") + dialog->NewValue() +
                     QStringLiteral("')"));
-            FillList();
+            ShowChange();
         }
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdAdd_Click:"), failure);
@@ -139,7 +158,7 @@ void frmEditTelefonType::cmdEdit_Click() {
         if (dialog->Tag() == QStringLiteral("1")) {
             Execute(QStringLiteral("UPDATE t01 SET t01cval = '") + dialog->NewValue() +
                     QStringLiteral("' WHERE t01cval = '") + name + QStringLiteral("'"));
-            FillList();
+            ShowChange();
         }
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdEdit_Click:"), failure);
@@ -173,5 +192,5 @@ void frmEditTelefonType::DeleteType(const QString& name) {
         Execute(QStringLiteral("DELETE FROM a02 WHERE a02code = ") + code);
         Execute(QStringLiteral("DELETE FROM t01 WHERE t01code = ") + code);
     }
-    FillList();
+    ShowChange();
 }

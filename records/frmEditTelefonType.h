@@ -16,6 +16,7 @@ protected:
 
 private:
     void FillList();
+    void ShowChange();
     void lstTelefonType_Click();
     void cmdAdd_Click();
     void cmdEdit_Click();

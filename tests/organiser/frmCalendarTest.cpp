@@ -1,5 +1,6 @@
 #include "shell/Declaration.h"
 #include "tests/organiser/OrganiserTest.h"
+#include "tests/support/FaultyFiles.h"
 
 #include <QDateEdit>
 #include <QLineEdit>
@@ -215,6 +216,35 @@ TEST_F(frmCalendarTest, EventsAreAddedChangedAndDeletedOnTheSelectedDate) {
     EXPECT_EQ(Month().Value(), QDate(2006, 12, 30));
 }
 
+TEST_F(frmCalendarTest, TheTableStandsOnTheSameEventOrOnTheNewOne) {
+    AddCard(1, QStringLiteral("Маев"), QStringLiteral("15.05.1950"));
+    for (const char* name : {"Б", "В", "Г"})
+        AddEvent(QString::fromUtf8(name), QStringLiteral("15.05.2006"), 0);
+    Open();
+    const struct {
+        int row;
+        int nType;
+        const char* name;
+        int current;
+        const char* entry;
+    } cases[] = {
+        {2, 0, "Я", 4, "1|Я|Разовое"}, // sinks to the end
+        {4, 1, "А", 2, "4|А|Периодическое"},
+    };
+    for (const auto& c : cases) {
+        Grid().SetRow(c.row);
+        test::Answers answers;
+        answers.Modal(QStringLiteral("frmEvent"), [&](QWidget& dialog) {
+            Fill(ControlOf<QLineEdit>(dialog, "txtEventName"), QString::fromUtf8(c.name));
+            Press(Qt::Key_Return);
+        });
+        answers.BoxStarting(QStringLiteral("Событие успешно "), forms::Icon::Information);
+        Frame().CallActive("EditEvent", c.nType);
+        EXPECT_EQ(Grid().Row(), c.current);
+        EXPECT_EQ(Listed().value(Grid().Row() - 1), QString::fromUtf8(c.entry));
+    }
+}
+
 TEST_F(frmCalendarTest, BirthdaysAndTheBlankRowAreNeitherChangedNorDeleted) {
     AddCard(1, QStringLiteral("Маев"), QStringLiteral("15.05.1950"));
     Open();
@@ -277,6 +307,28 @@ TEST_F(frmCalendarTest, TablesPast16BitsAreAnOverflow) {
         answers.Box(QStringLiteral("frmCalendar функция FillDaysBold") + end, forms::Icon::Critical)
             .Box(QStringLiteral("frmCalendar функция FillGrid") + end, forms::Icon::Critical);
     ClickDay(16);
+}
+
+TEST_F(frmCalendarTest, ADeletionThatDoesNotReachTheDiskIsToldByItsRoutine) {
+    AddEvent(QStringLiteral("Событие"), QStringLiteral("15.05.2006"), 0);
+    gDatabase->Close();
+    bool full = false;
+    const test::FaultyFiles files([&full](test::FaultyFiles::Call call) {
+        return full && call == test::FaultyFiles::Call::Write ? SQLITE_FULL : SQLITE_OK;
+    });
+    gDatabase = gWorkspace->OpenDatabase(Path());
+    Open();
+    full = true;
+    {
+        test::Answers answers;
+        answers.Question(QStringLiteral("Вы действительно хотите удалить это событие?"), true, false)
+            .BoxStarting(QStringLiteral("frmCalendar функция DeleteEvent:\r\nпроизошла ошибка №3026 "),
+                         forms::Icon::Critical);
+        Frame().CallActive("DeleteEvent");
+    }
+    full = false;
+    EXPECT_EQ(Listed(), QStringList(QStringLiteral("1|Событие|Разовое")));
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a03evid FROM a03")), QStringList(QStringLiteral("1")));
 }
 
 TEST_F(frmCalendarTest, FailuresAreToldByTheRoutine) {

@@ -1,3 +1,4 @@
+#include "platform/engine/DBEngine.h"
 #include "platform/engine/EngineError.h"
 #include "tests/records/RecordsTest.h"
 
@@ -245,6 +246,83 @@ TEST_F(frmEditRecordsTest, ARecordThatIsGoneIsToldByLoadAndSave) {
         ChooseInMenu(list, entry,
                      [](test::Answers& answers) { answers.Box(NoRecord, forms::Icon::Critical); });
         EXPECT_FALSE(IsOpen(Card));
+    }
+}
+
+/// The card of Петров, number 2, stays open while that happens to its record.
+TEST_F(frmEditRecordsTest, ACardTouchesNobodyElseUnderItsNumber) {
+    const auto list = OpenFilledList();
+    const auto otherProgram = [this](const char* sql) {
+        engine::DBEngine::Commit();
+        engine::DBEngine::CreateWorkspace({}, {}, {})
+            ->OpenDatabase(Path())
+            ->Execute(QString::fromUtf8(sql), engine::dbFailOnError);
+    };
+    const auto change = [&](const char* name) {
+        const auto other = OpenCard(list, EditEntry, 2);
+        Fill(other, "txtLastName", QString::fromUtf8(name));
+        Fill(other, "txtRemark", QString());
+        Save(other, ExpectSaved);
+    };
+    const auto replace = [&](const char* name) {
+        const auto other = OpenCard(list, EditEntry, 2);
+        {
+            test::Answers answers;
+            answers.Question(QStringLiteral("Вы действительно хотите удалить запись из базы данных?"), true,
+                             false);
+            answers.BoxStarting(QStringLiteral("Запись успешно удалена"), forms::Icon::Information);
+            ClickButton(other, "cmdDelete");
+        }
+        const auto newcomer = OpenCard(list, AddEntry);
+        Fill(newcomer, "txtLastName", QString::fromUtf8(name));
+        PickType(newcomer, 0);
+        Type(QStringLiteral("999"));
+        Save(newcomer, ExpectSaved);
+    };
+    const struct {
+        const char* what;
+        std::function<void()> happens;
+        bool same;
+    } cases[] = {
+        {"nothing", [] {}, true},
+        {"changed in another window, twice", [&] { change("Сидоров"), change("Яковлев"); }, true},
+        {"deleted in another window, a new person", [&] { replace("Сидоров"); }, false},
+        {"deleted in another window, a namesake", [&] { replace("Петров"); }, false},
+        {"other program: another number",
+         [&] { otherProgram("UPDATE a02 SET a02cval = '333' WHERE a02clid = 2"); }, true},
+        {"other program: another person",
+         [&] { otherProgram("UPDATE a01 SET a01last = 'Сидоров' WHERE a01clid = 2"); }, false},
+        {"other program: a namesake with another birthday",
+         [&] { otherProgram("UPDATE a01 SET a01bith = '1.2.80' WHERE a01clid = 2"); }, false},
+    };
+    for (const auto& c : cases) {
+        for (const bool saves : {true, false}) {
+            SCOPED_TRACE(std::string(c.what) + (saves ? ", save" : ", delete"));
+            Run(QStringLiteral("DELETE FROM a01"));
+            Run(QStringLiteral("DELETE FROM a02"));
+            AddCard(1, QStringLiteral("Иванов"));
+            Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo, a01bith) "
+                               "VALUES (2, 'Петров', '', '', 'д''Артаньян', '')"));
+            AddPhone(2, 1, QStringLiteral("222"));
+            ChooseInMenu(list, "mnuRecordsRefresh");
+            const auto card = OpenCard(list, EditEntry, 2);
+            Fill(card, "txtRemark", QString());
+            c.happens();
+            const QStringList before = Rows(CardsInFile) + Rows(PhonesInFile);
+            test::Answers answers;
+            if (!saves)
+                answers.Question(QStringLiteral("Вы действительно хотите удалить запись из базы данных?"),
+                                 true, false);
+            if (!c.same)
+                answers.Box(NoRecord, forms::Icon::Critical);
+            else
+                answers.BoxStarting(QStringLiteral("Запись успешно "), forms::Icon::Information);
+            ClickButton(card, saves ? "cmdSave" : "cmdDelete");
+            EXPECT_EQ(Rows(CardsInFile) + Rows(PhonesInFile) == before, !c.same);
+            EXPECT_EQ(card->IsLoaded(), !c.same);
+            if (card->IsLoaded())
+                card->Unload();
+        }
     }
 }
 

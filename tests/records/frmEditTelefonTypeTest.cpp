@@ -150,6 +150,30 @@ TEST_F(frmEditTelefonTypeTest, EditRenamesAndCancelDoesNot) {
     EXPECT_EQ(Rows(QStringLiteral("SELECT a02code FROM a02")), QStringList{"10"});
 }
 
+TEST_F(frmEditTelefonTypeTest, ATypeThatIsGoneIsTold) {
+    const auto expectBox = [](test::Answers& answers) {
+        answers.Box(QStringLiteral("Нарушена целостность базы данных:\r\n"
+                                   "в базе отсутствуют записи типов телефонных номеров."),
+                    forms::Icon::Critical);
+    };
+    for (const bool edits : {true, false}) {
+        AddType(10, QStringLiteral("Дача"));
+        m_form.reset();
+        Open();
+        Select(4);
+        Run(QStringLiteral("DELETE FROM t01 WHERE t01code = 10"));
+        if (edits) {
+            Change("cmdEdit", QStringLiteral("Сад"), Qt::Key_Return, expectBox);
+        } else {
+            test::Answers answers;
+            expectBox(answers);
+            ClickButton(m_form, "cmdDelete");
+        }
+        EXPECT_EQ(Listed().size(), 4) << "the list shows what there is";
+        m_form->Unload();
+    }
+}
+
 TEST_F(frmEditTelefonTypeTest, TheDialogsCloseBoxLeavesAnEmptyAnswer) {
     AddType(10, QStringLiteral("Дача"));
     Open();

@@ -2,8 +2,10 @@
 
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/ListBox.h"
+#include "records/frmEditTelefonType.h"
 #include "records/frmRecords.h"
 #include "shell/Declaration.h"
+#include "shell/General.h"
 #include "tests/exchange/ImportMaster.h"
 #include "tests/reliability/Sweep.h"
 
@@ -33,6 +35,7 @@ protected:
             Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1)").arg(card));
         for (const char* phone : {"1, 1, '11'", "2, 1, '21'", "2, 3, '23'"})
             Run(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (%1)").arg(phone));
+        AddRows();
         gDatabase->Close();
         m_bytes = test::ReadBytes(Path());
     }
@@ -72,6 +75,8 @@ protected:
     }
 
     const QByteArray& Bytes() const { return m_bytes; }
+    /// What the work needs beside the cards.
+    virtual void AddRows() {}
 
     std::shared_ptr<frmRecords> list;
 
@@ -328,6 +333,90 @@ private:
     }
 };
 
+/// A type is renamed: no box tells the success.
+class RenamedType : public BookWork {
+protected:
+    void AddRows() override {
+        Run(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, 10, 'Дача')"));
+    }
+    void Begin() override {
+        BookWork::Begin();
+        OpenTypes();
+    }
+    void Act() override {
+        List().SetListIndex(4);
+        Click(Control<QPushButton>(types, "cmdEdit"));
+    }
+    void Answer(QWidget& dialog) override {
+        ControlOf<QLineEdit>(dialog, "txtNewValue").setText(NewName);
+        Click(ControlOf<QPushButton>(dialog, "cmdSave"));
+    }
+    bool WasReported(const QStringList& boxes) const override { return boxes.isEmpty(); }
+    void CheckFiles(bool reported) override {
+        OpenAndClose(Path());
+        EXPECT_TRUE(!reported || InFile() == NewName);
+        if (types && List().ListCount() > 0) { // it can be that the list alone could not be read
+            EXPECT_EQ(List().List(4), InFile());
+        }
+    }
+    void ActAgain() override {
+        OpenTypes();
+        Act();
+    }
+    void Leave() override {
+        types.reset();
+        BookWork::Leave();
+    }
+    void CheckEnd() override {
+        BookWork::CheckEnd();
+        EXPECT_TRUE(cutsPower || InFile() == NewName);
+    }
+
+private:
+    void OpenTypes() {
+        types = forms::Form::Create<frmEditTelefonType>();
+        types->Show();
+    }
+    forms::ListBox& List() { return Control<forms::ListBox>(types, "lstTelefonType"); }
+    QString InFile() const {
+        return test::ReadRows(Path(), QStringLiteral("SELECT t01cval FROM t01 WHERE t01code = 10")).value(0);
+    }
+
+    const QString NewName = QStringLiteral("Сад");
+    std::shared_ptr<forms::Form> types;
+};
+
+class AddedEvent : public BookWork {
+    void Act() override {
+        General::ShowEventDialog(QStringLiteral("Добавление события"), QDate(2006, 5, 15), -1);
+    }
+    void Answer(QWidget& window) override {
+        const auto dialog = Last("frmEvent");
+        ControlOf<QLineEdit>(window, "txtEventName").setText(Name);
+        Click(ControlOf<QPushButton>(window, "cmdSaveEvent"));
+        diskFails = false;
+        if (dialog->IsLoaded() && !cutsPower)
+            Click(ControlOf<QPushButton>(window, "cmdSaveEvent"));
+        if (dialog->IsLoaded())
+            dialog->Unload();
+    }
+    void ActAgain() override {}
+    bool WasReported(const QStringList& boxes) const override {
+        return test::Boxes::Failures(boxes) != boxes;
+    }
+    void CheckFiles(bool reported) override {
+        OpenAndClose(Path());
+        EXPECT_TRUE(!reported || Events() == QStringList(Name));
+    }
+    void CheckEnd() override {
+        BookWork::CheckEnd();
+        EXPECT_TRUE(cutsPower || Events() == QStringList(Name)) << Events().join(u' ').toStdString();
+    }
+    QStringList Events() const { return test::ReadRows(Path(), QStringLiteral("SELECT a03evnm FROM a03")); }
+
+    const QString Name = QStringLiteral("Юбилей");
+};
+
 } // namespace
 
 TEST_F(NewCard, OnADiskThatFails) {
@@ -340,6 +429,14 @@ TEST_F(EditedCard, OnADiskThatFails) {
 
 TEST_F(DeletedCard, OnADiskThatFails) {
     test::SweepWork(*this, "deleted card", 6);
+}
+
+TEST_F(RenamedType, OnADiskThatFails) {
+    test::SweepWork(*this, "renamed type", 2);
+}
+
+TEST_F(AddedEvent, OnADiskThatFails) {
+    test::SweepWork(*this, "added event", 2);
 }
 
 TEST_F(Import, OnADiskThatFails) {

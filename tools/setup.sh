@@ -2,46 +2,57 @@
 # project's root.
 # shellcheck shell=bash
 
-packages() { grep -v '^#' tools/packages.txt; }
+processors() { getconf _NPROCESSORS_ONLN; }
 
-as_root() {
-    if [ "$(id -u)" -eq 0 ]; then "$@"
-    elif command -v sudo >/dev/null; then sudo "$@"
-    else
-        echo "Installing packages needs root or sudo. Install these, then start again:" >&2
-        packages | tr '\n' ' ' >&2
-        echo >&2
+# install_missing LIST...: the packages of these lists, tools/LIST.txt; where they cannot be installed it names the command
+# and goes on, since what is needed may be there from elsewhere.
+install_missing() {
+    local wanted missing=() name as_root=()
+    wanted=$(for name in "$@"; do grep -v '^#' "tools/$name.txt"; done)
+    if ! command -v dpkg-query >/dev/null; then
+        command -v cmake >/dev/null && command -v ninja >/dev/null && return 0
+        echo "Install a C++20 compiler, CMake 3.22, Ninja, Qt 6.4 and SQLite 3.37, and GoogleTest for the tests, with this" >&2
+        echo "system's package manager. On Debian and Ubuntu the packages are:" "${wanted//$'\n'/ }" >&2
         return 1
     fi
-}
-
-install_missing() {
-    if ! command -v dpkg-query >/dev/null; then
-        # No Debian: everything that the build asks for has to be there already.
-        if ! command -v cmake >/dev/null || ! command -v ninja >/dev/null; then
-            echo "Install a C++20 compiler, CMake 3.22, Ninja, Qt 6.4, SQLite 3.37 and GoogleTest with this system's" >&2
-            echo "package manager. On Debian and Ubuntu the packages are:" >&2
-            packages | tr '\n' ' ' >&2
-            echo >&2
-            return 1
-        fi
-        return 0
-    fi
-    local missing=()
-    local name
-    for name in $(packages) "$@"; do
+    for name in $wanted; do
         dpkg-query -W -f '${Status}' "$name" 2>/dev/null | grep -q 'install ok installed' || missing+=("$name")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "Not installed as packages; if the build fails, install them as root:" >&2
+            echo "    apt-get install --no-install-recommends ${missing[*]}" >&2
+            return 0
+        fi
+        as_root=(sudo)
+    fi
     echo "Installing: ${missing[*]}"
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get update -qq &&
-        as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    (
+        set -o pipefail
+        "${as_root[@]}" apt-get update -qq &&
+            "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}" |
+            sed -unE '/^(Get:|Setting up|E:)/p'
+    ) || return
+    rm -f build/*/.configured # what was not found before may be there now
+}
+
+# configure PRESET [OPTION...]: where the preset was not configured yet, or for another place, other presets or other
+# options.
+configure() {
+    local preset=$1 state
+    state="$PWD $(cksum <CMakePresets.json) $*"
+    [ "$(cat "build/$preset/.configured" 2>/dev/null)" = "$state" ] && [ -f "build/$preset/build.ninja" ] && return
+    if [ -f "build/$preset/CMakeCache.txt" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "build/$preset/CMakeCache.txt"; then
+        rm -rf "build/$preset/CMakeCache.txt" "build/$preset/CMakeFiles" # the tree has moved
+    fi
+    cmake --preset "$@" >/dev/null && echo "$state" >"build/$preset/.configured"
 }
 
 # build PRESET [TARGET...]
 build() {
     local preset=$1
     shift
-    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null || return 1
+    configure "$preset" || return
     cmake --build --preset "$preset" ${1:+--target "$@"}
 }

@@ -6,12 +6,14 @@
 #include "platform/runtime/Process.h"
 #include "shell/Declaration.h"
 #include "shell/General.h"
+#include "shell/Guide.h"
 #include "shell/frmAbout.h"
 
 #include <QGuiApplication>
 #include <QMainWindow>
 #include <QMenu>
 #include <QScreen>
+#include <QShortcut>
 
 namespace {
 
@@ -42,6 +44,7 @@ void frmMain::CreateControls(QWidget* /*surface*/) {
     MakeTelKodMenu();
     MakeWindowsMenu();
     MakeHelpMenu();
+    On(new QShortcut(QKeySequence(Qt::Key_F1), Window()), &QShortcut::activated, ShowGuide);
 }
 
 void frmMain::Form_Load() {

@@ -2,6 +2,7 @@
 
 #include "exchange/CsvReader.h"
 #include "exchange/DelimiterChoice.h"
+#include "platform/engine/LockWait.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/MsgBox.h"
@@ -246,6 +247,7 @@ void frmImportMasterStep1::cmdImport_Click() {
 /// in.
 frmImportMasterStep1::Outcome frmImportMasterStep1::ImportFile(const std::vector<int>& items) {
     const forms::BusyPointer busy;
+    const engine::OneLockWait oneLockWait;
     exchange::CsvReader file(txtFile->text(), optDelimiter->Delimiter());
     QStringList names;
     for (const int item : items)

@@ -2,6 +2,7 @@
 
 #include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
+#include "platform/engine/LockWait.h"
 #include "platform/engine/RecordsetImpl.h"
 #include "platform/engine/SchemaEditor.h"
 #include "platform/engine/functions/Functions.h"
@@ -639,9 +640,9 @@ bool Connection::NoticeOthers(bool now) {
     if (!now && (m_commits->HoldsLock() || Clock::now() - m_lastLook < lookInterval))
         return false;
     m_lastLook = Clock::now();
-    sqlite3_busy_timeout(m_db, 0); // the statement itself waits, and once is enough
+    LockWait::Allow(m_db, false); // the statement itself waits, and once is enough
     const std::int64_t data = ReadNumber(m_dataVersion, u"PRAGMA data_version");
-    sqlite3_busy_timeout(m_db, Transactions::lockWait);
+    LockWait::Allow(m_db, true);
     if (data == m_seenData || data < 0)
         return false;
     m_seenData = data;

@@ -1,6 +1,7 @@
 #include "platform/engine/Transactions.h"
 
 #include "platform/engine/EngineError.h"
+#include "platform/engine/LockWait.h"
 
 #include <sqlite3.h>
 
@@ -28,7 +29,7 @@ Transactions::Transactions(sqlite3* db, QString path, std::function<void()> undo
     : m_db(db)
     , m_path(std::move(path))
     , m_undone(std::move(undone)) {
-    sqlite3_busy_timeout(m_db, lockWait);
+    LockWait::Allow(m_db, true);
 }
 
 int Transactions::Run(const QString& text) const {
@@ -154,9 +155,9 @@ void Transactions::RaiseUnsynced() {
 
 // Somebody may be reading just now; then the group simply grows older.
 void Transactions::CommitDueGroup() {
-    sqlite3_busy_timeout(m_db, 0);
+    LockWait::Allow(m_db, false);
     const int code = RunCommit();
-    sqlite3_busy_timeout(m_db, lockWait);
+    LockWait::Allow(m_db, true);
     if (code == SQLITE_OK)
         m_groupOpen = false;
     else if ((code & 0xff) != SQLITE_BUSY || sqlite3_get_autocommit(m_db) != 0)

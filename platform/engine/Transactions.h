@@ -44,9 +44,6 @@ public:
     /// Takes back what is not committed.
     void Abandon() noexcept;
 
-    /// Milliseconds that anything waits for a lock of another program.
-    static constexpr int lockWait = 5000;
-
     /// While this connection may write nobody else changes the file.
     bool HoldsLock() const { return m_groupOpen || m_openLevels > 0; }
 

@@ -1,8 +1,10 @@
 #include "tests/exchange/ImportMaster.h"
 
+#include "tests/support/ShortLockWait.h"
 #include "tests/support/WindowWalk.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFileDialog>
 
 namespace {
@@ -234,6 +236,24 @@ TEST_F(ImportMasterTest, Utf8) {
     master.TypeFile(path);
     master.Go(2);
     EXPECT_EQ(master.Items(), QStringList{"Home Phone"});
+}
+
+TEST_F(ImportMasterTest, ALockThatStaysIsWaitedForOnce) {
+    constexpr int Rows = 100;
+    constexpr std::chrono::milliseconds Wait{200};
+    Write(QStringLiteral("Name\r\n") + QStringLiteral("я\r\n").repeated(Rows));
+    const test::ShortLockWait wait(Wait);
+    const auto other = engine::DBEngine::CreateWorkspace({}, {}, {});
+    engine::DBEngine::Commit();
+    const auto book = other->OpenDatabase(bookPath);
+    other->BeginTrans();
+    book->Execute(QStringLiteral("DELETE FROM a01"), engine::dbFailOnError);
+    QElapsedTimer clock;
+    clock.start();
+    test::ImportFile(path, {"Name"}, test::ImportedWithErrors(Rows, Rows));
+    EXPECT_LT(clock.elapsed(), Rows * Wait.count() / 2);
+    other->Rollback();
+    test::ImportFile(path, {"Name"}, test::ImportedAll(Rows - 1, 1));
 }
 
 TEST_F(ImportMasterTest, AShortLineStopsTheRunAndItCanBeStartedAgain) {

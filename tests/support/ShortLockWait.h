@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/engine/LockWait.h"
+
+namespace test {
+
+/// While it lives nobody waits long for a lock.
+class ShortLockWait {
+public:
+    explicit ShortLockWait(std::chrono::milliseconds limit = std::chrono::milliseconds(50)) {
+        engine::LockWait::limit = limit;
+    }
+    ~ShortLockWait() { engine::LockWait::limit = m_before; }
+    ShortLockWait(const ShortLockWait&) = delete;
+    ShortLockWait& operator=(const ShortLockWait&) = delete;
+
+private:
+    std::chrono::milliseconds m_before = engine::LockWait::limit;
+};
+
+} // namespace test

@@ -62,7 +62,9 @@ std::error_code SyncFile(QFileDevice& file) {
 }
 
 std::error_code SyncFolderOf(const QString& path) {
-    return SyncFolder(QFileInfo(path).absolutePath());
+    const QFileInfo info(path);
+    const QString behindLinks = info.canonicalPath();
+    return SyncFolder(behindLinks.isEmpty() ? info.absolutePath() : behindLinks);
 }
 
 std::error_code WriteErrorOf(const QFileDevice& file) {

@@ -12,7 +12,7 @@ namespace runtime {
 
 /// The content of a file that is open for writing, with what the object has buffered.
 std::error_code SyncFile(QFileDevice& file);
-/// The names in the folder where the path lies: of files that were made, renamed or removed there.
+/// The names in the folder of that file, behind links: what was made, renamed or removed there.
 std::error_code SyncFolderOf(const QString& path);
 
 /// What made opening or writing fail, right behind that; errno has to be 0 before.

@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSettings>
 #include <QTemporaryDir>
 
 using runtime::DeleteSetting;
@@ -41,23 +42,48 @@ TEST_F(Settings, ValuesComeBackUnchanged) {
         QStringLiteral(" blanks at both ends "),
         QStringLiteral("line\r\nbreak\ttab"),
         QStringLiteral("\U0001F4D2.mdb"),
+        QStringLiteral("\x01") + QStringLiteral("f\x7Fg\\x41 ;#"),
         QStringLiteral("@Invalid()"),
         QStringLiteral("1,2"),
         QString(5000, u'я'),
         QStringLiteral(""),
     };
+    const QString path = App + u'/' + General + u'/' + Key;
+    int count = 0;
     for (const QString& value : values) {
         SaveSetting(App, General, Key, value);
         EXPECT_EQ(GetSetting(App, General, Key, QStringLiteral("missing")), value);
+        // The toolkit's own class reads the file, and wrote those of earlier versions.
+        const QString name = Path(QString::number(++count));
+        ASSERT_TRUE(QFile::copy(Path(QStringLiteral("store.ini")), name));
+        EXPECT_EQ(QSettings(name, QSettings::IniFormat).value(path).toString(), value);
+        QSettings(name + u'x', QSettings::IniFormat).setValue(path, value);
+        runtime::UseSettingsFile(name + u'x');
+        EXPECT_EQ(GetSetting(App, General, Key), value);
+        runtime::UseSettingsFile(Path(QStringLiteral("store.ini")));
     }
 }
 
-TEST_F(Settings, AnotherProcessReadsWhatWasSaved) {
-    SaveSetting(App, General, Key, QStringLiteral("/книга.mdb"));
-    const QString copy = Path(QStringLiteral("copy.ini"));
-    ASSERT_TRUE(QFile::copy(Path(QStringLiteral("store.ini")), copy));
-    runtime::UseSettingsFile(copy);
-    EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("/книга.mdb"));
+TEST_F(Settings, WhatOthersHaveWrittenStays) {
+    const QByteArray others =
+        "; remark\r\n[zavelik]\r\nGeneral\\db_path = \"/old\" ; remark\n"
+        "General\\db_path2=/a, b\n\n[%General]\nx=1\n[General]\nZavelik\\General\\y=2\n";
+    QFile file(Path(QStringLiteral("store.ini")));
+    ASSERT_TRUE(file.open(QFile::ReadWrite));
+    file.write(others);
+    file.flush();
+    EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("/old"));
+    EXPECT_EQ(GetSetting(App, General, QStringLiteral("DB_Path2")), QStringLiteral("/a, b"));
+    EXPECT_EQ(GetSetting(App, General, QStringLiteral("y")), QStringLiteral("2"));
+    SaveSetting(App, General, Key, QStringLiteral("/new"));
+    SaveSetting(General, General, Key, QStringLiteral("/other"));
+    EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("/new"));
+    EXPECT_EQ(GetSetting(General, General, Key), QStringLiteral("/other"));
+    file.close();
+    ASSERT_TRUE(file.open(QFile::ReadOnly));
+    EXPECT_EQ(file.readAll(),
+              "; remark\n[zavelik]\nGeneral\\DB_Path=\"/new\"\nGeneral\\db_path2=/a, b\n\n"
+              "[%General]\nGeneral\\DB_Path=\"/other\"\nx=1\n[General]\nZavelik\\General\\y=2\n");
 }
 
 TEST_F(Settings, NamesIgnoreCaseAndMayHoldAnySign) {

@@ -1,4 +1,3 @@
-#include "platform/engine/DBEngine.h"
 #include "platform/forms/Application.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
@@ -25,15 +24,6 @@ void Start() {
     }
 }
 
-/// Finished statements reach the disk before the process ends; if they cannot, the user is told.
-void MakeDurable() {
-    try {
-        engine::DBEngine::Commit();
-    } catch (const runtime::Failure& failure) {
-        forms::ShowEscapedFailure(failure);
-    }
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -41,7 +31,6 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(ProgramIcon());
     Start();
     const int status = forms::Form::Loaded().empty() ? 0 : QApplication::exec();
-    MakeDurable();
     gDatabase.reset(); // while everything that an open file leans on still lives
     gWorkspace.reset();
     return status;

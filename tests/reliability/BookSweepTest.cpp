@@ -7,7 +7,7 @@
 #include "shell/Declaration.h"
 #include "shell/General.h"
 #include "tests/exchange/ImportMaster.h"
-#include "tests/reliability/Sweep.h"
+#include "tests/reliability/CallSweep.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -417,6 +417,47 @@ class AddedEvent : public BookWork {
     const QString Name = QStringLiteral("Юбилей");
 };
 
+/// The three cards go into a text file.
+class Export : public BookWork {
+public:
+    QString Folder() const { return QFileInfo(Path()).path(); }
+
+private:
+    void Prepare() override {
+        BookWork::Prepare();
+        QFile::remove(Target());
+    }
+    void Act() override { list->ExtractToCSV(); }
+    void Answer(QWidget& window) override {
+        if (auto* dialog = qobject_cast<QFileDialog*>(&window))
+            test::TypeIntoFileDialog(*dialog, Target());
+        else
+            QTest::mouseClick(&ControlOf<QPushButton>(window, "cmdOk"), Qt::LeftButton);
+    }
+    bool WasReported(const QStringList& boxes) const override {
+        return boxes.contains(
+            QStringLiteral("Экспорт данных в CSV файл успешно завершен. Экспортированно 3 записей."));
+    }
+    void CheckFiles(bool reported) override {
+        EXPECT_EQ(test::ReadBytes(Path()), Bytes());
+        if (reported)
+            CheckTarget();
+    }
+    void ActAgain() override { Act(); }
+    void StartAgain() override {
+        Begin();
+        Act();
+    }
+    void CheckEnd() override { CheckTarget(); }
+
+    QString Target() const { return Folder() + QStringLiteral("/target.csv"); }
+    void CheckTarget() const {
+        EXPECT_EQ(test::ReadBytes(Target()),
+                  runtime::To1251(u"First Name,Last Name,Middle Name,Name,Home Phone,Mobile Phone,Business "
+                                  u"Phone,Notes\r\n,А,,А  ,11,,,\r\n,Б,,Б  ,21,,23,\r\n,В,,В  ,,,,\r\n"));
+    }
+};
+
 } // namespace
 
 TEST_F(NewCard, OnADiskThatFails) {
@@ -445,4 +486,30 @@ TEST_F(Import, OnADiskThatFails) {
 
 TEST_F(Extraction, OnADiskThatFails) {
     test::SweepWork(*this, "extraction", 2);
+}
+
+#ifdef Q_OS_UNIX
+TEST_F(Export, OnASystemThatFails) {
+    test::SweepCalls(*this, "export", Folder(), 2);
+}
+#endif
+
+TEST_F(NewCard, UnderALock) {
+    test::SweepLocks(*this, Path());
+}
+
+TEST_F(EditedCard, UnderALock) {
+    test::SweepLocks(*this, Path());
+}
+
+TEST_F(DeletedCard, UnderALock) {
+    test::SweepLocks(*this, Path());
+}
+
+TEST_F(Import, UnderALock) {
+    test::SweepLocks(*this, Path());
+}
+
+TEST_F(Export, UnderALock) {
+    test::SweepLocks(*this, Path());
 }

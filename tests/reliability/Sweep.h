@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <string>
 
 class QWidget;
 
@@ -18,6 +19,7 @@ public:
 
     bool diskFails = false; ///< set while the disk may fail
     bool cutsPower = false; ///< whether the fault of this run is a power failure
+    std::string fault;      ///< the name of a fault of the system's calls
 
     /// Makes the files as they are before; none is open.
     virtual void Prepare() = 0;

@@ -492,7 +492,6 @@ TEST_F(Extraction, OnADiskThatFails) {
 TEST_F(Export, OnASystemThatFails) {
     test::SweepCalls(*this, "export", Folder(), 2);
 }
-#endif
 
 TEST_F(NewCard, UnderALock) {
     test::SweepLocks(*this, Path());
@@ -513,3 +512,4 @@ TEST_F(Import, UnderALock) {
 TEST_F(Export, UnderALock) {
     test::SweepLocks(*this, Path());
 }
+#endif

@@ -1,7 +1,6 @@
 #include "platform/engine/SqliteFailure.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/functions/Functions.h"
 
 #include <QStringView>
 #include <sqlite3.h>
@@ -9,6 +8,8 @@
 namespace engine {
 
 namespace {
+
+constexpr int cancelledByUser = 32001;
 
 runtime::Failure Engine(int number, const QString& first = {}, const QString& second = {}) {
     return {number, EngineText(number, first, second)};
@@ -46,10 +47,6 @@ runtime::Failure FromConstraint(int code, const QString& message, const QString&
 // SQLite refuses with this code what is wrong with a text or with a value; the translator has ruled out most
 // of it.
 runtime::Failure FromError(const QString& message, Doing doing, const QString& table) {
-    int number = 0;
-    QString description;
-    if (functions::FailureOf(message, number, description))
-        return {number, description};
     if (message.contains(QLatin1String("integer overflow")))
         return {runtime::Overflow, runtime::RuntimeText(runtime::Overflow)};
     if (doing == Doing::Define && message.contains(QLatin1String("already"))) // of a kind that nobody sees
@@ -91,6 +88,8 @@ runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& 
     case SQLITE_PROTOCOL:
         return FromBusy(doing, path, table);
     case SQLITE_READONLY:
+        if (code == SQLITE_READONLY_DBMOVED)
+            return Engine(FileNotFound, path);
         if (doing == Doing::Open)
             return Engine(CannotOpenFile, path);
         return doing == Doing::Write ? Engine(NotUpdatable) : Engine(ReadOnly);
@@ -98,6 +97,8 @@ runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& 
         return Engine(DiskFull);
     case SQLITE_NOMEM:
         return {runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)};
+    case SQLITE_INTERRUPT:
+        return {cancelledByUser, runtime::RuntimeText(cancelledByUser)};
     case SQLITE_TOOBIG:
         return Engine(QueryTooComplex);
     case SQLITE_CORRUPT:

@@ -1,5 +1,6 @@
 #include "platform/engine/Statement.h"
 
+#include "platform/engine/functions/Functions.h"
 #include "platform/runtime/Dates.h"
 
 #include <sqlite3.h>
@@ -66,7 +67,9 @@ int Statement::BindText(int place, QStringView text) {
 }
 
 int Statement::Step() {
-    return sqlite3_step(m_statement);
+    const int code = sqlite3_step(m_statement);
+    functions::RethrowFailure();
+    return code;
 }
 
 void Statement::Reset() noexcept {

@@ -30,7 +30,7 @@ public:
     int BindNumber(int place, std::int64_t number);
     int BindText(int place, QStringView text);
 
-    int Step(); ///< SQLITE_ROW, SQLITE_DONE or a failure
+    int Step(); ///< SQLITE_ROW, SQLITE_DONE or a failure; throws what a function of ours has failed with
     /// Ends the run and forgets what was bound; gives the locks of a read back.
     void Reset() noexcept;
 

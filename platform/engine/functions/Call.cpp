@@ -9,14 +9,14 @@
 #include <exception>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace engine::functions {
 
 namespace {
 
-// What marks a message as a failure of ours. SQLite's own messages begin with plain letters.
-constexpr QStringView failureMark = u"\uE000zv";
-constexpr QChar numberEnd = u':';
+/// What a function of ours has thrown, on its way round SQLite's frames.
+thread_local std::exception_ptr thrown;
 
 void SetText(sqlite3_context* context, const QString& text) {
     sqlite3_result_text16(context, text.utf16(), static_cast<int>(text.size() * 2), SQLITE_TRANSIENT);
@@ -129,30 +129,18 @@ void SetResult(sqlite3_context* context, const Value& value) {
         sqlite3_result_null(context);
 }
 
-void SetFailure(sqlite3_context* context) {
-    try {
-        throw;
-    } catch (const runtime::Failure& failure) {
-        const QString message =
-            failureMark.toString() + QString::number(failure.number()) + numberEnd + failure.description();
-        sqlite3_result_error16(context, message.utf16(), static_cast<int>(message.size() * 2));
-    } catch (const std::bad_alloc&) {
-        sqlite3_result_error_nomem(context);
-    }
+void KeepFailure() noexcept {
+    thrown = std::current_exception();
 }
 
-bool FailureOf(const QString& message, int& number, QString& description) {
-    if (!message.startsWith(failureMark))
-        return false;
-    const qsizetype start = failureMark.size();
-    const qsizetype end = message.indexOf(numberEnd, start);
-    bool read = false;
-    const int found = end < 0 ? 0 : QStringView(message).sliced(start, end - start).toInt(&read);
-    if (!read)
-        return false;
-    number = found;
-    description = message.sliced(end + 1);
-    return true;
+void SetFailure(sqlite3_context* context) noexcept {
+    KeepFailure();
+    sqlite3_result_error_code(context, SQLITE_ERROR);
+}
+
+void RethrowFailure() {
+    if (thrown)
+        std::rethrow_exception(std::exchange(thrown, nullptr));
 }
 
 } // namespace engine::functions

@@ -59,9 +59,9 @@ double NumberOf(const QDateTime& date);
 
 /// Hands a value to SQLite: dates as date numbers, truths as 0 and 1.
 void SetResult(sqlite3_context* context, const Value& value);
-/// Hands over the failure that is being handled, in the form that FailureOf takes apart. Only inside a
+/// Ends the statement and keeps the exception that is being handled for RethrowFailure. Only inside a
 /// handler.
-void SetFailure(sqlite3_context* context);
+void SetFailure(sqlite3_context* context) noexcept;
 
 /// A function of the dialect and what computes it.
 struct ScalarFunction {

@@ -123,14 +123,15 @@ private:
     std::array<std::uint8_t, 0x460> m_ranks{};
 };
 
-int CallFold(void*, int aBytes, const void* a, int bBytes, const void* b) {
-    return CompareFolded(QStringView(static_cast<const char16_t*>(a), aBytes / 2),
-                         QStringView(static_cast<const char16_t*>(b), bBytes / 2));
-}
-
-int CallSort(void*, int aBytes, const void* a, int bBytes, const void* b) {
-    return CompareSorted(QStringView(static_cast<const char16_t*>(a), aBytes / 2),
-                         QStringView(static_cast<const char16_t*>(b), bBytes / 2));
+template <int (*Compare)(QStringView, QStringView)>
+int CallCollation(void*, int aBytes, const void* a, int bBytes, const void* b) {
+    try {
+        return Compare(QStringView(static_cast<const char16_t*>(a), aBytes / 2),
+                       QStringView(static_cast<const char16_t*>(b), bBytes / 2));
+    } catch (...) { // no exception may pass through SQLite
+        KeepFailure();
+        return 0;
+    }
 }
 
 } // namespace
@@ -189,10 +190,10 @@ int CompareSorted(QStringView a, QStringView b) {
 }
 
 void RegisterCollations(sqlite3* db) {
-    CheckRegistered(
-        sqlite3_create_collation_v2(db, "ZV_FOLD", SQLITE_UTF16_ALIGNED, nullptr, CallFold, nullptr));
-    CheckRegistered(
-        sqlite3_create_collation_v2(db, "ZV_SORT", SQLITE_UTF16_ALIGNED, nullptr, CallSort, nullptr));
+    CheckRegistered(sqlite3_create_collation_v2(db, "ZV_FOLD", SQLITE_UTF16_ALIGNED, nullptr,
+                                                CallCollation<CompareFolded>, nullptr));
+    CheckRegistered(sqlite3_create_collation_v2(db, "ZV_SORT", SQLITE_UTF16_ALIGNED, nullptr,
+                                                CallCollation<CompareSorted>, nullptr));
 }
 
 } // namespace engine::functions

@@ -57,13 +57,16 @@ const FunctionInfo* FindFunction(QStringView name);
 ///   zv_datetext(number)         a date number as the text of its date, for & and CSTR of what is known to be
 ///   a date zv_required(name, value)    the value, failure 3314 if it is NULL; with NULL for `name` 3058
 ///   zv_single(value)            aggregate: the value of the only row, NULL of none, failure 3354 of several
-/// A failure inside a function reaches the caller through FailureOf.
+/// A failure inside a function reaches the caller through RethrowFailure.
 /// Date values are date numbers (days since 30.12.1899) inside SQLite; truths are 0 and 1 there and -1 when
 /// written out.
 void RegisterFunctions(sqlite3* db);
 
-/// Text of a SQLite error message that one of our functions raised, taken apart; false if it is SQLite's own.
-bool FailureOf(const QString& message, int& number, QString& description);
+/// Keeps the exception that is being handled in a function that SQLite has called: none may pass through its
+/// frames.
+void KeepFailure() noexcept;
+/// Behind a step: throws what was kept, whatever it is.
+void RethrowFailure();
 
 /// Characters of a GUID in braces.
 inline constexpr int guidSize = 38;

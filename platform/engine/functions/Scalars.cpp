@@ -15,8 +15,7 @@ void CallScalar(sqlite3_context* context, int count, sqlite3_value** values) {
     const auto* function = static_cast<const ScalarFunction*>(sqlite3_user_data(context));
     try {
         SetResult(context, function->call(Arguments(context, count, values)));
-    } catch (
-        ...) { // no exception may pass through SQLite; what is no failure of ours goes on from SetFailure
+    } catch (...) { // no exception may pass through SQLite
         SetFailure(context);
     }
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "platform/engine/functions/Functions.h"
+#include "platform/runtime/Failure.h"
 
 #include <QString>
 #include <sqlite3.h>
 
+#include <memory>
 #include <ostream>
 
 // GoogleTest prints texts that differ.
@@ -32,24 +34,18 @@ public:
 
     /// The value of the first row's first column; "NULL"; "#n" for our failure n; "!text" for SQLite's own.
     QString Ask(const QString& sql) {
-        sqlite3_stmt* statement = nullptr;
-        QString answer;
-        if (sqlite3_prepare16_v2(m_db, sql.utf16(), -1, &statement, nullptr) != SQLITE_OK) {
-            answer = Message();
-        } else {
-            switch (sqlite3_step(statement)) {
-            case SQLITE_ROW:
-                answer = Value(statement);
-                break;
-            case SQLITE_DONE:
-                answer = QStringLiteral("nothing");
-                break;
-            default:
-                answer = Message();
-            }
+        sqlite3_stmt* prepared = nullptr;
+        if (sqlite3_prepare16_v2(m_db, sql.utf16(), -1, &prepared, nullptr) != SQLITE_OK)
+            return Message();
+        const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(prepared, &sqlite3_finalize);
+        switch (sqlite3_step(prepared)) {
+        case SQLITE_ROW:
+            return Value(prepared);
+        case SQLITE_DONE:
+            return QStringLiteral("nothing");
+        default:
+            return Failure();
         }
-        sqlite3_finalize(statement);
-        return answer;
     }
     QString Ask(const char* sql) { return Ask(QString::fromUtf8(sql)); }
 
@@ -73,13 +69,15 @@ private:
         }
     }
 
-    QString Message() const {
-        const QString message(static_cast<const QChar*>(sqlite3_errmsg16(m_db)));
-        int number = 0;
-        QString description;
-        if (engine::functions::FailureOf(message, number, description))
-            return description.isEmpty() ? QStringLiteral("#without text") : u'#' + QString::number(number);
-        return u'!' + message;
+    QString Message() const { return u'!' + QString(static_cast<const QChar*>(sqlite3_errmsg16(m_db))); }
+    QString Failure() const {
+        try {
+            engine::functions::RethrowFailure();
+            return Message();
+        } catch (const runtime::Failure& failure) {
+            return failure.description().isEmpty() ? QStringLiteral("#without text")
+                                                   : u'#' + QString::number(failure.number());
+        }
     }
 
     sqlite3* m_db = nullptr;

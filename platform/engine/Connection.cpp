@@ -49,6 +49,39 @@ void Harden(sqlite3* db) {
     sqlite3_limit(db, SQLITE_LIMIT_LENGTH, longestValue);
 }
 
+/// While alive, what SQLite runs asks now and then whether it is to stop.
+class Stoppable {
+public:
+    Stoppable(sqlite3* db, const std::function<bool()>& stop)
+        : m_db(db) {
+        if (stop)
+            sqlite3_progress_handler(m_db, instructions, &Ask, const_cast<std::function<bool()>*>(&stop));
+    }
+    ~Stoppable() { sqlite3_progress_handler(m_db, 0, nullptr, nullptr); }
+    Stoppable(const Stoppable&) = delete;
+    Stoppable& operator=(const Stoppable&) = delete;
+
+private:
+    static constexpr int instructions = 1000;
+
+    static int Ask(void* stop) {
+        try {
+            return (*static_cast<std::function<bool()>*>(stop))() ? 1 : 0;
+        } catch (...) { // no exception may pass through SQLite
+            functions::KeepFailure();
+            return 1;
+        }
+    }
+
+    sqlite3* m_db;
+};
+
+sqlite3_file* FileOf(sqlite3* db) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(db, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    return file;
+}
+
 // The check of a file tells in words alone that a page could not be read; anything else that it finds is
 // damage.
 int CodeIn(const QString& finding) {
@@ -114,15 +147,23 @@ void BindRows(const Form& form, int place, const KeyIndexes::Rows& rows, QString
 } // namespace
 
 Connection::Connection(const QString& path)
-    : m_path(path) {
+    : m_path(path)
+    , m_file(QFileInfo(path).absoluteFilePath()) {
+    Open();
+}
+
+void Connection::Open() {
     try {
-        if (!runtime::OpenDatabaseFile::Holds(path))
-            CheckDatabaseFile(path);
-        const QString absolute = QFileInfo(path).absoluteFilePath();
-        m_registered = std::make_unique<runtime::OpenDatabaseFile>(absolute);
+        if (!runtime::OpenDatabaseFile::Holds(m_path))
+            CheckDatabaseFile(m_path);
+        m_journal = QFileInfo(m_path).canonicalFilePath() + QStringLiteral("-journal");
+        if (JournalNamesAFile(m_journal))
+            RaiseEngine(CannotOpenDatabase, m_path);
+        m_identity = runtime::IdentityOf(m_file);
+        m_registered = std::make_unique<runtime::OpenDatabaseFile>(m_file);
         sqlite3_hard_heap_limit64(heapLimit);
         const int code =
-            sqlite3_open_v2(QFile::encodeName(absolute).constData(), &m_db,
+            sqlite3_open_v2(QFile::encodeName(m_file).constData(), &m_db,
                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
         if (code != SQLITE_OK)
             throw FailureFrom(m_db, code, Doing::Open, m_path);
@@ -132,7 +173,8 @@ Connection::Connection(const QString& path)
         Pragma("PRAGMA journal_mode = DELETE");
         m_seenData = ReadNumber(m_dataVersion, u"PRAGMA data_version");
         m_seenSchema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
-        m_lastLook = Clock::now();
+        m_seenPager = PagerVersion();
+        m_lastLook = GroupClock::Now();
     } catch (const std::bad_alloc&) {
         Shut();
         throw MemoryFailure();
@@ -154,7 +196,8 @@ Connection::~Connection() {
 }
 
 void Connection::Configure() {
-    m_commits = std::make_unique<Transactions>(m_db, m_path, [this] { Undone(); });
+    m_commits = std::make_unique<Transactions>(
+        m_db, m_path, [this] { return LookAtFile(); }, [this] { Undone(); });
     Harden(m_db);
     functions::RegisterCollations(m_db);
     functions::RegisterFunctions(m_db);
@@ -343,15 +386,19 @@ std::optional<KeyIndexes::Rows> Connection::Candidates(const BoundPlan& bound) {
 
 // ---- queries ----
 
-std::shared_ptr<RecordsetImpl> Connection::OpenRecordset(const QString& text) {
+std::shared_ptr<RecordsetImpl> Connection::OpenRecordset(const QString& text,
+                                                         const std::function<bool()>& stop) {
     CheckOpen();
+    FindAgain();
+    const Stoppable stoppable(m_db, stop);
     try {
-        NoticeOthers(false);
+        LookAround();
         for (bool again = false;; again = true) {
             try {
                 return Read(PlanOf(text, sql::Purpose::OpenRecordset));
             } catch (const runtime::Failure&) {
-                if (again || !NoticeOthers(true))
+                CheckFile();
+                if (again || !NoticeOthers())
                     throw;
             }
         }
@@ -361,8 +408,17 @@ std::shared_ptr<RecordsetImpl> Connection::OpenRecordset(const QString& text) {
 }
 
 std::shared_ptr<RecordsetImpl> Connection::Read(const BoundPlan& bound) {
+    if (const auto rows = Candidates(bound)) {
+        auto set = ReadRows(bound, rows);
+        if (!MetOthers()) // the index would know nothing of what they have changed
+            return set;
+    }
+    return ReadRows(bound, std::nullopt);
+}
+
+std::shared_ptr<RecordsetImpl> Connection::ReadRows(const BoundPlan& bound,
+                                                    const std::optional<KeyIndexes::Rows>& rows) {
     CachedPlan& cached = *bound.cached;
-    const auto rows = Candidates(bound);
     const Form form = FormFor(cached, rows, true);
     Statement& statement = form.statement;
     Prepare(statement, form.text, Statement::Lifetime::Kept);
@@ -386,20 +442,22 @@ std::shared_ptr<RecordsetImpl> Connection::Read(const BoundPlan& bound) {
 
 void Connection::Execute(const QString& text, bool failOnError) {
     CheckOpen();
+    FindAgain();
     m_affected = 0;
     if (m_rulesAreOff) {
         Pragma("PRAGMA ignore_check_constraints = OFF");
         m_rulesAreOff = false;
     }
     try {
-        NoticeOthers(false);
+        LookAround();
         for (bool again = false;; again = true) {
             // Its tables may be gone too, which would read like a mistake in the statement.
             m_commits->RaiseLoss();
             try {
                 return Run(PlanOf(text, sql::Purpose::Execute), failOnError);
             } catch (const runtime::Failure&) {
-                if (again || !NoticeOthers(true))
+                CheckFile();
+                if (again || !NoticeOthers())
                     throw;
             }
         }
@@ -423,14 +481,14 @@ void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
     const sql::Plan& plan = bound.cached->plan;
     if (m_readOnly)
         RaiseEngine(NotUpdatable);
-    if (m_commits->BeforeWrite(Doing::Write, plan.target) && NoticeOthers(true))
+    if (m_commits->BeforeWrite(Doing::Write, plan.target) && NoticeOthers())
         return Execute(bound.scanned.text, failOnError); // the plan is out of date
     try {
         Perform(bound, failOnError);
     } catch (const runtime::Failure& failure) {
         m_commits->StatementFailed(failure);
         throw;
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         m_commits->StatementFailed(MemoryFailure());
         throw;
     }
@@ -536,20 +594,13 @@ void Connection::ChangeSchema(const QString& table, Work work) {
     if (std::ranges::any_of(m_sets, reads))
         RaiseEngine(TableInUse, table);
     if (m_commits->BeforeWrite(Doing::Define, table))
-        NoticeOthers(true);
+        NoticeOthers();
     m_commits->CheckAlive();
     const auto run = [this](const char* text) { return sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); };
-    const auto forget = [this] {
-        DropPlans();
-        m_catalog->Drop();
-        m_keys->Drop();
-        m_seenSchema = -1;
-        NoteUpheaval();
-    };
     const auto takeBack = [&](const runtime::Failure& failure) {
         if (sqlite3_get_autocommit(m_db) == 0)
             run("ROLLBACK TO definition; RELEASE definition");
-        forget();
+        Forget();
         m_commits->StatementFailed(failure);
     };
     if (const int code = run("SAVEPOINT definition"); code != SQLITE_OK) {
@@ -566,11 +617,11 @@ void Connection::ChangeSchema(const QString& table, Work work) {
     } catch (const runtime::Failure& failure) {
         takeBack(failure);
         throw;
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         takeBack(MemoryFailure());
         throw;
     }
-    forget();
+    Forget();
     m_commits->StatementDone();
 }
 
@@ -615,12 +666,13 @@ void Connection::SetAllowZeroLength(const QString& table, const QString& column,
 
 const FileCatalog& Connection::Tables() {
     CheckOpen();
-    NoticeOthers(false);
+    FindAgain();
+    LookAround();
     return *m_catalog;
 }
 
 std::uint64_t Connection::ChangeCount(const QString& table) {
-    NoticeOthers(false);
+    LookAround();
     return table.isEmpty() ? m_changes : m_upheavals + m_tableChanges.value(table);
 }
 
@@ -636,34 +688,124 @@ std::int64_t Connection::ReadNumber(Statement& statement, QStringView pragma) co
     return statement.Step() == SQLITE_ROW ? statement.Number(0) : -1;
 }
 
-bool Connection::NoticeOthers(bool now) {
-    if (!now && (m_commits->HoldsLock() || Clock::now() - m_lastLook < lookInterval))
+void Connection::LookAround() {
+    m_commits->CommitDueGroup();
+    if (m_commits->HoldsLock() || GroupClock::Now() - m_lastLook < lookInterval)
+        return;
+    CheckFile();
+    NoticeOthers();
+}
+
+int Connection::LookAtFile() {
+    const int code = StateOfFile();
+    m_isLost = code != SQLITE_OK;
+    return code;
+}
+
+int Connection::StateOfFile() const {
+    const auto identity = runtime::IdentityOf(m_file);
+    if (!identity)
+        return SQLITE_READONLY_DBMOVED;
+    if (identity != m_identity)
+        return SQLITE_NOTADB;
+    // By SQLite's own handle: closing another one would drop its locks.
+    sqlite3_file* const file = FileOf(m_db);
+    std::array<char, headerSize> header{};
+    const int code = file->pMethods->xRead(file, header.data(), headerSize, 0);
+    if (code != SQLITE_OK && code != SQLITE_IOERR_SHORT_READ)
+        return code;
+    if (!IsHeaderOfOurs(header) || (!m_commits->HoldsLock() && JournalNamesAFile(m_journal)))
+        return SQLITE_NOTADB;
+    return SQLITE_OK;
+}
+
+void Connection::CheckFile() {
+    const int code = LookAtFile();
+    if (code == SQLITE_OK)
+        return;
+    if (!m_commits->HoldsLock()) { // what was read of the file meanwhile tells nothing
+        Forget();
+        sqlite3_db_release_memory(m_db);
+    }
+    throw FailureFrom(m_db, code, Doing::Read, m_path);
+}
+
+void Connection::FindAgain() {
+    if (!m_isLost || m_commits->HoldsLock() || m_commits->Depth() > 0)
+        return;
+    if (LookAtFile() == SQLITE_OK || !HasCopyInItsPlace())
+        return;
+    { const Connection trial(m_path); } // raises what is wrong with it
+    Shut();
+    Open();
+    NoteUpheaval();
+    m_isLost = false;
+}
+
+/// Whether another file with the very bytes of the one that was opened stands there now.
+bool Connection::HasCopyInItsPlace() const {
+    if (!QFileInfo(m_file).isFile() || runtime::OpenDatabaseFile::Holds(m_file))
         return false;
-    m_lastLook = Clock::now();
+    QFile copy(m_file);
+    sqlite3_file* const file = FileOf(m_db);
+    sqlite3_int64 size = 0;
+    if (!copy.open(QIODevice::ReadOnly) || file->pMethods->xFileSize(file, &size) != SQLITE_OK ||
+        copy.size() != size)
+        return false;
+    QByteArray ours(1 << 16, Qt::Uninitialized);
+    for (sqlite3_int64 at = 0; at < size; at += ours.size()) {
+        const QByteArray theirs = copy.read(ours.size());
+        if (theirs.isEmpty() ||
+            file->pMethods->xRead(file, ours.data(), static_cast<int>(theirs.size()), at) != SQLITE_OK ||
+            QByteArrayView(ours).first(theirs.size()) != theirs)
+            return false;
+    }
+    return true;
+}
+
+bool Connection::NoticeOthers() {
+    m_lastLook = GroupClock::Now();
     LockWait::Allow(m_db, false); // the statement itself waits, and once is enough
     const std::int64_t data = ReadNumber(m_dataVersion, u"PRAGMA data_version");
     LockWait::Allow(m_db, true);
+    m_seenPager = PagerVersion();
     if (data == m_seenData || data < 0)
         return false;
     m_seenData = data;
     m_keys->Drop();
     NoteUpheaval();
     const std::int64_t schema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
-    if (schema == m_seenSchema)
-        return false;
+    if (schema != m_seenSchema) {
+        DropPlans();
+        m_catalog->Drop();
+    }
     m_seenSchema = schema;
-    DropPlans();
-    m_catalog->Drop();
     return true;
 }
 
-void Connection::Undone() noexcept {
-    m_counters->Undone();
+bool Connection::MetOthers() {
+    return PagerVersion() != m_seenPager && NoticeOthers();
+}
+
+/// Grows with each commit that this connection has made or met.
+std::uint32_t Connection::PagerVersion() const {
+    std::uint32_t version = 0;
+    sqlite3_file_control(m_db, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    return version;
+}
+
+/// What is known of the file is true no more.
+void Connection::Forget() noexcept {
     m_keys->Drop();
     m_catalog->Drop();
     DropPlans();
     m_seenSchema = -1;
     NoteUpheaval();
+}
+
+void Connection::Undone() noexcept {
+    m_counters->Undone();
+    Forget();
 }
 
 } // namespace engine

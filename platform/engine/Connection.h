@@ -5,10 +5,11 @@
 #include "platform/engine/KeyIndexes.h"
 #include "platform/engine/Transactions.h"
 #include "platform/engine/sql/Plan.h"
+#include "platform/runtime/FileIdentity.h"
 
 #include <QHash>
 
-#include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_set>
@@ -59,7 +60,7 @@ public:
 
     void Execute(const QString& text, bool failOnError);
     int RecordsAffected() const { return m_affected; }
-    std::shared_ptr<RecordsetImpl> OpenRecordset(const QString& text);
+    std::shared_ptr<RecordsetImpl> OpenRecordset(const QString& text, const std::function<bool()>& stop = {});
 
     /// The tables as they are now.
     const FileCatalog& Tables();
@@ -82,8 +83,7 @@ public:
                      const std::vector<Value>& literals, std::vector<Value>& values);
 
 private:
-    using Clock = std::chrono::steady_clock;
-
+    void Open();
     void Configure();
     void Pragma(const char* text);
     void CheckSound();
@@ -114,16 +114,35 @@ private:
     /// Keeps account of generated numbers; `leftOut`: a row was refused by a rule.
     void NoteInsert(const sql::Plan& plan, bool leftOut);
 
-    /// Looks whether another program has changed the file, at most every so often unless `now`. True if the
-    /// schema has changed.
-    bool NoticeOthers(bool now);
+    /// Before each statement that does not write: commits a group that is due, and every so often looks at
+    /// the file and at what other programs have done.
+    void LookAround();
+    /// A SQLite code: whether the file stands at its path as it was opened, and is still a database of ours.
+    int StateOfFile() const;
+    int LookAtFile();
+    void CheckFile();
+    /// Behind a look that found it wrong: looks again, and takes up a copy that has been put back.
+    void FindAgain();
+    bool HasCopyInItsPlace() const;
+    /// Takes note of what other programs have changed; true if there is something.
+    bool NoticeOthers();
+    /// Behind a statement: the same if SQLite has met changes since the last look.
+    bool MetOthers();
+    std::uint32_t PagerVersion() const;
     std::int64_t ReadNumber(Statement& statement, QStringView pragma) const;
     void DropPlans() noexcept;
+    void Forget() noexcept;
     void Undone() noexcept;
     std::shared_ptr<RecordsetImpl> Read(const BoundPlan& bound);
+    std::shared_ptr<RecordsetImpl> ReadRows(const BoundPlan& bound,
+                                            const std::optional<KeyIndexes::Rows>& rows);
     void Shut() noexcept;
 
-    QString m_path; ///< as it was given
+    QString m_path;    ///< as it was given
+    QString m_file;    ///< the same, absolute
+    QString m_journal; ///< where SQLite keeps it, links followed
+    std::optional<runtime::FileIdentity> m_identity;
+    bool m_isLost = false; ///< it did not stand there at the last look
     std::unique_ptr<runtime::OpenDatabaseFile> m_registered;
     sqlite3* m_db = nullptr;
     bool m_readOnly = false;
@@ -141,11 +160,12 @@ private:
     std::uint64_t m_changes = 0; ///< of everything
     QHash<QString, std::uint64_t> m_tableChanges;
     std::uint64_t m_upheavals = 0; ///< changes that may concern any table
-    Clock::time_point m_lastLook;
+    GroupClock::Time m_lastLook;
     Statement m_dataVersion;
     Statement m_schemaVersion;
     std::int64_t m_seenData = -1;
     std::int64_t m_seenSchema = -1;
+    std::uint32_t m_seenPager = 0;
 };
 
 } // namespace engine

@@ -98,8 +98,8 @@ int Database::RecordsAffected() const {
     return m_connection->RecordsAffected();
 }
 
-Recordset Database::OpenRecordset(const QString& sql, int) {
-    return Recordset(m_connection->OpenRecordset(sql));
+Recordset Database::OpenRecordset(const QString& sql, int, const std::function<bool()>& stop) {
+    return Recordset(m_connection->OpenRecordset(sql, stop));
 }
 
 TableDef Database::TableDefs(const QString& name) {

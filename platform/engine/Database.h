@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace engine {
@@ -72,8 +73,10 @@ public:
     int RecordsAffected() const;
 
     /// Runs a query, or opens a table by its name. Failure 3219 for a statement that returns no rows; it is
-    /// not run.
-    Recordset OpenRecordset(const QString& sql, int type = dbOpenDynaset);
+    /// not run. `stop` is asked many times a second while the statement runs and its rows are read; once it
+    /// says yes, the statement ends with failure 32001. It must not use the database.
+    Recordset OpenRecordset(const QString& sql, int type = dbOpenDynaset,
+                            const std::function<bool()>& stop = {});
 
     /// A table by name, case ignored; failure 3265 for an unknown one.
     TableDef TableDefs(const QString& name);

@@ -26,7 +26,6 @@ namespace engine {
 
 namespace {
 
-constexpr int headerSize = 100;
 constexpr int applicationIdOffset = 68;
 constexpr auto sqliteMagic = QByteArrayView("SQLite format 3\0", 16);
 
@@ -166,10 +165,38 @@ void CheckDatabaseFile(const QString& path) {
     const QByteArray header = ReadHeader(path);
     if (IsOlderFormat(header))
         RaiseEngine(OlderFormat);
-    const bool ours = header.size() == headerSize && header.startsWith(sqliteMagic) &&
-                      qFromBigEndian<qint32>(header.constData() + applicationIdOffset) == applicationId;
-    if (!ours)
+    if (!IsHeaderOfOurs(header))
         RaiseEngine(UnrecognisedFormat, path);
+}
+
+bool IsHeaderOfOurs(QByteArrayView bytes) {
+    return bytes.size() == headerSize && bytes.startsWith(sqliteMagic) &&
+           qFromBigEndian<qint32>(bytes.data() + applicationIdOffset) == applicationId;
+}
+
+// The name stands at the end, followed by its length, the sum of its bytes and a mark. SQLite adds the bytes
+// as the machine's char has them, with a sign or without.
+bool JournalNamesAFile(const QString& journal) {
+    constexpr qint64 tailSize = 16;
+    constexpr qint64 longestName = 1 << 16; // SQLite itself passes over names that are much shorter
+    constexpr auto mark = QByteArrayView("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8);
+    QFile file(journal);
+    if (!QFileInfo(journal).isFile() || !file.open(QIODevice::ReadOnly) || !file.seek(file.size() - tailSize))
+        return false;
+    const QByteArray tail = file.read(tailSize);
+    if (tail.size() != tailSize || !tail.endsWith(mark))
+        return false;
+    const auto length = qFromBigEndian<quint32>(tail.constData());
+    const auto sum = qFromBigEndian<quint32>(tail.constData() + sizeof length);
+    if (length == 0 || length > longestName || !file.seek(file.size() - tailSize - length))
+        return false;
+    quint32 withSign = 0;
+    quint32 without = 0;
+    for (const char byte : file.read(length)) {
+        withSign += static_cast<quint32>(static_cast<signed char>(byte));
+        without += static_cast<unsigned char>(byte);
+    }
+    return sum == withSign || sum == without;
 }
 
 QString TemporaryName(const QString& folder) {

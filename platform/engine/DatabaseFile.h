@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 
 namespace engine {
@@ -11,6 +12,14 @@ inline constexpr std::int32_t applicationId = 0x5a565442;
 /// to. Failures: 3044, 3024, 3051, 3041, 3343. Not for a file that this process has open: closing a second
 /// handle would drop SQLite's locks.
 void CheckDatabaseFile(const QString& path);
+
+/// Whether the first bytes of a file, as many as a header has or less, are those of a database of ours.
+bool IsHeaderOfOurs(QByteArrayView bytes);
+inline constexpr int headerSize = 100;
+
+/// Whether the rollback journal of the file names another file, which SQLite would delete behind the
+/// rollback. Ours never do.
+bool JournalNamesAFile(const QString& journal);
 
 /// Makes an empty database file under a temporary name, gives it to the disk and then its name, which never
 /// replaces a file. What crashes have left in the folder is tidied away. Failures: 3044, 3204, 3051, 3026,

@@ -81,7 +81,7 @@ void RecordsetImpl::Fetch(std::size_t row) {
     if (m_bound.cached->plan.rowText.isEmpty())
         return;
     const std::uint64_t changes = m_connection->ChangeCount(m_watched);
-    if (changes == m_changes || m_rows.IsRemoved(row))
+    if (changes == m_changes)
         return;
     const auto known = m_readAgain.find(row);
     if (known != m_readAgain.end() && known->second == changes)
@@ -111,8 +111,7 @@ void RecordsetImpl::ReadAgain(std::size_t row) {
 
 void RecordsetImpl::RefreshAll(std::uint64_t changes) {
     for (std::size_t row = 0; row < m_rows.Rows(); ++row)
-        if (!m_rows.IsRemoved(row))
-            ReadAgain(row);
+        ReadAgain(row);
     m_finder.ForgetRows();
     m_readAgain.clear();
     m_changes = changes;

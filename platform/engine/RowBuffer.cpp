@@ -65,6 +65,13 @@ const char16_t* Skip(const char16_t* cell) {
     }
 }
 
+std::size_t UnitsOf(const char16_t* row, int cells) {
+    const char16_t* end = row;
+    for (int cell = 0; cell < cells; ++cell)
+        end = Skip(end);
+    return static_cast<std::size_t>(end - row);
+}
+
 RowBuffer::Cell Read(const char16_t* cell) {
     RowBuffer::Cell read;
     switch (*cell & 7) {
@@ -171,28 +178,57 @@ char16_t* RowBuffer::Put(char16_t* to, const Source& source) {
     }
 }
 
+std::size_t RowBuffer::Collect(const Statement& row) {
+    const int columns = row.ColumnCount();
+    m_sources.clear();
+    std::size_t units = 0;
+    for (int column = 0; column < columns; ++column)
+        units += UnitsOf(m_sources.emplace_back(SourceOf(row.Handle(), column)));
+    return units;
+}
+
+char16_t* RowBuffer::PutCollected(char16_t* to) const {
+    for (const Source& source : m_sources)
+        to = Put(to, source);
+    return to;
+}
+
 void RowBuffer::Add(const Statement& row) {
     m_rows.push_back(nullptr);
-    m_rows.back() = Store(row, nullptr);
+    m_rows.back() = Reserve(Collect(row));
+    PutCollected(m_rows.back());
 }
 
 void RowBuffer::Replace(std::size_t place, const Statement& row, std::int64_t rowNumber) {
-    m_rows[place] = Store(row, &rowNumber);
+    const std::size_t units = Collect(row) + engine::UnitsOf(rowNumber);
+    const int cells = static_cast<int>(m_sources.size()) + 1;
+    const std::size_t room = engine::UnitsOf(m_rows[place], cells);
+    if (units > room) {
+        if (m_wasted > blockUnits && (m_wasted > m_units / 2 || m_units + units > maxUnits))
+            Compact(cells);
+        m_rows[place] = Reserve(units);
+    }
+    m_wasted += units > room ? room : room - units;
+    engine::Put(PutCollected(m_rows[place]), rowNumber);
+    if (place < m_removed.size())
+        m_removed[place] = false;
 }
 
-const char16_t* RowBuffer::Store(const Statement& row, const std::int64_t* rowNumber) {
-    const int columns = row.ColumnCount();
-    m_sources.clear();
-    std::size_t units = rowNumber == nullptr ? 0 : engine::UnitsOf(*rowNumber);
-    for (int column = 0; column < columns; ++column)
-        units += UnitsOf(m_sources.emplace_back(SourceOf(row.Handle(), column)));
-    char16_t* start = Reserve(units);
-    char16_t* to = start;
-    for (const Source& source : m_sources)
-        to = Put(to, source);
-    if (rowNumber != nullptr)
-        engine::Put(to, *rowNumber);
-    return start;
+void RowBuffer::Remove(std::size_t place) {
+    if (m_removed.size() <= place)
+        m_removed.resize(place + 1);
+    m_removed[place] = true;
+}
+
+void RowBuffer::Compact(int cells) {
+    RowBuffer compact;
+    for (const char16_t* row : m_rows) {
+        const std::size_t units = engine::UnitsOf(row, cells);
+        compact.m_rows.push_back(std::copy_n(row, units, compact.Reserve(units)) - units);
+    }
+    compact.m_sources.swap(m_sources);
+    compact.m_removed.swap(m_removed);
+    *this = std::move(compact);
 }
 
 char16_t* RowBuffer::Reserve(std::size_t units) {
@@ -220,11 +256,7 @@ RowBuffer::Cell RowBuffer::At(std::size_t place, int column) const {
 }
 
 void RowBuffer::Clear() noexcept {
-    std::vector<const char16_t*>().swap(m_rows);
-    std::vector<std::unique_ptr<char16_t[]>>().swap(m_blocks);
-    m_free = nullptr;
-    m_left = 0;
-    m_units = 0;
+    *this = RowBuffer();
 }
 
 } // namespace engine

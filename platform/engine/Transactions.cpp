@@ -25,15 +25,21 @@ QString LevelName(int level) {
 
 } // namespace
 
-Transactions::Transactions(sqlite3* db, QString path, std::function<void()> undone)
+Transactions::Transactions(sqlite3* db, QString path, std::function<int()> look, std::function<void()> undone)
     : m_db(db)
     , m_path(std::move(path))
+    , m_look(std::move(look))
     , m_undone(std::move(undone)) {
     LockWait::Allow(m_db, true);
 }
 
 int Transactions::Run(const QString& text) const {
     return sqlite3_exec(m_db, text.toUtf8().constData(), nullptr, nullptr, nullptr);
+}
+
+int Transactions::Begin() const {
+    const int code = m_look();
+    return code != SQLITE_OK ? code : sqlite3_exec(m_db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
 }
 
 runtime::Failure Transactions::FailureOfCode(int code) const {
@@ -48,8 +54,7 @@ void Transactions::BeginTrans() {
 void Transactions::OpenLevels(Doing doing, const QString& table) {
     while (m_openLevels < m_depth) {
         const int level = m_openLevels + 1;
-        const int code = Run(level == 1 ? QStringLiteral("BEGIN IMMEDIATE")
-                                        : QStringLiteral("SAVEPOINT ") + LevelName(level));
+        const int code = level == 1 ? Begin() : Run(QStringLiteral("SAVEPOINT ") + LevelName(level));
         if (code != SQLITE_OK)
             throw FailureFrom(m_db, code, doing, m_path, table);
         m_openLevels = level;
@@ -98,12 +103,11 @@ bool Transactions::BeforeWrite(Doing doing, const QString& table) {
     if (m_depth > 0) {
         OpenLevels(doing, table);
     } else if (!m_groupOpen) {
-        const int code = sqlite3_exec(m_db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-        if (code != SQLITE_OK)
+        if (const int code = Begin(); code != SQLITE_OK)
             throw FailureFrom(m_db, code, doing, m_path, table);
         m_groupOpen = true;
         m_groupStatements = 0;
-        m_groupStart = Clock::now();
+        m_groupDue = GroupClock::Now() + groupAge;
     }
     return !held;
 }
@@ -112,8 +116,7 @@ void Transactions::StatementDone() {
     if (!m_groupOpen)
         return;
     ++m_groupStatements;
-    if (Clock::now() - m_groupStart >= groupAge)
-        CommitDueGroup();
+    CommitDueGroup();
 }
 
 void Transactions::StatementFailed(const runtime::Failure& failure) {
@@ -141,7 +144,9 @@ void Transactions::CheckAlive() {
 
 /// SQLite's code, SQLITE_OK also for a commit that has not been synced to its end: the next one will do that.
 int Transactions::RunCommit() {
-    const int code = Run(QStringLiteral("COMMIT"));
+    int code = m_look();
+    if (code == SQLITE_OK)
+        code = Run(QStringLiteral("COMMIT"));
     const bool inFile = IsInFile(code) && sqlite3_get_autocommit(m_db) != 0;
     if (inFile || code == SQLITE_OK)
         m_unsynced = inFile;
@@ -153,14 +158,18 @@ void Transactions::RaiseUnsynced() {
         throw UnsyncedCommit();
 }
 
-// Somebody may be reading just now; then the group simply grows older.
 void Transactions::CommitDueGroup() {
+    if (!m_groupOpen || GroupClock::Now() < m_groupDue)
+        return;
+    CheckAlive();
     LockWait::Allow(m_db, false);
     const int code = RunCommit();
     LockWait::Allow(m_db, true);
     if (code == SQLITE_OK)
         m_groupOpen = false;
-    else if ((code & 0xff) != SQLITE_BUSY || sqlite3_get_autocommit(m_db) != 0)
+    else if ((code & 0xff) == SQLITE_BUSY && sqlite3_get_autocommit(m_db) == 0)
+        m_groupDue = GroupClock::Now() + groupAge; // somebody is reading: the group simply grows older
+    else
         LoseGroup(code, true);
 }
 

@@ -12,6 +12,7 @@ struct FileIdentity {
     quint64 device = 0;
     quint64 file = 0;
 
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
     friend bool operator<(const FileIdentity& left, const FileIdentity& right) {
         return std::tie(left.device, left.file) < std::tie(right.device, right.file);
     }

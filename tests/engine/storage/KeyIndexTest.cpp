@@ -88,8 +88,11 @@ TEST_F(KeyIndex, StaysTrueAfterFailuresAndOthers) {
     Check();
     const auto other = workspace->OpenDatabase(path);
     other->Execute(QStringLiteral("UPDATE a02 SET a02clid = 3 WHERE a02clid = 11"), engine::dbFailOnError);
+    engine::DBEngine::Commit();
+    Check(); // at once: what the statement itself would see
+    Check();
+    other->Execute(QStringLiteral("UPDATE a02 SET a02clid = 36 WHERE a02clid = 99"), engine::dbFailOnError);
     other->Close();
-    // A statement that writes is never behind; a query is for a moment at most.
     Run(QStringLiteral("UPDATE a02 SET a02cval = 'найден' WHERE a02clid = 3 AND a02code = 1"));
     EXPECT_EQ(database->RecordsAffected(), 2);
     Check();

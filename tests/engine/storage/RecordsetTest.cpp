@@ -1,4 +1,7 @@
+#include "platform/engine/GroupClock.h"
 #include "tests/engine/storage/StorageTest.h"
+
+#include <stdexcept>
 
 using test::FailureOf;
 
@@ -131,18 +134,40 @@ TEST_F(Rowset, ShowsChangedRowsAtTheNextMove) {
     EXPECT_EQ(set.RecordCount(), 5);
     EXPECT_EQ(test::Rows(std::move(fixed)).size(), 4);
 
+    // A row that comes back under its key is the same row.
+    Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (3, 'Другой')"));
+    set.FindFirst(QStringLiteral("a01last = 'другой'"));
+    EXPECT_EQ(set.Fields(u"a01clid").Value().Long(), 3);
+
     // Another connection's change is seen a short while later.
     const auto other = workspace->OpenDatabase(path);
     engine::DBEngine::Commit();
     other->Execute(QStringLiteral("UPDATE a01 SET a01last = 'Чужой'"), engine::dbFailOnError);
     other->Close();
-    for (int wait = 0; wait < 100 && set.Fields(u"a01last").Text() != QStringLiteral("Чужой"); ++wait) {
-        struct timespec pause = {0, 10'000'000};
-        nanosleep(&pause, nullptr);
-        set.MoveFirst();
-        set.MoveLast();
-    }
+    engine::GroupClock::Advance(std::chrono::milliseconds(50));
+    set.MoveFirst();
     EXPECT_EQ(set.Fields(u"a01last").Text(), QStringLiteral("Чужой"));
+}
+
+// Rows that are read again, at the same length and at another, take the room of the old ones: all that these
+// leave behind would be beyond what a result may take.
+TEST_F(Rowset, ChangesDoNotGatherInTheBuffer) {
+    Run(QStringLiteral("CREATE TABLE m (k INTEGER NOT NULL PRIMARY KEY, m LONGTEXT)"));
+    const auto text = [](qsizetype size) { return QString(size, u'ж'); };
+    for (int row = 0; row < 50; ++row)
+        Run(QStringLiteral("INSERT INTO m (k, m) VALUES (%1, '%2')").arg(row).arg(text(120'000)));
+    auto set = database->OpenRecordset(QStringLiteral("SELECT * FROM m"));
+    for (int round = 0; round < 120; ++round) {
+        Run(QStringLiteral("UPDATE m SET m = '%2' WHERE k = %1").arg(round % 50).arg(text(120'000 + round)));
+        set.FindFirst(QStringLiteral("k = %1").arg(round % 50));
+        ASSERT_EQ(set.Fields(u"m").Text().size(), 120'000 + round);
+    }
+    for (int row = 0; row < 50; ++row, set.MoveNext()) {
+        if (row == 0)
+            set.MoveFirst();
+        EXPECT_EQ(set.Fields(u"k").Value().Long(), row);
+        EXPECT_EQ(set.Fields(u"m").Text(), text(row < 20 ? 120'100 + row : 120'050 + row));
+    }
 }
 
 TEST_F(Rowset, HoldsItsTableAgainstDefinitions) {
@@ -177,6 +202,23 @@ TEST_F(Rowset, KeepsEveryValue) {
     Run(QStringLiteral("INSERT INTO w (w, y, b) VALUES (#12/5/2006 10:30#, TRUE, 255)"));
     EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM w")),
               QStringList{QStringLiteral("05.12.2006 10:30:00|-1|255")});
+}
+
+TEST_F(Rowset, AStatementIsStopped) {
+    const QString product =
+        QStringLiteral("FROM a01 AS a, a01 AS b, a01 AS c, a01 AS d, a01 AS e, a01 AS f, a01 "
+                       "AS g, a01 AS h, a01 AS i, a01 AS j");
+    for (const char* list : {"COUNT(*) %1", "a.a01clid %1", "a.a01last %1 ORDER BY b.a01last"}) {
+        const QString text = QStringLiteral("SELECT ") + QString::fromUtf8(list).arg(product);
+        for (const int last : {1, 100}) {
+            int asked = 0;
+            const auto stop = [&] { return ++asked >= last; };
+            EXPECT_EQ(FailureOf([&] { database->OpenRecordset(text, engine::dbOpenDynaset, stop); }), 32001);
+        }
+        const auto broken = []() -> bool { throw std::logic_error("stop"); };
+        EXPECT_THROW(database->OpenRecordset(text, engine::dbOpenDynaset, broken), std::logic_error);
+    }
+    EXPECT_EQ(test::Rows(Cards()).size(), 5); // nobody is asked any more
 }
 
 TEST_F(Rowset, RefusesWhatReturnsNoRows) {

@@ -1,4 +1,5 @@
 #include "tests/engine/storage/StorageTest.h"
+#include "tests/support/FaultyFiles.h"
 
 namespace {
 
@@ -63,6 +64,30 @@ TEST_F(Transaction, LevelsNest) {
     for (int level = 0; level < 5; ++level)
         workspace->Rollback();
     EXPECT_EQ(ids(), QStringLiteral("1 3"));
+}
+
+// SQLite takes the whole transaction back where the journal cannot be written: what follows would stand
+// alone.
+TEST_F(Transaction, ALossInTheMiddleIsToldUntilItIsTakenBack) {
+    MakeCards();
+    database->Close();
+    int disk = SQLITE_OK;
+    const test::FaultyFiles faulty([&disk](test::FaultyFiles::Call) { return disk; });
+    database = workspace->OpenDatabase(path);
+    const auto insert = [&] { return FailureOfRun(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)")); };
+    workspace->BeginTrans();
+    EXPECT_EQ(insert(), 0);
+    disk = SQLITE_IOERR_WRITE;
+    EXPECT_EQ(
+        FailureOfRun(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) SELECT 1, 1, 'x' FROM a01")),
+        3043);
+    disk = SQLITE_OK;
+    EXPECT_EQ(insert(), 3043);
+    EXPECT_EQ(test::FailureOf([&] { workspace->CommitTrans(); }), 3043);
+    workspace->Rollback();
+    EXPECT_TRUE(Ask(QStringLiteral("SELECT * FROM a01")).isEmpty());
+    EXPECT_EQ(insert(), 0);
+    database->Close();
 }
 
 TEST_F(Transaction, BindsAllDatabasesOfTheWorkspace) {

@@ -1,6 +1,7 @@
 #include "sqlwatcher/frmUserEditor.h"
 
 #include "platform/forms/Controls.h"
+#include "platform/forms/EscapeWatch.h"
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Twips.h"
@@ -99,7 +100,9 @@ QString frmUserEditor::Query() const {
 void frmUserEditor::RunQuery() {
     const forms::BusyPointer busy;
     {
-        engine::Recordset rows = gDatabase->OpenRecordset(Query(), engine::dbOpenDynaset);
+        forms::EscapeWatch escape;
+        engine::Recordset rows = gDatabase->OpenRecordset(Query(), engine::dbOpenDynaset,
+                                                          [&escape] { return escape.WasPressed(); });
         ShowResult(rows);
     }
     Form_Resize();

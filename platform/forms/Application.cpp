@@ -2,6 +2,7 @@
 
 #include "platform/engine/DBEngine.h"
 #include "platform/forms/Controls.h"
+#include "platform/forms/EscapeWatch.h"
 #include "platform/forms/EventDelivery.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
@@ -98,6 +99,8 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 }
 
 bool Application::Deliver(QObject* receiver, QEvent* event) {
+    if (EscapeWatch::Takes(receiver, event))
+        return true;
     try {
         if (event->type() == QEvent::KeyPress && receiver->isWidgetType()) {
             const std::shared_ptr<Form> form = Form::Of(static_cast<QWidget*>(receiver));

@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
+#include <QTimer>
+#include <QWindow>
 
 namespace {
 
@@ -139,6 +141,41 @@ TEST_F(frmUserEditorTest, ALongResultIsComplete) {
     RunText(QStringLiteral("SELECT COUNT(*) FROM t03"));
     EXPECT_EQ(Result().value(1), QStringLiteral("1913"));
     EXPECT_EQ(Grid().Rows(), 2);
+}
+
+// Esc that comes while a statement runs ends it. Nothing else that comes meanwhile does anything.
+TEST_F(frmUserEditorTest, EscStopsARunningStatement) {
+    RunText(QStringLiteral("SELECT v00vrid FROM v00"));
+    const QStringList old = Result();
+    for (const char* list : {"COUNT(*) %1", "x.t03cval %1 ORDER BY y.t03cval", "x.t03rcid %1"}) {
+        const QString text = QStringLiteral("SELECT ") +
+                             QString::fromUtf8(list).arg(QStringLiteral("FROM t03 AS x, t03 AS y, t03 AS z"));
+        SCOPED_TRACE(text.toStdString());
+        Write(text);
+        QWidget* const field = QApplication::focusWidget();
+        const auto post = [](QObject* receiver, int key, const QString& typed = {}) {
+            QCoreApplication::postEvent(receiver,
+                                        new QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, typed));
+        };
+        post(field, Qt::Key_Z, QStringLiteral("z"));
+        post(field, Qt::Key_F9);
+        QCoreApplication::postEvent(&FrameOf(window), new QCloseEvent);
+        bool ranMeanwhile = false;
+        QTimer::singleShot(1, &Editor(),
+                           [&] { ranMeanwhile = QApplication::activeModalWidget() == nullptr; });
+        post(field->window()->windowHandle(), Qt::Key_Escape);
+
+        test::Answers answers;
+        answers.BoxStarting(ErrorHead(32001) + QStringLiteral("Операция отменена пользователем"),
+                            forms::Icon::Exclamation);
+        QTest::keyClick(field, Qt::Key_F9);
+        EXPECT_FALSE(ranMeanwhile);
+        ASSERT_TRUE(window->IsLoaded());
+        EXPECT_EQ(Result(), old);
+        EXPECT_EQ(Editor().toPlainText(), text);
+    }
+    RunText(QStringLiteral("SELECT 1 FROM v00"));
+    EXPECT_EQ(Result().value(1), QStringLiteral("1"));
 }
 
 TEST_F(frmUserEditorTest, TheResizeRule) {

@@ -1,15 +1,16 @@
-// The two orders of text. ZV_FOLD is frozen: UNIQUE indexes of users' files persist it, so its table stands
-// here and follows no library. ZV_SORT is the Russian alphabet of the library, at query time only.
+// The two orders of text. Their tables stand here and follow no library, so that a list stands in the same
+// order on every system. ZV_FOLD is frozen: UNIQUE indexes of users' files persist it. ZV_SORT is the Russian
+// alphabet, at query time only, and may still learn.
 
 #include "platform/engine/functions/Call.h"
 #include "platform/engine/functions/Functions.h"
 
-#include <QCollator>
-#include <QLocale>
+#include <QString>
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
+#include <compare>
 #include <vector>
 
 namespace engine::functions {
@@ -76,52 +77,154 @@ int Sign(qsizetype value) {
     return value < 0 ? -1 : value > 0 ? 1 : 0;
 }
 
-const QCollator& Collator() {
-    static const QCollator collator = [] {
-        QCollator made(QLocale(QLocale::Russian, QLocale::Russia));
-        made.setCaseSensitivity(Qt::CaseInsensitive);
-        return made;
-    }();
-    return collator;
+// Small letters and signs in the order of the alphabet: blanks, signs, digits, Cyrillic, Latin.
+constexpr std::u16string_view firstLevel =
+    u"\t\n\v\f\r \u203E_\u2017-\u2010\u2012\u2013\u2014\u2015,;:!‼¡?¿‽.\u2025\u2026\u00B7'\u2018"
+    u"\u2019\u201A\u201B\u2039\u203A\"\u201C\u201D\u201E\u201F«»()[]{}\u2016§¶@*/\\&#%‰‱†‡•‣\u2027"
+    u"\u2043\u2032\u2033\u2034\u2035\u2036\u2037\u2038※\u203F\u2040\u2041⁂`\u00B4^\u00AF\u00A8"
+    u"\u00B8°\u0482©®+±÷×<=>¬|¦~\u2044¤¢$£¥"
+    u"01½¼23¾456789"
+    u"аәӕбвгғӻҕӷдԁђԃҙеєжԫҗзԅԑѕӡԇиҋійјкқӄҡҟҝԟԛлӆԯ"
+    u"ԓԡљԉԕмӎнԩӊңӈԣҥњԋоөпԥҧҁрҏԗсԍҫтԏҭћуүұѹфхӽӿҳһ"
+    u"ԧѡѿѽѻцҵчԭҷӌҹҽҿџшщъыьҍѣэюяԙѥѧѫѩѭѯѱѳѵҩԝӏ"
+    u"aæbcdefghiĳıjklmnŋoœpqĸrsßtŧuvwxyzþŉ\u00B5";
+
+struct Variants {
+    char16_t letter;
+    std::u16string_view others; ///< which stand with it, and behind it where nothing else differs
+};
+constexpr auto secondLevel = std::to_array<Variants>({
+    {u' ', u"\u00A0\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A\u202F"},
+    {u'\u2010', u"\u2011"},
+    {u'.', u"\u2024"},
+    {u'1', u"¹"},
+    {u'2', u"²"},
+    {u'3', u"³"},
+    {u'а', u"ӑӓ"},
+    {u'ә', u"ӛ"},
+    {u'г', u"ѓґ"},
+    {u'е', u"ѐӗё"},
+    {u'ж', u"ӂӝ"},
+    {u'з', u"ӟ"},
+    {u'и', u"ѝӥӣ"},
+    {u'і', u"ї"},
+    {u'к', u"ќ"},
+    {u'о', u"ӧ"},
+    {u'ө', u"ӫ"},
+    {u'у', u"ўӱӳӯ"},
+    {u'ч', u"ӵ"},
+    {u'ы', u"ӹ"},
+    {u'э', u"ӭ"},
+    {u'ѵ', u"ѷ"},
+    {u'a', u"ªáàăâåäãąā"},
+    {u'c', u"ćĉčċç"},
+    {u'd', u"ďđð"},
+    {u'e', u"éèĕêěëėęē"},
+    {u'g', u"ğĝġģ"},
+    {u'h', u"ĥħ"},
+    {u'i', u"íìĭîïĩİįī"},
+    {u'j', u"ĵ"},
+    {u'k', u"ķ"},
+    {u'l', u"ĺľļłŀ"},
+    {u'n', u"ńňñņ"},
+    {u'o', u"ºóòŏôöőõøō"},
+    {u'r', u"ŕřŗ"},
+    {u's', u"śŝšşſ"},
+    {u't', u"ťţ"},
+    {u'u', u"úùŭûůüűũųū"},
+    {u'w', u"ŵ"},
+    {u'y', u"ýŷÿ"},
+    {u'z', u"źžż"},
+});
+
+/// What a character weighs; no first weight: it is in no table.
+struct Weight {
+    std::uint16_t first = 0;
+    std::uint16_t second = 0;
+};
+
+constexpr char16_t signsBegin = 0x2000;
+constexpr std::size_t signs = 0x50;
+constexpr std::uint16_t behindTable = 0x1000; ///< the first weight of what is in no table begins here
+
+using Weights = std::array<Weight, foldedRange + signs>;
+
+constexpr Weight& At(Weights& weights, char16_t unit) {
+    return weights[unit < foldedRange ? unit : foldedRange + unit - signsBegin];
 }
 
-/// Places of the common single characters in the collator's order, so that a sort of names need not ask it. A
-/// plain character weighs the same wherever it stands; whatever can change its neighbour's weight is not
-/// among them.
-class Ranks {
-public:
-    static constexpr std::uint8_t other = 0;
-    static constexpr char16_t io = u'ё';
+constexpr Weights MakeWeights() {
+    Weights weights{};
+    std::uint16_t first = 0;
+    for (const char16_t unit : firstLevel)
+        At(weights, unit).first = ++first;
+    for (const Variants& variants : secondLevel) {
+        std::uint16_t second = 0;
+        for (const char16_t unit : variants.others)
+            At(weights, unit) = {At(weights, variants.letter).first, ++second};
+    }
+    for (char16_t unit = 0; unit < foldedRange; ++unit)
+        if (foldTable[unit] != unit)
+            weights[unit] = weights[foldTable[unit]];
+    return weights;
+}
 
-    Ranks() {
-        std::vector<char16_t> plain;
-        const auto add = [&plain](char16_t first, char16_t last) {
-            for (char16_t unit = first; unit <= last; ++unit)
-                plain.push_back(unit);
-        };
-        add(u' ', u'~');
-        add(u'А', u'я');
-        std::sort(plain.begin(), plain.end(), [](char16_t a, char16_t b) { return CompareUnits(a, b) < 0; });
-        std::uint8_t rank = other;
-        for (std::size_t i = 0; i < plain.size(); ++i) {
-            if (i == 0 || CompareUnits(plain[i - 1], plain[i]) != 0)
-                ++rank;
-            m_ranks[plain[i]] = rank;
-        }
-        // On the first level ё is е; the second level is left to the collator.
-        m_ranks[io] = m_ranks[u'Ё'] = m_ranks[u'е'];
+constexpr Weights weights = MakeWeights();
+
+Weight WeightOf(char16_t unit) {
+    if (unit < foldedRange)
+        return weights[unit];
+    const std::size_t sign = std::size_t{unit} - signsBegin;
+    return sign < signs ? weights[foldedRange + sign] : Weight();
+}
+
+/// Soft hyphens, marks over letters and the like, which count only where all else is equal.
+bool IsIgnorable(QChar character) {
+    switch (character.category()) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Mark_NonSpacing:
+    case QChar::Mark_Enclosing:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The weights of any text, level by level.
+class SortKey {
+public:
+    explicit SortKey(QStringView text) {
+        for (const QChar character : text.toString().normalized(QString::NormalizationForm_C))
+            Add(character);
     }
 
-    std::uint8_t Of(char16_t unit) const { return unit < m_ranks.size() ? m_ranks[unit] : other; }
-    static bool IsIo(char16_t unit) { return unit == io || unit == u'Ё'; }
+    std::strong_ordering operator<=>(const SortKey&) const = default;
 
 private:
-    static int CompareUnits(char16_t a, char16_t b) {
-        return Collator().compare(QStringView(&a, 1), QStringView(&b, 1));
+    void Add(QChar character) {
+        const char16_t unit = character.unicode();
+        const Weight weight = WeightOf(unit);
+        if (weight.first != 0) {
+            m_first.push_back(weight.first);
+            m_second.push_back(weight.second);
+        } else if (character.decompositionTag() == QChar::Canonical) {
+            for (const QChar part : character.decomposition())
+                Add(part);
+        } else if (!IsIgnorable(character)) {
+            m_first.push_back(static_cast<std::uint32_t>(behindTable) + FoldUnit(unit));
+            m_second.push_back(0);
+        }
     }
 
-    std::array<std::uint8_t, 0x460> m_ranks{};
+    std::vector<std::uint32_t> m_first;
+    std::vector<std::uint16_t> m_second;
 };
+
+int CompareKeys(QStringView a, QStringView b) {
+    const auto order = SortKey(a) <=> SortKey(b);
+    return order < 0 ? -1 : order > 0 ? 1 : CompareFolded(a, b);
+}
 
 template <int (*Compare)(QStringView, QStringView)>
 int CallCollation(void*, int aBytes, const void* a, int bBytes, const void* b) {
@@ -159,34 +262,32 @@ int CompareFolded(QStringView a, QStringView b) {
 }
 
 int CompareSorted(QStringView a, QStringView b) {
-    static const Ranks ranks;
     const char16_t* left = a.utf16();
     const char16_t* right = b.utf16();
     const qsizetype common = std::min(a.size(), b.size());
-    // The character behind a difference is looked at too: a combining mark there would belong to the
-    // difference.
+    // The character behind a difference is looked at too: a mark there would belong to the difference.
     const auto isPlain = [](const char16_t* text, qsizetype place, qsizetype size) {
-        return place >= size || ranks.Of(text[place]) != Ranks::other;
+        return place >= size || WeightOf(text[place]).first != 0;
     };
-    bool secondLevel = false;
+    int second = 0;
     for (qsizetype i = 0; i < common; ++i) {
-        const std::uint8_t leftRank = ranks.Of(left[i]);
-        const std::uint8_t rightRank = ranks.Of(right[i]);
-        if (leftRank == Ranks::other || rightRank == Ranks::other)
-            return Sign(Collator().compare(a, b));
-        if (leftRank != rightRank) {
+        const Weight leftWeight = WeightOf(left[i]);
+        const Weight rightWeight = WeightOf(right[i]);
+        if (leftWeight.first == 0 || rightWeight.first == 0)
+            return CompareKeys(a, b);
+        if (leftWeight.first != rightWeight.first) {
             if (!isPlain(left, i + 1, a.size()) || !isPlain(right, i + 1, b.size()))
-                return Sign(Collator().compare(a, b));
-            return leftRank < rightRank ? -1 : 1;
+                return CompareKeys(a, b);
+            return leftWeight.first < rightWeight.first ? -1 : 1;
         }
-        secondLevel = secondLevel || Ranks::IsIo(left[i]) != Ranks::IsIo(right[i]);
+        if (second == 0)
+            second = Sign(leftWeight.second - rightWeight.second);
     }
-    if (a.size() != b.size()) {
-        if (!isPlain(left, common, a.size()) || !isPlain(right, common, b.size()))
-            return Sign(Collator().compare(a, b));
-        return Sign(a.size() - b.size());
-    }
-    return secondLevel ? Sign(Collator().compare(a, b)) : 0;
+    if (a.size() == b.size())
+        return second;
+    if (!isPlain(left, common, a.size()) || !isPlain(right, common, b.size()))
+        return CompareKeys(a, b);
+    return Sign(a.size() - b.size());
 }
 
 void RegisterCollations(sqlite3* db) {

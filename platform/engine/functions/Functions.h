@@ -11,8 +11,9 @@ namespace engine::functions {
 /// Collations, given to SQLite in the file's own text form (UTF-16):
 /// ZV_FOLD: equality, UNIQUE, DISTINCT, GROUP BY. Simple case folding over Latin and Cyrillic by a frozen
 /// table of our own, code units otherwise; indexes of the file persist its order, so it never changes.
-/// ZV_SORT: ORDER BY, comparisons by order, MIN and MAX. The Russian alphabet without regard to case; used in
-/// queries alone, never in an index.
+/// ZV_SORT: ORDER BY, comparisons by order, MIN and MAX. The Russian alphabet without regard to case, the
+/// same on every system; texts are equal where ZV_FOLD has them equal. Used in queries alone, never in an
+/// index.
 void RegisterCollations(sqlite3* db);
 
 /// Folds a text as ZV_FOLD compares it: equal results are equal texts.

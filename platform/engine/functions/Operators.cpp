@@ -2,8 +2,8 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Call.h"
+#include "platform/engine/functions/Functions.h"
 #include "platform/engine/functions/LikePattern.h"
-#include "platform/engine/functions/Text.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Numbers.h"
 
@@ -165,7 +165,7 @@ Value Compare(const Arguments& arguments) {
     if (arguments.IsText(0) != arguments.IsText(1))
         RaiseEngine(TypeMismatchInCriteria);
     if (arguments.IsText(0))
-        return CompareTexts(arguments.TextView(0), arguments.TextView(1));
+        return CompareSorted(arguments.TextView(0), arguments.TextView(1));
     if (arguments.IsWhole(0) && arguments.IsWhole(1)) {
         const std::int64_t a = *arguments.At(0).As<std::int64_t>();
         const std::int64_t b = *arguments.At(1).As<std::int64_t>();

@@ -9,8 +9,4 @@ namespace engine::functions {
 QString ToUpper(QString text);
 QString ToLower(QString text);
 
-/// -1, 0, 1 as the dialect's comparison operators see two texts: equal without regard to case, else by the
-/// alphabet.
-int CompareTexts(QStringView a, QStringView b);
-
 } // namespace engine::functions

@@ -1,4 +1,5 @@
 #include "platform/engine/functions/Call.h"
+#include "platform/engine/functions/Functions.h"
 #include "platform/engine/functions/Text.h"
 #include "platform/runtime/Codec1251.h"
 #include "platform/runtime/Dates.h"
@@ -137,7 +138,7 @@ Value StrComp(const Arguments& arguments) {
     const QString b = arguments.Text(1);
     if (byCase)
         return a < b ? -1 : a == b ? 0 : 1;
-    return CompareTexts(a, b);
+    return CompareSorted(a, b);
 }
 
 Value StrConv(const Arguments& arguments) {

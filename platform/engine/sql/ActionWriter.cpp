@@ -5,6 +5,7 @@
 #include "platform/engine/sql/Words.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -360,7 +361,8 @@ QString ActionWriter::DeleteText(const Delete& remove, Plan& plan, Rows rows) {
     return text;
 }
 
-/// A table made of a query: the columns keep their types, and no keys.
+/// A table made of a query: the columns keep their types, and no keys. A counter goes on counting in the copy
+/// of one table; in any other query its numbers may be missing or repeated.
 void ActionWriter::WriteInto(const Query& query, Plan& plan) {
     const QString& name = query.parts.front().select->into;
     if (m_catalog.FindTable(name))
@@ -371,6 +373,8 @@ void ActionWriter::WriteInto(const Query& query, Plan& plan) {
     plan.verb = Verb::SelectInto;
     plan.target = name;
     plan.intoTable.name = name;
+    const auto& from = query.parts.front().select->from;
+    bool counts = from.size() == 1 && !from.front()->left && !from.front()->query;
     QString names;
     for (const WrittenColumn& column : written.columns) {
         ColumnInfo made;
@@ -378,8 +382,12 @@ void ActionWriter::WriteInto(const Query& query, Plan& plan) {
         made.name.replace(u'.', u'_');
         made.type = column.value.type == DataType::Unknown ? DataType::Text : column.value.type;
         made.allowZeroLength = true;
+        if (made.type == DataType::Counter && !std::exchange(counts, false))
+            made.type = DataType::Long;
         if (made.type == DataType::Text)
             made.size = column.value.size > 0 ? column.value.size : widestText;
+        if (made.type == DataType::Binary)
+            made.size = column.value.size;
         if (plan.intoTable.Find(made.name) >= 0)
             RaiseEngine(ColumnDefinedTwice);
         if (!IsValidName(made.name))

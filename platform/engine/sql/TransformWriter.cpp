@@ -10,6 +10,33 @@ namespace engine::sql {
 namespace {
 
 constexpr std::size_t mostColumns = 255;
+constexpr qsizetype longestName = 64;
+
+/// A heading as the name of a column, without the signs that no name holds.
+QString ColumnName(QString heading) {
+    for (QChar& sign : heading)
+        if (QStringView(u".![]`").contains(sign))
+            sign = u'_';
+    return heading.left(longestName);
+}
+
+/// The text of a heading in the list: a constant, with a sign if it is a number.
+QString ListedText(const Node& heading) {
+    switch (heading.kind) {
+    case NodeKind::Literal:
+        return Lexer::LiteralValue(heading.token).Text();
+    case NodeKind::Null:
+        return u"<>"_s;
+    case NodeKind::Truth:
+        return heading.negated ? u"0"_s : u"-1"_s;
+    case NodeKind::Negate:
+        if (heading.children[0]->kind == NodeKind::Literal)
+            return u'-' + ListedText(*heading.children[0]);
+        [[fallthrough]];
+    default:
+        RaiseEngine(SyntaxInTransform);
+    }
+}
 
 } // namespace
 
@@ -17,9 +44,8 @@ std::vector<TransformWriter::PivotColumn> TransformWriter::ListedColumns(const T
                                                                          ExpressionWriter& writer) const {
     std::vector<PivotColumn> columns;
     for (const NodePtr& heading : transform.headings) {
-        if (heading->kind != NodeKind::Literal)
-            RaiseEngine(SyntaxInTransform);
-        columns.push_back({writer.Value(*heading), Lexer::LiteralValue(heading->token).Text()});
+        const QString name = ColumnName(ListedText(*heading));
+        columns.push_back({writer.Value(*heading), name});
     }
     return columns;
 }
@@ -33,8 +59,7 @@ std::vector<TransformWriter::PivotColumn> TransformWriter::ToldColumns(const std
         column.value.precedence = heading.literal.startsWith(u'-') ? CollatePrecedence : PrimaryPrecedence;
         column.value.type = pivot.type;
         column.value.null = heading.literal == u"NULL";
-        column.name = heading.name;
-        column.name.replace(u'.', u'_'); // a name holds no points
+        column.name = ColumnName(heading.name);
         columns.push_back(std::move(column));
     }
     return columns;

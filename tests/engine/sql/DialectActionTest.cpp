@@ -142,6 +142,37 @@ TEST_F(DialectActionTest, SelectInto) {
     EXPECT_EQ(Execute(QStringLiteral("SELECT x.v00vrid, y.v00vrid INTO pair FROM v00 AS x, v00 AS y")),
               QStringLiteral("rows=1"));
     EXPECT_EQ(Names(QStringLiteral("pair")), QStringLiteral("x_v00vrid|y_v00vrid"));
+    EXPECT_EQ(Execute(QStringLiteral("CREATE TABLE o (b BINARY(4), l LONGBINARY)")),
+              QStringLiteral("rows=0"));
+    const struct {
+        const char16_t* statement;
+        const char16_t* rows;
+        const char16_t* columns; ///< types and sizes
+    } made[] = {
+        {u"SELECT * INTO m1 FROM a02", u"rows=5", u"5:0 4:0 3:0 10:50"},
+        {u"SELECT a02rcid AS x, a02rcid AS y INTO m2 FROM a02", u"rows=5", u"5:0 4:0"},
+        {u"SELECT a01clid, a02rcid INTO m3 FROM a01 LEFT JOIN a02 ON a01clid = a02clid", u"rows=7",
+         u"4:0 4:0"},
+        {u"SELECT a02rcid INTO m4 FROM a02, v00, t02", u"rows=15", u"4:0"},
+        {u"SELECT bit, day, dbl, txt & '1' AS t, id = 1 AS c, COUNT(*) AS n INTO m5 FROM [n 01] GROUP BY "
+         u"bit, "
+         u"day, dbl, txt, id",
+         u"rows=4", u"1:0 9:0 7:0 10:255 3:0 4:0"},
+        {u"SELECT * INTO m6 FROM o", u"rows=0", u"12:4 12:0"},
+    };
+    int number = 0;
+    for (const auto& one : made) {
+        EXPECT_EQ(Execute(QString::fromUtf16(one.statement)), QString::fromUtf16(one.rows));
+        QStringList columns;
+        const auto table = m_database->TableDefs(QStringLiteral("m%1").arg(++number));
+        for (int i = 0; i < table.FieldsCount(); ++i)
+            columns += QStringLiteral("%1:%2")
+                           .arg(static_cast<int>(table.Fields(i).Type()))
+                           .arg(table.Fields(i).Size());
+        EXPECT_EQ(columns.join(u' '), QString::fromUtf16(one.columns)) << number;
+    }
+    EXPECT_EQ(Execute(QStringLiteral("INSERT INTO m1 (a02clid) VALUES (1)")), QStringLiteral("rows=1"));
+    EXPECT_EQ(Open(QStringLiteral("SELECT MAX(a02rcid) FROM m1")), QStringLiteral("6"));
 }
 
 TEST_F(DialectActionTest, Schema) {

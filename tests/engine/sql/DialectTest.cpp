@@ -268,6 +268,23 @@ TEST_F(DialectTest, UnionsAndSubqueries) {
     CheckOpen(cases);
 }
 
+// Texts that differ in a sign that is not seen: not equal, and in one order everywhere.
+TEST_F(DialectTest, UnseenSignsCountAlike) {
+    static const DialectCase cases[] = {
+        {u"SELECT 'а\u00ADб' = 'аб', 'а\u00ADб' <> 'аб', 'а\u00ADб' > 'аб', 'а\u00ADб' <= 'аб'",
+         u"0|-1|0|-1"},
+        {u"SELECT 'а\u00ADб' BETWEEN 'аб' AND 'аб', STRCOMP('а\u00ADб', 'аб'), 'а\u00ADб' IN ('аб')",
+         u"0|-1|0"},
+        {u"SELECT COUNT(*) FROM (SELECT 'аб' AS q FROM v00 UNION SELECT 'а\u00ADб' FROM v00) AS u", u"2"},
+        {u"SELECT LEN(q) FROM (SELECT 'а\u00ADб' AS q FROM v00 UNION ALL SELECT 'аб' FROM v00 UNION ALL "
+         u"SELECT 'абв' FROM v00) AS u ORDER BY q",
+         u"3 / 2 / 3"},
+        {u"SELECT MAX(q) = 'аб' FROM (SELECT 'а\u00ADб' AS q FROM v00 UNION SELECT 'аб' FROM v00) AS u",
+         u"-1"},
+    };
+    CheckOpen(cases);
+}
+
 TEST_F(DialectTest, Transform) {
     static const DialectCase cases[] = {
         {u"TRANSFORM COUNT(*) SELECT a02clid FROM a02 GROUP BY a02clid PIVOT a02code",
@@ -281,6 +298,10 @@ TEST_F(DialectTest, Transform) {
          u"Иванов|Борис|Иван"},
         {u"TRANSFORM SUM(id) SELECT bit FROM [n 01] GROUP BY bit ORDER BY bit DESC PIVOT YEAR(day) - 2000",
          u"0|3|2|NULL / -1|NULL|NULL|5"},
+        {u"TRANSFORM COUNT(*) SELECT 1 FROM [n 01] GROUP BY 1 PIVOT bit IN (TRUE, -1, FALSE, 0, NULL)",
+         u"1|2|2|2|2|NULL"},
+        {u"TRANSFORM COUNT(*) SELECT 1 FROM [n 01] GROUP BY 1 PIVOT dbl IN (-2.5, NULL)", u"1|1|1"},
+        {u"TRANSFORM COUNT(*) SELECT 1 FROM [n 01] GROUP BY 1 PIVOT dbl IN (1 + 1)", u"#3143 "},
         {u"TRANSFORM a02cval SELECT a02clid FROM a02 GROUP BY a02clid PIVOT a02code", u"#3122 "},
         {u"TRANSFORM COUNT(*) SELECT a02clid FROM a02 PIVOT a02code", u"#3143 "},
         {u"TRANSFORM COUNT(*) SELECT a02clid FROM a02 GROUP BY a02clid PIVOT q", u"#3061 "},
@@ -290,6 +311,16 @@ TEST_F(DialectTest, Transform) {
     EXPECT_EQ(
         Names(QStringLiteral("TRANSFORM COUNT(*) SELECT a01clid FROM a01 GROUP BY a01clid PIVOT a01bith")),
         QStringLiteral("a01clid|<>|05_12_1980|29_02_1980|31_01_1975"));
+    // The same value has the same name, told by the rows or listed.
+    const QString days = QStringLiteral("TRANSFORM COUNT(*) SELECT 1 FROM [n 01] GROUP BY 1 PIVOT ");
+    EXPECT_EQ(Names(days + QStringLiteral("day")),
+              QStringLiteral("Expr1000|<>|31_12_2019 18:30:00|31_01_2020|29_02_2020"));
+    EXPECT_EQ(Names(days + QStringLiteral("day IN (NULL, #12/31/2019 18:30#, #1/31/2020#)")),
+              QStringLiteral("Expr1000|<>|31_12_2019 18:30:00|31_01_2020"));
+    EXPECT_EQ(Names(days + QStringLiteral("dbl")), QStringLiteral("Expr1000|<>|-2,5|1,5|2,5"));
+    EXPECT_EQ(Names(days + QStringLiteral("bit IN (FALSE, TRUE, -7)")), QStringLiteral("Expr1000|0|-1|-7"));
+    EXPECT_EQ(Names(days + QStringLiteral("IIF(id = 1, 'a!b[c].d', STRING(70, 'x'))")),
+              QStringLiteral("Expr1000|a_b_c__d|") + QString(64, u'x'));
     m_database->Execute(QStringLiteral("UPDATE a02 SET a02code = 7 WHERE a02code = 3"),
                         engine::dbFailOnError);
     EXPECT_EQ(

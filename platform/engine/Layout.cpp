@@ -32,12 +32,19 @@ constexpr auto types = std::to_array<TypeEntry>({
     {DataType::Binary, u"BINARY(%1)", u"BLOB", u"length(%c) <= %1"},
     {DataType::Binary, u"LONGBINARY", u"BLOB", u"length(%c) <= 2147483646"},
     {DataType::Guid, u"GUID", u"TEXT", u"length(CAST(%c AS BLOB)) <= 76"},
+    {DataType::Currency, u"MONEY", u"INTEGER", u"%c BETWEEN -9223372036854775808 AND 9223372036854775807"},
 });
+
+// CURRENCY as the program kept it first.
+constexpr auto keptAsFraction = std::ranges::find(types, DataType::Currency, &TypeEntry::type);
+constexpr int digitsOfFraction = 15;
 
 const TypeEntry& EntryOf(const sql::ColumnInfo& column) {
     const auto fits = [&](const TypeEntry& entry) {
         const bool sized = QStringView(entry.word).endsWith(u')');
-        return entry.type == column.type && (column.type != DataType::Binary || sized == (column.size > 0));
+        const bool fraction = QStringView(entry.sqlite) == u"REAL";
+        return entry.type == column.type && (column.type != DataType::Binary || sized == (column.size > 0)) &&
+               (column.type != DataType::Currency || fraction == (column.size > 0));
     };
     const auto found = std::ranges::find_if(types, fits);
     return found == types.end() ? types[10] : *found; // what has no form of its own is kept as text
@@ -273,7 +280,7 @@ bool ApplyDeclarations(sql::ColumnInfo& column, const QStringList& checks, bool&
         if (entry == types.end() || size < 0)
             continue;
         column.type = entry->type;
-        column.size = size;
+        column.size = entry == keptAsFraction ? digitsOfFraction : size;
         typed = true;
     }
     if (!IsText(column))

@@ -13,7 +13,11 @@ Value ValueOf(const RowBuffer::Cell& cell, DataType type) {
     case RowBuffer::Cell::Integer:
         if (type == DataType::Bit)
             return cell.integer != 0;
-        if (type == DataType::Single || type == DataType::Double || type == DataType::Currency)
+        if (type == DataType::Currency)
+            return Money{cell.integer};
+        if (type == DataType::Single)
+            return static_cast<float>(cell.integer);
+        if (type == DataType::Double)
             return static_cast<double>(cell.integer);
         if (type == DataType::Date)
             return runtime::DateFromNumber(static_cast<double>(cell.integer));
@@ -21,6 +25,8 @@ Value ValueOf(const RowBuffer::Cell& cell, DataType type) {
     case RowBuffer::Cell::Real:
         if (type == DataType::Date)
             return runtime::DateFromNumber(cell.real);
+        if (type == DataType::Single)
+            return static_cast<float>(cell.real);
         return cell.real;
     case RowBuffer::Cell::Text:
         return cell.text.toString();

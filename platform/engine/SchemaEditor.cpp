@@ -3,6 +3,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/SqliteFailure.h"
 #include "platform/engine/Statement.h"
+#include "platform/engine/sql/Written.h"
 
 #include <sqlite3.h>
 
@@ -225,7 +226,8 @@ void SchemaEditor::AlterColumn(const QString& name, const sql::ColumnInfo& colum
     sources[place] = QStringLiteral("zv_to(%1, %2, '%3', %4)")
                          .arg(static_cast<int>(column.type))
                          .arg(column.size)
-                         .arg(message.replace(u'\'', QLatin1String("''")), QuoteName(old.name));
+                         .arg(message.replace(u'\'', QLatin1String("''")),
+                              sql::Argument(sql::StoredValue(QuoteName(old.name), old.type, old.size)));
     Rebuild(layout, changed, sources);
 }
 

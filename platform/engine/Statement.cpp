@@ -44,6 +44,10 @@ int Statement::Bind(int place, const Value& value) {
         return BindNumber(place, *number);
     if (const auto* fraction = value.As<double>())
         return sqlite3_bind_double(m_statement, place, *fraction);
+    if (const auto* single = value.As<float>())
+        return sqlite3_bind_double(m_statement, place, *single);
+    if (const auto* amount = value.As<Money>())
+        return BindNumber(place, amount->units);
     if (const auto* truth = value.As<bool>())
         return sqlite3_bind_int(m_statement, place, *truth ? 1 : 0);
     if (const auto* date = value.As<QDateTime>())

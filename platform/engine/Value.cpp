@@ -10,6 +10,8 @@ namespace engine {
 
 namespace {
 
+constexpr int digitsOfSingle = 7;
+
 template <class... Cases>
 struct Overloaded : Cases... {
     using Cases::operator()...;
@@ -37,6 +39,7 @@ bool Value::IsNumeric() const {
         }
     }
     return std::holds_alternative<std::int64_t>(m_data) || std::holds_alternative<double>(m_data) ||
+           std::holds_alternative<float>(m_data) || std::holds_alternative<engine::Money>(m_data) ||
            std::holds_alternative<bool>(m_data);
 }
 
@@ -45,6 +48,8 @@ QString Value::Text() const {
                           [](std::monostate) { return QString(); },
                           [](std::int64_t number) { return QString::number(number); },
                           [](double number) { return runtime::NumberToText(number); },
+                          [](float number) { return runtime::NumberToText(number, digitsOfSingle); },
+                          [](engine::Money amount) { return amount.Text(); },
                           [](const QString& text) { return text; },
                           [](const QDateTime& date) { return runtime::DateToText(date); },
                           [](bool truth) { return truth ? QStringLiteral("-1") : QStringLiteral("0"); },
@@ -78,12 +83,29 @@ double Value::Number() const {
                           [](std::monostate) -> double { runtime::Raise(runtime::InvalidUseOfNull); },
                           [](std::int64_t number) { return static_cast<double>(number); },
                           [](double number) { return number; },
+                          [](float number) { return static_cast<double>(number); },
+                          [](engine::Money amount) { return amount.Number(); },
                           [](const QString& text) { return runtime::TextToNumber(text); },
                           [](const QDateTime& date) { return runtime::NumberFromDate(date); },
                           [](bool truth) { return truth ? -1.0 : 0.0; },
                           [](const QByteArray&) -> double { runtime::Raise(runtime::TypeMismatch); },
                       },
                       m_data);
+}
+
+engine::Money Value::Money() const {
+    if (const auto* amount = std::get_if<engine::Money>(&m_data))
+        return *amount;
+    if (const auto* whole = std::get_if<std::int64_t>(&m_data))
+        return engine::Money::FromWhole(*whole);
+    const double number = Number();
+    if (const auto* text = std::get_if<QString>(&m_data)) {
+        QString digits = *text;
+        digits.removeIf([](QChar c) { return c.isSpace(); }); // a number holds them between thousands alone
+        if (const auto amount = engine::Money::FromDigits(digits, u','))
+            return *amount;
+    }
+    return engine::Money::FromNumber(number);
 }
 
 } // namespace engine

@@ -219,11 +219,10 @@ double RoundHalfEven(double value) {
     return std::fmod(floor, 2) == 0 ? floor : floor + 1;
 }
 
-QString NumberToText(double value) {
-    constexpr int SignificantDigits = 15;
+QString NumberToText(double value, int digits) {
     if (value == 0)
         return QStringLiteral("0");
-    QString text = QString::number(value, 'g', SignificantDigits).toUpper();
+    QString text = QString::number(value, 'g', digits).toUpper();
     text.replace(u'.', u',');
     return text;
 }

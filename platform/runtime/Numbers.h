@@ -26,8 +26,9 @@ double Val(const QString& text);
 /// Rounds half to the even neighbour.
 double RoundHalfEven(double value);
 
-/// Decimal text of a number as CStr writes it: at most 15 digits, decimal comma, no thousands sign.
-QString NumberToText(double value);
+/// Decimal text of a number as CStr writes it: at most 15 digits or those given, decimal comma, no
+/// thousands sign.
+QString NumberToText(double value, int digits = 15);
 
 /// Blanks (U+0020 only) off both ends.
 QString Trim(const QString& text);

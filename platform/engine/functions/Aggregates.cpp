@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <optional>
 
 namespace engine::functions {
 
@@ -20,6 +21,11 @@ struct FreeValue {
 /// The first or the last value in the order of delivery.
 struct Edge {
     std::unique_ptr<sqlite3_value, FreeValue> value;
+};
+
+/// The sum of amounts of money; none of no row.
+struct Sum {
+    std::optional<Money> amount;
 };
 
 /// The value of the only row.
@@ -90,6 +96,23 @@ void EndEdge(sqlite3_context* context) {
         sqlite3_result_value(context, edge->value.get());
 }
 
+void StepSum(sqlite3_context* context, int, sqlite3_value** values) {
+    Sum* sum = StateOf<Sum>(context);
+    if (!sum || sqlite3_value_type(values[0]) == SQLITE_NULL)
+        return;
+    try {
+        sum->amount = sum->amount.value_or(Money{}) + Money{sqlite3_value_int64(values[0])};
+    } catch (...) { // no exception may pass through SQLite
+        SetFailure(context);
+    }
+}
+
+void EndSum(sqlite3_context* context) {
+    const auto sum = EndState<Sum>(context);
+    if (sum && sum->amount)
+        sqlite3_result_int64(context, sum->amount->units);
+}
+
 void StepSingle(sqlite3_context* context, int, sqlite3_value** values) {
     Single* single = StateOf<Single>(context);
     if (!single)
@@ -151,6 +174,7 @@ void RegisterAggregates(sqlite3* db) {
     };
     add("zv_first", StepEdge<false>, EndEdge);
     add("zv_last", StepEdge<true>, EndEdge);
+    add("zv_sum", StepSum, EndSum);
     add("zv_single", StepSingle, EndSingle);
     add("zv_stdev", StepSpread, EndSpread<true, true>);
     add("zv_stdevp", StepSpread, EndSpread<false, true>);

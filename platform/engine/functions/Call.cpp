@@ -18,6 +18,16 @@ namespace {
 /// What a function of ours has thrown, on its way round SQLite's frames.
 thread_local std::exception_ptr thrown;
 
+// Marks of types that SQLite does not know; they live from one function to the next around it.
+constexpr unsigned moneyMark = 'c';
+constexpr unsigned singleMark = 's';
+
+/// Whether it is no wider than the dialect's whole numbers.
+bool IsLong(std::int64_t whole) {
+    return whole >= std::numeric_limits<std::int32_t>::min() &&
+           whole <= std::numeric_limits<std::int32_t>::max();
+}
+
 void SetText(sqlite3_context* context, const QString& text) {
     sqlite3_result_text16(context, text.utf16(), static_cast<int>(text.size() * 2), SQLITE_TRANSIENT);
 }
@@ -46,7 +56,7 @@ bool Arguments::IsText(int place) const {
 }
 
 bool Arguments::IsWhole(int place) const {
-    return sqlite3_value_type(m_values[place]) == SQLITE_INTEGER;
+    return At(place).As<std::int64_t>() != nullptr;
 }
 
 bool Arguments::IsBytes(int place) const {
@@ -66,6 +76,10 @@ QStringView Arguments::TextView(int place) const {
     if (!text)
         return {};
     return {text, sqlite3_value_bytes16(m_values[place]) / 2};
+}
+
+std::optional<Money> Arguments::Units(int place) const {
+    return IsNull(place) ? std::nullopt : std::optional(Money{sqlite3_value_int64(m_values[place])});
 }
 
 double Arguments::Number(int place) const {
@@ -94,10 +108,18 @@ double NumberOf(const QDateTime& date) {
 
 Value FromSqlite(sqlite3_value* value) {
     switch (sqlite3_value_type(value)) {
-    case SQLITE_INTEGER:
-        return Value(static_cast<std::int64_t>(sqlite3_value_int64(value)));
+    case SQLITE_INTEGER: {
+        const std::int64_t whole = sqlite3_value_int64(value);
+        if (sqlite3_value_subtype(value) == moneyMark)
+            return Money{whole};
+        if (!IsLong(whole))
+            return static_cast<double>(whole);
+        return whole;
+    }
     case SQLITE_FLOAT:
-        return Value(sqlite3_value_double(value));
+        if (sqlite3_value_subtype(value) == singleMark)
+            return static_cast<float>(sqlite3_value_double(value));
+        return sqlite3_value_double(value);
     case SQLITE_TEXT: {
         const auto* text = static_cast<const QChar*>(sqlite3_value_text16(value));
         return Value(text ? QString(text, sqlite3_value_bytes16(value) / 2) : QString());
@@ -112,9 +134,18 @@ Value FromSqlite(sqlite3_value* value) {
 }
 
 void SetResult(sqlite3_context* context, const Value& value) {
-    if (const auto* whole = value.As<std::int64_t>())
-        sqlite3_result_int64(context, *whole);
-    else if (const auto* number = value.As<double>())
+    if (const auto* whole = value.As<std::int64_t>()) {
+        if (IsLong(*whole))
+            sqlite3_result_int64(context, *whole);
+        else
+            sqlite3_result_double(context, static_cast<double>(*whole));
+    } else if (const auto* amount = value.As<Money>()) {
+        sqlite3_result_int64(context, amount->units);
+        sqlite3_result_subtype(context, moneyMark);
+    } else if (const auto* single = value.As<float>()) {
+        sqlite3_result_double(context, *single);
+        sqlite3_result_subtype(context, singleMark);
+    } else if (const auto* number = value.As<double>())
         sqlite3_result_double(context, *number);
     else if (const auto* text = value.As<QString>())
         SetText(context, *text);

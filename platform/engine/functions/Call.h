@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace engine::functions {
@@ -35,6 +36,9 @@ public:
     /// The text where it lies, without a copy; only of a text.
     QStringView TextView(int place) const;
 
+    /// CURRENCY as SQLite keeps it, without a mark.
+    std::optional<Money> Units(int place) const;
+
     // Conversions by regional settings. Failures: 94 on NULL, 13 on a text that is none, 6 out of range.
     double Number(int place) const;
     std::int32_t Long(int place) const;
@@ -49,7 +53,8 @@ private:
     sqlite3_value** m_values;
 };
 
-/// A value of SQLite's as ours.
+/// A value of SQLite's as ours: amounts of money and numbers of type SINGLE by the mark that a function has
+/// put on them, whole numbers beyond 32 bits as fractions.
 Value FromSqlite(sqlite3_value* value);
 
 /// The date of a date number; failure 6 outside 1.1.100 to 31.12.9999.
@@ -57,7 +62,8 @@ QDateTime DateOf(double number);
 /// The date number of a date; failure 5 outside the same range.
 double NumberOf(const QDateTime& date);
 
-/// Hands a value to SQLite: dates as date numbers, truths as 0 and 1.
+/// Hands a value to SQLite: dates as date numbers, truths as 0 and 1, amounts of money as marked
+/// ten-thousandths.
 void SetResult(sqlite3_context* context, const Value& value);
 /// Ends the statement and keeps the exception that is being handled for RethrowFailure. Only inside a
 /// handler.

@@ -46,21 +46,22 @@ QStringView Unnamed(QStringView picture) {
     return picture;
 }
 
-std::optional<double> NumberOfValue(const Value& value) {
+std::optional<Value> NumberOfValue(const Value& value) {
     try {
-        return value.Number();
+        const double number = value.Number();
+        return value.As<Money>() || value.As<float>() ? value : Value(number);
     } catch (const runtime::Failure&) {
         return std::nullopt;
     }
 }
 
 /// The number that a number picture shows; a date counts by its number. None for other texts.
-std::optional<double> NumberToShow(const Value& value) {
+std::optional<Value> NumberToShow(const Value& value) {
     if (const auto number = NumberOfValue(value))
         return number;
     const auto* text = value.As<QString>();
     const auto date = text ? runtime::TryTextToDate(*text) : std::nullopt;
-    return date ? std::optional(runtime::NumberFromDate(*date)) : std::nullopt;
+    return date ? std::optional(Value(runtime::NumberFromDate(*date))) : std::nullopt;
 }
 
 /// The date that a date picture shows; failure 6 for a number that is none. None for other texts.
@@ -72,7 +73,7 @@ std::optional<QDateTime> DateToShow(const Value& value) {
             return date;
     }
     const auto number = NumberOfValue(value);
-    return number ? std::optional(DateOf(*number)) : std::nullopt;
+    return number ? std::optional(DateOf(number->Number())) : std::nullopt;
 }
 
 QString FormatNull(const Picture& picture, Picture::Kind kind) {
@@ -140,7 +141,7 @@ QString Format(const Value& value, const QString& given, int first, int rule) {
     if (kind == Picture::Text)
         return FormatText(value.Text(), picture);
     const auto number = NumberToShow(value);
-    return number && std::isfinite(*number) ? FormatNumber(*number, picture) : value.Text();
+    return number && std::isfinite(number->Number()) ? FormatNumber(*number, picture) : value.Text();
 }
 
 } // namespace engine::functions

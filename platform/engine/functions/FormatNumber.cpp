@@ -12,13 +12,22 @@ namespace {
 constexpr QChar decimalComma = u',';
 constexpr QChar thousandsSign = u'\u00A0';
 
-/// The 15 digits that a number is shown by, without its sign: 0.digits times ten to the power of `point`.
+/// The digits that a number is shown by, without its sign: 0.digits times ten to the power of `point`.
 class Decimal {
 public:
-    explicit Decimal(double number) {
+    explicit Decimal(const Value& value) {
+        const double number = value.Number();
         if (number == 0)
             return;
-        const QByteArray text = QByteArray::number(std::abs(number), 'e', 14);
+        if (const auto* amount = value.As<Money>()) {
+            // A whole number of ten-thousandths.
+            m_digits = QByteArray::number(qlonglong{amount->units}).replace("-", "");
+            m_point = static_cast<int>(m_digits.size()) - 4;
+            while (m_digits.endsWith('0'))
+                m_digits.chop(1);
+            return;
+        }
+        const QByteArray text = QByteArray::number(std::abs(number), 'e', value.As<float>() ? 6 : 14);
         const qsizetype exponent = text.indexOf('e');
         m_digits = text.first(exponent).replace(".", "");
         while (m_digits.endsWith('0'))
@@ -83,7 +92,7 @@ public:
 
     bool HasDigits() const { return m_wholes + m_decimals > 0; }
 
-    QString Write(double number) {
+    QString Write(const Value& number) {
         Decimal decimal(number);
         decimal.Shift(2 * m_percents - 3 * m_scales);
         if (m_exponentAt < m_section.size())
@@ -231,12 +240,13 @@ private:
 
 } // namespace
 
-QString FormatNumber(double number, const Picture& picture) {
+QString FormatNumber(const Value& value, const Picture& picture) {
+    const double number = value.Number();
     const bool zero = number == 0;
     const std::size_t wanted = zero ? 2 : number < 0 ? 1 : 0;
     const std::size_t chosen = picture.At(wanted).empty() ? 0 : wanted;
     NumberWriter writer(picture.At(chosen));
-    const QString text = writer.Write(number);
+    const QString text = writer.Write(value);
     const bool signShown = number < 0 && chosen == 0 && writer.HasDigits() && !writer.IsZero();
     return signShown ? u'-' + text : text;
 }

@@ -57,6 +57,15 @@ const FunctionInfo* FindFunction(QStringView name);
 ///                               (with NULL for `name`: no failure, what does not fit becomes NULL)
 ///   zv_datetext(number)         a date number as the text of its date, for & and CSTR of what is known to be
 ///   a date zv_required(name, value)    the value, failure 3314 if it is NULL; with NULL for `name` 3058
+///   zv_whole(value)             the value; whole numbers beyond 32 bits become fractions
+///   zv_cur(units), zv_sng(n)    marked as an amount of money in ten-thousandths, a number of type SINGLE,
+///   for the
+///                               function around it
+///   zv_tomoney(value)           in ten-thousandths; failure 6 beyond the range of CURRENCY
+///   zv_keptmoney(fraction)      the same of a column of an older file, held to the range
+///   zv_units(number)            in ten-thousandths, to be compared with them: no whole number if it is no
+///   amount zv_madd, zv_msub, zv_mmul   the operators for two amounts in ten-thousandths; failure 6
+///   zv_sum(units)               aggregate: the sum of amounts in ten-thousandths; failure 6
 ///   zv_single(value)            aggregate: the value of the only row, NULL of none, failure 3354 of several
 /// A failure inside a function reaches the caller through RethrowFailure.
 /// Date values are date numbers (days since 30.12.1899) inside SQLite; truths are 0 and 1 there and -1 when

@@ -46,7 +46,7 @@ Value CSng(const Arguments& arguments) {
     const double number = arguments.Number(0);
     if (!(std::abs(number) <= std::numeric_limits<float>::max()))
         Raise(runtime::Overflow);
-    return static_cast<double>(static_cast<float>(number));
+    return static_cast<float>(number);
 }
 
 Value CDbl(const Arguments& arguments) {
@@ -54,11 +54,7 @@ Value CDbl(const Arguments& arguments) {
 }
 
 Value CCur(const Arguments& arguments) {
-    constexpr double greatest = 922337203685477.5;
-    const double number = arguments.Number(0);
-    if (!(std::abs(number) <= greatest))
-        Raise(runtime::Overflow);
-    return runtime::RoundHalfEven(number * 10000) / 10000;
+    return arguments.At(0).Money();
 }
 
 Value CBool(const Arguments& arguments) {
@@ -72,11 +68,15 @@ Value CBool(const Arguments& arguments) {
     return arguments.Number(0) != 0;
 }
 
-/// A function from number to number that leaves NULL and whole numbers as they are.
-template <double (*Change)(double)>
+/// A function from number to number that leaves NULL and whole numbers as they are; `ChangeMoney` does the
+/// same with amounts.
+template <double (*Change)(double), Money (Money::*ChangeMoney)() const>
 Value Rounded(const Arguments& arguments) {
-    if (arguments.IsNull(0) || arguments.IsWhole(0))
-        return arguments.At(0);
+    const Value value = arguments.At(0);
+    if (value.IsNull() || value.As<std::int64_t>())
+        return value;
+    if (const auto* amount = value.As<Money>())
+        return (amount->*ChangeMoney)();
     return Change(arguments.Number(0));
 }
 
@@ -93,8 +93,11 @@ Value Round(const Arguments& arguments) {
     const std::int32_t digits = arguments.Has(1) && !arguments.IsNull(1) ? arguments.Long(1) : 0;
     if (digits < 0 || digits > mostDigits)
         Raise(runtime::InvalidCall);
-    if (arguments.IsNull(0) || arguments.IsWhole(0))
-        return arguments.At(0);
+    const Value value = arguments.At(0);
+    if (value.IsNull() || value.As<std::int64_t>())
+        return value;
+    if (const auto* amount = value.As<Money>())
+        return amount->Rounded(digits);
     const double number = arguments.Number(0);
     const double scale = std::pow(10.0, digits);
     const double scaled = number * scale;
@@ -105,11 +108,11 @@ Value Round(const Arguments& arguments) {
 Value Abs(const Arguments& arguments) {
     if (arguments.IsNull(0))
         return {};
-    if (arguments.IsWhole(0)) {
-        const std::int64_t whole = *arguments.At(0).As<std::int64_t>();
-        if (whole != std::numeric_limits<std::int64_t>::min())
-            return whole < 0 ? -whole : whole;
-    }
+    const Value value = arguments.At(0);
+    if (const auto* whole = value.As<std::int64_t>())
+        return *whole < 0 ? -*whole : *whole;
+    if (const auto* amount = value.As<Money>())
+        return amount->Abs();
     return std::abs(arguments.Number(0));
 }
 
@@ -178,8 +181,8 @@ constexpr ScalarFunction functions[] = {
     {{"CDBL", 1, 1, DataType::Double}, CDbl},
     {{"CCUR", 1, 1, DataType::Currency}, CCur},
     {{"CBOOL", 1, 1, DataType::Bit}, CBool},
-    {{"INT", 1, 1, DataType::Unknown}, Rounded<Down>},
-    {{"FIX", 1, 1, DataType::Unknown}, Rounded<TowardsZero>},
+    {{"INT", 1, 1, DataType::Unknown}, Rounded<Down, &Money::Floor>},
+    {{"FIX", 1, 1, DataType::Unknown}, Rounded<TowardsZero, &Money::Truncated>},
     {{"ROUND", 1, 2, DataType::Unknown}, Round},
     {{"ABS", 1, 1, DataType::Unknown}, Abs},
     {{"SGN", 1, 1, DataType::Short}, Sgn},

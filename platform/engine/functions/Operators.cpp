@@ -212,7 +212,80 @@ Value DateText(const Arguments& arguments) {
     return runtime::DateToText(arguments.Date(0));
 }
 
+/// The same value; whole numbers beyond 32 bits have become fractions on their way.
+Value Whole(const Arguments& arguments) {
+    Value value = arguments.At(0);
+    return value.As<double>() ? Finite(*value.As<double>()) : value;
+}
+
+Value MarkedMoney(const Arguments& arguments) {
+    const auto amount = arguments.Units(0);
+    return amount ? Value(*amount) : Value();
+}
+
+Value MarkedSingle(const Arguments& arguments) {
+    return arguments.IsNull(0) ? Value() : Value(static_cast<float>(arguments.Number(0)));
+}
+
+Value ToMoney(const Arguments& arguments) {
+    return arguments.IsNull(0) ? Value() : arguments.At(0).Money();
+}
+
+/// A fraction that an older file keeps; the limits themselves lie a little outside as fractions.
+Value KeptMoney(const Arguments& arguments) {
+    constexpr double end = 922337203685477.5;
+    if (arguments.IsNull(0))
+        return {};
+    const double number = arguments.Number(0);
+    if (std::abs(number) <= end)
+        return Money::FromNumber(number);
+    return Money{number < 0 ? std::numeric_limits<std::int64_t>::min()
+                            : std::numeric_limits<std::int64_t>::max()};
+}
+
+/// A number in ten-thousandths to be compared with an amount: exact where it is one, else between two.
+Value InUnits(const Arguments& arguments) {
+    const Value value = arguments.At(0);
+    if (value.IsNull())
+        return value;
+    if (value.As<std::int64_t>() || value.As<Money>())
+        return value.Money();
+    const double number = Operand(value);
+    constexpr double surelyWithin = 922337203685477;
+    if (std::abs(number) <= surelyWithin) {
+        const Money nearest = Money::FromNumber(number);
+        if (nearest.Number() == number)
+            return nearest;
+    }
+    return number * Money::unitsOfOne;
+}
+
+enum class Step { Add, Subtract, Multiply };
+
+template <Step step>
+Value OfAmounts(const Arguments& arguments) {
+    const auto a = arguments.Units(0);
+    const auto b = arguments.Units(1);
+    if (!a || !b)
+        return {};
+    if constexpr (step == Step::Add)
+        return *a + *b;
+    else if constexpr (step == Step::Subtract)
+        return *a - *b;
+    else
+        return *a * *b;
+}
+
 constexpr ScalarFunction functions[] = {
+    {{"WHOLE", 1, 1, DataType::Long}, Whole},
+    {{"CUR", 1, 1, DataType::Currency}, MarkedMoney},
+    {{"SNG", 1, 1, DataType::Single}, MarkedSingle},
+    {{"TOMONEY", 1, 1, DataType::Currency}, ToMoney},
+    {{"KEPTMONEY", 1, 1, DataType::Currency}, KeptMoney},
+    {{"UNITS", 1, 1, DataType::Double}, InUnits},
+    {{"MADD", 2, 2, DataType::Currency}, OfAmounts<Step::Add>},
+    {{"MSUB", 2, 2, DataType::Currency}, OfAmounts<Step::Subtract>},
+    {{"MMUL", 2, 2, DataType::Currency}, OfAmounts<Step::Multiply>},
     {{"LIKE", 2, 2, DataType::Bit}, LikeOperator},
     {{"DIV", 2, 2, DataType::Double}, Divide},
     {{"INTDIV", 2, 2, DataType::Long}, DivideWhole},

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/engine/Value.h"
+
 #include <QDateTime>
 #include <QString>
 #include <QStringView>
@@ -39,7 +41,8 @@ private:
 /// Length of the sign for the halves of a day (AM/PM, A/P, AMPM) that starts there; 0 if there is none.
 std::size_t HalfDayLength(Section section, std::size_t place);
 
-QString FormatNumber(double number, const Picture& picture);
+/// Of a number as it is shown: a fraction to 15 digits, one of type SINGLE to 7, an amount of money to all.
+QString FormatNumber(const Value& number, const Picture& picture);
 /// How a year is parted into weeks: see WeekdayOf and WeekOf.
 struct Weeks {
     int first = 1;

@@ -38,6 +38,16 @@ Value WholeOf(const Value& value) {
     return WholeFor(value, std::numeric_limits<Whole>::min(), std::numeric_limits<Whole>::max());
 }
 
+/// `digits`: 0, or those of a column that keeps a fraction.
+Value MoneyFor(const Value& value, int digits) {
+    try {
+        const Money amount = value.Money();
+        return digits > 0 ? Value(amount.Number()) : Value(amount);
+    } catch (const runtime::Failure& failure) {
+        RaiseEngine(failure.number() == runtime::Overflow ? NumberOutOfRange : TypeMismatchInCriteria);
+    }
+}
+
 double NumberWithin(const Value& value, double greatest) {
     const double number = NumberFor(value);
     if (!(std::abs(number) <= greatest))
@@ -82,7 +92,6 @@ Value BytesFor(const Value& value, int size) {
 } // namespace
 
 Value ToColumn(const Value& value, DataType type, int size, const QString& /*name*/) {
-    constexpr double greatestCurrency = 922337203685477.5;
     if (value.IsNull())
         return type == DataType::Bit ? Value(false) : Value();
     switch (type) {
@@ -101,7 +110,7 @@ Value ToColumn(const Value& value, DataType type, int size, const QString& /*nam
     case DataType::Double:
         return NumberWithin(value, std::numeric_limits<double>::max());
     case DataType::Currency:
-        return runtime::RoundHalfEven(NumberWithin(value, greatestCurrency) * 10000) / 10000;
+        return MoneyFor(value, size);
     case DataType::Date:
         return DateFor(value);
     case DataType::Text:

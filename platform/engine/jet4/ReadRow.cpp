@@ -117,7 +117,7 @@ Value NumberValue(DataType type, Bytes bytes) {
     case DataType::Counter:
         return std::int64_t{static_cast<std::int32_t>(bytes.U32(0))};
     case DataType::Currency:
-        return static_cast<double>(static_cast<std::int64_t>(bytes.U64(0))) / 10000;
+        return engine::Money{static_cast<std::int64_t>(bytes.U64(0))};
     case DataType::Single:
         return Finite(bytes.F32(0));
     case DataType::Double:

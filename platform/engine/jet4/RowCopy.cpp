@@ -74,6 +74,8 @@ bool Equals(const Statement& statement, int column, const Value& value) {
     }
     if (const auto* whole = value.As<std::int64_t>())
         return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == *whole;
+    if (const auto* amount = value.As<Money>())
+        return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == amount->units;
     if (const auto* truth = value.As<bool>())
         return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == (*truth ? 1 : 0);
     if (const auto* number = value.As<double>())

@@ -31,7 +31,7 @@ bool Fits(const Written& value, const ColumnInfo& column, int size) {
     if (value.condition || value.null)
         return value.null;
     if (value.type == column.type && KindOf(column.type) != TypeKind::Text)
-        return IsWholeNumber(column.type) || column.type == DataType::Date;
+        return (IsWholeNumber(column.type) && !value.wide) || column.type == DataType::Date;
     if (value.type == DataType::Text && column.type == DataType::Text)
         return size > 0 && size <= column.size;
     const bool text = value.type == DataType::Text || value.type == DataType::Memo;
@@ -68,7 +68,8 @@ QString ActionWriter::Converted(const Written& value, const TableInfo& table, in
     QString text = value.text;
     if (!Fits(value, target, size))
         text = u"zv_to("_s + QString::number(static_cast<int>(target.type)) + u", "_s +
-               QString::number(target.size) + u", "_s + FullName(table, column) + u", "_s + text + u')';
+               QString::number(target.size) + u", "_s + FullName(table, column) + u", "_s + Argument(value) +
+               u')';
     if (IsKey(table, column) && !m_context.lenient)
         text = u"zv_required("_s + MissingKey(table, column) + u", "_s + text + u')';
     return text;
@@ -153,8 +154,7 @@ QString ActionWriter::InsertQueryText(const Insert& insert, const TableInfo& tab
         RaiseEngine(InsertColumnsDiffer);
     NewRow row;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        Written value = query.columns[i].value;
-        value.text = u'c' + QString::number(i);
+        Written value = DeliveredValue(query.columns[i].value, u'c' + QString::number(i));
         value.condition = false;
         row.push_back({columns[i], Converted(value, table, columns[i], value.size)});
     }
@@ -397,8 +397,7 @@ void ActionWriter::WriteInto(const Query& query, Plan& plan) {
     }
     QString values;
     for (std::size_t i = 0; i < written.columns.size(); ++i) {
-        Written value = written.columns[i].value;
-        value.text = u'c' + QString::number(i);
+        Written value = DeliveredValue(written.columns[i].value, u'c' + QString::number(i));
         value.condition = false;
         values += (i == 0 ? QString() : u", "_s) +
                   Converted(value, plan.intoTable, static_cast<int>(i), value.size);

@@ -46,20 +46,43 @@ bool Names(std::u16string_view name, const QString& word) {
     return SameName(QStringView(name), word);
 }
 
-/// The type of a choice: what all its results have in common.
-class ChoiceType {
+/// The CASE of a choice. Its type is what all its results have in common.
+class Choice {
 public:
-    void Add(const Written& value) {
-        if (value.null)
+    explicit Choice(const QString& start)
+        : m_texts{start} {}
+
+    /// `words` stand in front of the result.
+    void Add(const QString& words, const Written& result) {
+        m_texts.back() += words;
+        m_texts.emplace_back();
+        m_results.push_back(result);
+        m_wide = m_wide || result.wide;
+        if (result.null)
             return;
-        m_type = m_any ? CommonType(m_type, value.type) : value.type;
+        m_type = m_any ? CommonType(m_type, result.type) : result.type;
         m_any = true;
     }
-    DataType Type() const { return m_any ? m_type : DataType::Unknown; }
+
+    Written Take() const {
+        Written choice;
+        choice.type = m_type;
+        choice.wide = m_wide;
+        const bool amounts = m_type == DataType::Currency;
+        for (std::size_t i = 0; i < m_results.size(); ++i)
+            choice.text += m_texts[i] + (amounts ? Units(m_results[i]) : m_results[i].text);
+        choice.text += u" END"_s;
+        if (amounts)
+            SetMoney(choice, choice.text);
+        return choice;
+    }
 
 private:
+    std::vector<QString> m_texts; ///< in front of each result
+    std::vector<Written> m_results;
     DataType m_type = DataType::Unknown;
     bool m_any = false;
+    bool m_wide = false;
 };
 
 int AggregateFailure(AggregateRule rule) {
@@ -110,6 +133,7 @@ std::optional<Written> ExpressionWriter::WriteAggregate(const Node& node) {
     m_sawAggregate = true;
     Written result;
     result.type = found->result == Aggregate::Whole ? DataType::Long : DataType::Double;
+    QString function = QString::fromUtf16(found->function);
     const QString filter = m_filter.isEmpty() ? QString() : u" FILTER (WHERE "_s + m_filter + u')';
     if (node.all) {
         result.text = u"count(*)"_s + filter;
@@ -120,16 +144,22 @@ std::optional<Written> ExpressionWriter::WriteAggregate(const Node& node) {
     if (found->result == Aggregate::Same) {
         result.type = value.type == DataType::Counter ? DataType::Long : value.type;
         result.size = value.size;
+        result.wide = value.wide;
         argument = Sorted(value);
     } else if (found->result == Aggregate::Fraction) {
         if (value.Kind() == TypeKind::Text || value.Kind() == TypeKind::Bytes)
             m_context.AddTypeMismatch();
         if (value.Kind() == TypeKind::Unknown && !value.null)
             argument = u"zv_add("_s + value.text + u", 0)"_s;
-        if (value.type == DataType::Currency)
+        if (function == u"sum("_s && !value.money.isEmpty()) {
+            function = u"zv_sum("_s;
+            argument = value.money;
             result.type = DataType::Currency;
+        }
     }
-    result.text = QString::fromUtf16(found->function) + argument + u')' + filter;
+    result.text = function + argument + u')' + filter;
+    if (result.type == DataType::Currency)
+        SetMoney(result, result.text);
     return result;
 }
 
@@ -141,10 +171,9 @@ Written ExpressionWriter::WriteAggregated(const Node& node) {
     Written value = Value(node);
     if (m_sawOuter && !m_sawOwn && !m_scope.Sources().empty()) {
         // SQLite would take the aggregate for one of the statement around this one.
-        value.text = u"CASE "_s + m_scope.Sources().front().columns.front().value.text + u" WHEN 0 THEN "_s +
-                     value.text + u" ELSE "_s + value.text + u" END"_s;
-        value.precedence = PrimaryPrecedence;
-        value.collated = false;
+        const QString text = Delivered(value).text;
+        value = DeliveredValue(value, u"CASE "_s + m_scope.Sources().front().columns.front().value.text +
+                                          u" WHEN 0 THEN "_s + text + u" ELSE "_s + text + u" END"_s);
     }
     m_sawOwn = m_sawOwn || own;
     m_sawOuter = m_sawOuter || outer;
@@ -175,63 +204,43 @@ std::optional<Written> ExpressionWriter::WriteChoice(const Node& node) {
 
 /// CASE computes only what it needs, as the engine does. An IIF in the last place continues the same CASE.
 Written ExpressionWriter::WriteIif(const Node& node) {
-    ChoiceType type;
-    QString text = u"CASE"_s;
+    Choice choice(u"CASE"_s);
     const Node* current = &node;
     for (;;) {
         if (current->children.size() != 3)
             FailArguments(*current);
-        text += u" WHEN "_s + Condition(*current->children[0]).text;
-        const Written chosen = Value(*current->children[1]);
-        type.Add(chosen);
-        text += u" THEN "_s + chosen.text;
+        const QString condition = Condition(*current->children[0]).text;
+        choice.Add(u" WHEN "_s + condition + u" THEN "_s, Value(*current->children[1]));
         const Node& otherwise = *current->children[2];
         if (otherwise.kind == NodeKind::Call && !otherwise.all && Names(u"IIF", otherwise.name)) {
             current = &otherwise;
             continue;
         }
-        const Written other = Value(otherwise);
-        type.Add(other);
-        Written result;
-        result.text = text + u" ELSE "_s + other.text + u" END"_s;
-        result.type = type.Type();
-        return result;
+        choice.Add(u" ELSE "_s, Value(otherwise));
+        return choice.Take();
     }
 }
 
 Written ExpressionWriter::WriteSwitch(const Node& node) {
     if (node.children.empty() || node.children.size() % 2 != 0)
         FailArguments(node);
-    ChoiceType type;
-    QString text = u"CASE"_s;
+    Choice choice(u"CASE"_s);
     for (std::size_t i = 0; i < node.children.size(); i += 2) {
-        text += u" WHEN "_s + Condition(*node.children[i]).text;
-        const Written value = Value(*node.children[i + 1]);
-        type.Add(value);
-        text += u" THEN "_s + value.text;
+        const QString condition = Condition(*node.children[i]).text;
+        choice.Add(u" WHEN "_s + condition + u" THEN "_s, Value(*node.children[i + 1]));
     }
-    Written result;
-    result.text = text + u" END"_s;
-    result.type = type.Type();
-    return result;
+    return choice.Take();
 }
 
 Written ExpressionWriter::WriteChoose(const Node& node) {
     if (node.children.size() < 2)
         FailArguments(node);
     const Written index = Value(*node.children[0]);
-    ChoiceType type;
-    QString text =
-        IsWholeNumber(index.type) ? u"CASE "_s + index.text : u"CASE zv_round("_s + index.text + u')';
-    for (std::size_t i = 1; i < node.children.size(); ++i) {
-        const Written value = Value(*node.children[i]);
-        type.Add(value);
-        text += u" WHEN "_s + QString::number(i) + u" THEN "_s + value.text;
-    }
-    Written result;
-    result.text = text + u" END"_s;
-    result.type = type.Type();
-    return result;
+    Choice choice(IsWholeNumber(index.type) ? u"CASE "_s + index.text
+                                            : u"CASE zv_round("_s + index.text + u')');
+    for (std::size_t i = 1; i < node.children.size(); ++i)
+        choice.Add(u" WHEN "_s + QString::number(i) + u" THEN "_s, Value(*node.children[i]));
+    return choice.Take();
 }
 
 Written ExpressionWriter::WriteFunction(const Node& node) {
@@ -255,11 +264,15 @@ Written ExpressionWriter::WriteFunction(const Node& node) {
         if (readsText && value.Kind() == TypeKind::Date)
             result.text += u"zv_datetext("_s + value.text + u')';
         else
-            result.text += value.text;
-        if (i == 0 && info->result == DataType::Unknown)
+            result.text += Argument(value);
+        if (i == 0 && info->result == DataType::Unknown) {
             result.type = value.Kind() == TypeKind::Text ? DataType::Double : value.type;
+            result.wide = value.wide;
+        }
     }
     result.text += u')';
+    if (result.type == DataType::Currency)
+        SetMoney(result, result.text);
     // A truth may come as 1 or as -1.
     if (info->result == DataType::Bit) {
         result.text += u" <> 0"_s;

@@ -28,6 +28,8 @@ QString InlineText(const Token& token) {
     case TokenKind::Integer:
         return QString::number(value.Long());
     case TokenKind::Fraction: {
+        if (const auto* amount = value.As<Money>())
+            return QString::number(amount->units);
         const QString text = token.text.toString();
         return text.contains(u'.') || text.contains(u'e', Qt::CaseInsensitive) ? text : text + u".0"_s;
     }
@@ -59,6 +61,8 @@ Written Context::WriteLiteral(const Node& literal) {
         break;
     case TokenKind::Fraction:
         written.type = DataType::Double;
+        if (Lexer::LiteralValue(literal.token).As<Money>())
+            SetMoney(written, written.text);
         break;
     default:
         written.type = DataType::Date;

@@ -20,8 +20,7 @@ ScopeSource ResultSource(const std::vector<ResultColumn>& columns) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
         ScopeColumn column;
         column.name = columns[i].name;
-        column.value.text = u'?' + QString::number(i + 1);
-        column.value.type = columns[i].type;
+        column.value = StoredValue(u'?' + QString::number(i + 1), columns[i].type);
         source.columns.push_back(std::move(column));
     }
     return source;

@@ -37,8 +37,32 @@ Written MakeCondition(QString text, int precedence) {
     return written;
 }
 
-bool IsSimple(const Node& node) {
-    return node.kind == NodeKind::Name || node.kind == NodeKind::Literal;
+/// A result of whole numbers, which becomes a fraction where it grows beyond 32 bits.
+void MakeWhole(Written& result) {
+    result.type = DataType::Long;
+    result.text = u"zv_whole("_s + result.text + u')';
+    result.precedence = PrimaryPrecedence;
+    result.wide = true;
+}
+
+/// Whether any result of the two, added or multiplied, has its place in 32 bits.
+bool AreShort(const Written& left, const Written& right) {
+    return left.type < DataType::Long && right.type < DataType::Long;
+}
+
+bool IsAmount(const Written& left, const Written& right) {
+    const bool money = !left.money.isEmpty() || !right.money.isEmpty();
+    const auto number = [](const Written& value) { return value.null || value.Kind() == TypeKind::Number; };
+    return money && number(left) && number(right);
+}
+
+/// The two in units in which they can be compared: at least one is an amount of money.
+bool HasAmount(std::initializer_list<const Written*> values) {
+    const auto comparable = [](const Written* value) {
+        return value->null || value->Kind() == TypeKind::Number || value->Kind() == TypeKind::Date;
+    };
+    return std::ranges::all_of(values, comparable) &&
+           std::ranges::any_of(values, [](const Written* value) { return !value->money.isEmpty(); });
 }
 
 QString SignOf(Op op) {
@@ -111,13 +135,13 @@ void ExpressionWriter::LimitSources(int first, int last) {
 QString ExpressionWriter::Folded(const Written& value) {
     const bool text = value.Kind() == TypeKind::Text || value.Kind() == TypeKind::Unknown;
     if (value.collated || !text || value.null)
-        return value.text;
+        return Delivered(value).text;
     return value.At(CollatePrecedence) + u" COLLATE ZV_FOLD"_s;
 }
 
 QString ExpressionWriter::Sorted(const Written& value) {
     const bool text = value.Kind() == TypeKind::Text || value.Kind() == TypeKind::Unknown;
-    return text && !value.null ? value.At(CollatePrecedence) + u" COLLATE ZV_SORT"_s : value.text;
+    return text && !value.null ? value.At(CollatePrecedence) + u" COLLATE ZV_SORT"_s : Delivered(value).text;
 }
 
 Written ExpressionWriter::Write(const Node& node) {
@@ -243,6 +267,10 @@ Written ExpressionWriter::WriteNot(const Node& node) {
 
 Written ExpressionWriter::WriteNegate(const Node& node) {
     Written number = ForArithmetic(Value(*node.children[0]));
+    if (!number.money.isEmpty()) {
+        SetMoney(number, u"zv_msub(0, "_s + number.money + u')');
+        return number;
+    }
     number.text = u'-' + number.At(PrimaryPrecedence);
     number.precedence = CollatePrecedence;
     number.null = false;
@@ -251,6 +279,8 @@ Written ExpressionWriter::WriteNegate(const Node& node) {
     if (number.type == DataType::Date)
         number.type = DataType::Double;
     number.collated = false;
+    if (number.type == DataType::Long && node.children[0]->kind != NodeKind::Literal)
+        MakeWhole(number);
     return number;
 }
 
@@ -312,6 +342,8 @@ Written ExpressionWriter::Compare(Op op, const Written& left, const Written& rig
     if (unknown && !left.null && !right.null)
         return MakeCondition(u"zv_compare("_s + left.text + u", "_s + right.text + u')' + SignOf(op) + u'0',
                              EqualPrecedence);
+    if (HasAmount({&left, &right}))
+        return MakeCondition(ComparedUnits(left) + SignOf(op) + ComparedUnits(right), EqualPrecedence);
     QString leftText = left.At(AddPrecedence);
     if (left.Kind() == TypeKind::Text && right.Kind() == TypeKind::Text) {
         if (!IsEquality(op))
@@ -331,6 +363,8 @@ Written ExpressionWriter::WriteArithmetic(const Node& node) {
         return WriteAdd(left, right);
     left = ForArithmetic(left);
     right = ForArithmetic(right);
+    if (auto amount = WriteAmount(node.op, left, right))
+        return *amount;
     Written result;
     result.type = DataType::Double;
     const bool whole = IsWholeNumber(left.type) && IsWholeNumber(right.type);
@@ -343,13 +377,17 @@ Written ExpressionWriter::WriteArithmetic(const Node& node) {
             result.type = DataType::Date;
         else if (!date)
             result.type = whole ? DataType::Long : CommonType(left.type, right.type);
+        if (whole && !AreShort(left, right))
+            MakeWhole(result);
         break;
     case Op::Multiply:
         result.text = left.At(MultiplyPrecedence) + u" * "_s + right.At(ConcatPrecedence);
         result.precedence = MultiplyPrecedence;
         if (!date)
             result.type = whole ? DataType::Long : CommonType(left.type, right.type);
-        if (!whole || !IsSimple(*node.children[0]) || !IsSimple(*node.children[1])) {
+        if (whole && !AreShort(left, right)) {
+            MakeWhole(result);
+        } else if (!whole) {
             // The engine's addition refuses what has grown beyond all numbers.
             result.text = u"zv_add("_s + result.text + u", 0)"_s;
             result.precedence = PrimaryPrecedence;
@@ -360,6 +398,7 @@ Written ExpressionWriter::WriteArithmetic(const Node& node) {
         result.text =
             (node.op == Op::Mod ? u"zv_mod("_s : u"zv_intdiv("_s) + left.text + u", "_s + right.text + u')';
         result.type = DataType::Long;
+        result.wide = true;
         break;
     case Op::Divide:
         result.text = u"zv_div("_s + left.text + u", "_s + right.text + u')';
@@ -374,7 +413,25 @@ Written ExpressionWriter::WriteArithmetic(const Node& node) {
     return result;
 }
 
+/// The operators of which CURRENCY stays CURRENCY: a sum with any number, a product with a whole number or
+/// another amount.
+std::optional<Written> ExpressionWriter::WriteAmount(Op op, const Written& left, const Written& right) {
+    if (!IsAmount(left, right))
+        return {};
+    const bool product = op == Op::Multiply;
+    if (product && CommonType(left.type, right.type) != DataType::Currency && !left.null && !right.null)
+        return {};
+    if (!product && op != Op::Add && op != Op::Subtract)
+        return {};
+    const QString function = product ? u"zv_mmul("_s : op == Op::Add ? u"zv_madd("_s : u"zv_msub("_s;
+    Written result;
+    SetMoney(result, function + Units(left) + u", "_s + Units(right) + u')');
+    return result;
+}
+
 Written ExpressionWriter::WriteAdd(const Written& left, const Written& right) {
+    if (auto amount = WriteAmount(Op::Add, left, right))
+        return *amount;
     Written result;
     const TypeKind a = left.Kind();
     const TypeKind b = right.Kind();
@@ -390,8 +447,10 @@ Written ExpressionWriter::WriteAdd(const Written& left, const Written& right) {
             result.type = left.null ? right.type : left.type;
         else if (a == TypeKind::Date || b == TypeKind::Date)
             result.type = DataType::Date;
-        else if (IsWholeNumber(left.type) && IsWholeNumber(right.type))
+        else if (IsWholeNumber(left.type) && IsWholeNumber(right.type) && AreShort(left, right))
             result.type = DataType::Long;
+        else if (IsWholeNumber(left.type) && IsWholeNumber(right.type))
+            MakeWhole(result);
         else
             result.type = CommonType(left.type, right.type);
     } else {
@@ -406,7 +465,7 @@ Written ExpressionWriter::WriteConcat(const Written& left, const Written& right)
     const Written b = DateAsText(right);
     // Texts and whole numbers join as they are; anything else has a text of its own.
     const auto plain = [](const Written& value) {
-        return value.Kind() == TypeKind::Text || IsWholeNumber(value.type) || value.null;
+        return value.Kind() == TypeKind::Text || (IsWholeNumber(value.type) && !value.wide) || value.null;
     };
     const auto filled = [](const Written& value, int least) {
         return value.nullable ? u"coalesce("_s + value.text + u", '')"_s : value.At(least);
@@ -418,7 +477,7 @@ Written ExpressionWriter::WriteConcat(const Written& left, const Written& right)
         result.text = filled(a, ConcatPrecedence) + u" || "_s + filled(b, CollatePrecedence);
         result.precedence = ConcatPrecedence;
     } else {
-        result.text = u"zv_concat("_s + a.text + u", "_s + b.text + u')';
+        result.text = u"zv_concat("_s + Argument(a) + u", "_s + Argument(b) + u')';
     }
     return result;
 }
@@ -435,7 +494,7 @@ Written ExpressionWriter::WriteLike(const Node& node) {
     const bool plain = IsPlainPattern(patternNode);
     if (plain && value.Kind() == TypeKind::Text)
         return Compare(node.negated ? Op::NotEqual : Op::Equal, value, pattern);
-    const QString text = u"zv_like("_s + value.text + u", "_s + pattern.text + u')';
+    const QString text = u"zv_like("_s + Argument(value) + u", "_s + Argument(pattern) + u')';
     if (node.negated)
         return MakeCondition(u"NOT "_s + text, NotPrecedence);
     return MakeCondition(text, PrimaryPrecedence);
@@ -458,10 +517,13 @@ Written ExpressionWriter::WriteBetween(const Node& node) {
                             : MakeCondition(text, OrPrecedence);
     }
     const bool text = value.Kind() == TypeKind::Text;
-    const QString first = text ? Sorted(low) : low.text;
-    const QString bounds = first + u", "_s + high.text;
+    const bool amounts = HasAmount({&value, &low, &high});
+    const QString first = text ? Sorted(low) : amounts ? ComparedUnits(low) : low.text;
+    const QString bounds = first + u", "_s + (amounts ? ComparedUnits(high) : high.text);
     // The bounds may stand in either order.
-    return MakeCondition((text ? Sorted(value) : value.At(AddPrecedence)) +
+    return MakeCondition((text      ? Sorted(value)
+                          : amounts ? ComparedUnits(value)
+                                    : value.At(AddPrecedence)) +
                              (node.negated ? u" NOT BETWEEN min("_s : u" BETWEEN min("_s) + bounds +
                              u") AND max("_s + bounds + u')',
                          EqualPrecedence);
@@ -483,22 +545,33 @@ Written ExpressionWriter::WriteInList(const Node& node) {
         return node.negated ? MakeCondition(u"NOT ("_s + text + u')', NotPrecedence)
                             : MakeCondition(text, OrPrecedence);
     }
-    text = Folded(value);
+    const bool amounts = std::ranges::any_of(items, [&](const Written& item) {
+        return HasAmount({&value, &item});
+    });
+    text = amounts ? ComparedUnits(value) : Folded(value);
     if (text == value.text)
         text = value.At(AddPrecedence);
     text += node.negated ? u" NOT IN ("_s : u" IN ("_s;
     for (std::size_t i = 0; i < items.size(); ++i)
-        text += (i == 0 ? QString() : u", "_s) + items[i].text;
+        text += (i == 0 ? QString() : u", "_s) + (amounts ? ComparedUnits(items[i]) : items[i].text);
     return MakeCondition(text + u')', EqualPrecedence);
 }
 
 Written ExpressionWriter::WriteIn(const Written& value, const Query& query, bool negated) {
     const WrittenQuery inner = QueryWriter(m_context, m_catalog, &m_scope).WriteOneColumn(query);
-    CheckComparable(value, inner.columns.front().value);
+    const Written column = DeliveredValue(inner.columns.front().value, u"c0"_s);
+    CheckComparable(value, column);
     QString text = Folded(value);
     if (text == value.text)
         text = value.At(AddPrecedence);
-    return MakeCondition(text + (negated ? u" NOT IN ("_s : u" IN ("_s) + inner.text + u')', EqualPrecedence);
+    QString rows = inner.text;
+    if (HasAmount({&value, &column})) {
+        text = ComparedUnits(value);
+        rows = u"SELECT "_s + ComparedUnits(column) + u" FROM ("_s + rows + u')';
+    } else if (!column.money.isEmpty()) {
+        rows = u"SELECT "_s + column.text + u" FROM ("_s + rows + u')';
+    }
+    return MakeCondition(text + (negated ? u" NOT IN ("_s : u" IN ("_s) + rows + u')', EqualPrecedence);
 }
 
 Written ExpressionWriter::WriteInQuery(const Node& node) {
@@ -513,12 +586,11 @@ Written ExpressionWriter::WriteIsNull(const Node& node) {
 
 Written ExpressionWriter::WriteSubquery(const Node& node) {
     const WrittenQuery inner = QueryWriter(m_context, m_catalog, &m_scope).WriteOneColumn(*node.query);
-    Written written = inner.columns.front().value;
-    written.collated = false;
+    Written written =
+        DeliveredValue(inner.columns.front().value,
+                       inner.singleRow ? u'(' + inner.text + u')'
+                                       : u"(SELECT zv_single(c0) FROM ("_s + inner.text + u"))"_s);
     written.nullable = true;
-    written.precedence = PrimaryPrecedence;
-    written.text =
-        inner.singleRow ? u'(' + inner.text + u')' : u"(SELECT zv_single(c0) FROM ("_s + inner.text + u"))"_s;
     return written;
 }
 
@@ -535,15 +607,12 @@ Written ExpressionWriter::WriteQuantified(const Node& node) {
     if ((node.op == Op::Equal && !node.all) || (node.op == Op::NotEqual && node.all))
         return WriteIn(value, *node.query, node.all);
     const WrittenQuery inner = QueryWriter(m_context, m_catalog, &m_scope).WriteOneColumn(*node.query);
-    Written column = inner.columns.front().value;
-    column.text = u"c0"_s;
-    column.precedence = PrimaryPrecedence;
-    column.collated = false;
+    Written column = DeliveredValue(inner.columns.front().value, u"c0"_s);
     if (aggregated) {
         // An aggregate of this query cannot stand inside the inner one: compare with the least or greatest.
         const bool greatest = (node.op == Op::Greater || node.op == Op::GreaterEqual) == node.all;
-        column.text = (greatest ? u"(SELECT max("_s : u"(SELECT min("_s) + Sorted(column) + u") FROM ("_s +
-                      inner.text + u"))"_s;
+        column = DeliveredValue(column, (greatest ? u"(SELECT max("_s : u"(SELECT min("_s) + Sorted(column) +
+                                            u") FROM ("_s + inner.text + u"))"_s);
         return Compare(node.op, value, column);
     }
     const QString each = Compare(node.op, value, column).text;

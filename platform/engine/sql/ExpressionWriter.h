@@ -57,6 +57,7 @@ private:
     Written WriteBinary(const Node& node);
     Written WriteLogical(const Node& node);
     Written WriteArithmetic(const Node& node);
+    std::optional<Written> WriteAmount(Op op, const Written& left, const Written& right);
     Written WriteAdd(const Written& left, const Written& right);
     Written WriteConcat(const Written& left, const Written& right);
     Written WriteLike(const Node& node);

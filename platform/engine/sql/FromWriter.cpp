@@ -43,13 +43,11 @@ void FromWriter::AddTable(const Source& source) {
     for (const ColumnInfo& column : table->columns) {
         ScopeColumn offered;
         offered.name = column.name;
-        offered.value.text = added.alias + u'.' + Quoted(column.name);
+        offered.value = StoredValue(added.alias + u'.' + Quoted(column.name), column.type, column.size);
         // Files of before may hold NULL where No is meant; a row that an outer join leaves out holds none.
         if (column.type == DataType::Bit)
             offered.value.text = u"CASE WHEN "_s + added.RowId() + u" IS NOT NULL THEN ifnull("_s +
                                  offered.value.text + u", 0) END"_s;
-        offered.value.type = column.type;
-        offered.value.size = column.size;
         offered.value.nullable = true; // an outer join may leave it out
         offered.value.collated = KindOf(column.type) == TypeKind::Text;
         added.columns.push_back(std::move(offered));
@@ -66,10 +64,7 @@ void FromWriter::AddQuery(const Source& source) {
     for (std::size_t i = 0; i < query.columns.size(); ++i) {
         ScopeColumn offered;
         offered.name = query.columns[i].name;
-        offered.value = query.columns[i].value;
-        offered.value.text = added.alias + u".c"_s + QString::number(i);
-        offered.value.precedence = PrimaryPrecedence;
-        offered.value.collated = false;
+        offered.value = DeliveredValue(query.columns[i].value, added.alias + u".c"_s + QString::number(i));
         offered.value.nullable = true;
         offered.value.null = false;
         added.columns.push_back(std::move(offered));

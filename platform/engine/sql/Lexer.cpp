@@ -2,6 +2,7 @@
 
 #include "platform/engine/functions/Functions.h"
 #include "platform/runtime/Dates.h"
+#include "platform/runtime/Failure.h"
 
 #include <cmath>
 #include <limits>
@@ -164,6 +165,25 @@ std::int64_t WholeOf(QStringView digits) {
     for (const QChar digit : digits)
         value = value * 10 + (digit.unicode() - u'0');
     return value;
+}
+
+Value FractionValue(QStringView text) {
+    constexpr qsizetype decimals = 4;
+    constexpr std::int64_t most = 999'999'999'999'999;
+    const qsizetype point = text.indexOf(u'.');
+    if (point >= 0 && text.size() - point - 1 <= decimals) {
+        try {
+            const auto amount = Money::FromDigits(text, u'.');
+            std::int64_t digits = amount ? amount->units : 0;
+            while (digits > most && digits % 10 == 0)
+                digits /= 10;
+            if (digits > most)
+                return *amount;
+        } catch (const runtime::Failure&) {
+            // beyond all amounts
+        }
+    }
+    return text.toDouble();
 }
 
 Value HexadecimalValue(QStringView digits) {
@@ -338,7 +358,7 @@ Value Lexer::LiteralValue(const Token& token) {
             return HexadecimalValue(token.text.mid(2));
         return Value(WholeOf(token.text));
     case TokenKind::Fraction:
-        return Value(token.text.toDouble());
+        return FractionValue(token.text);
     case TokenKind::Date:
         return Value(*DateReader(token.text.mid(1, token.text.size() - 2)).Read());
     default:

@@ -57,7 +57,8 @@ public:
 
     Token Next();
 
-    /// The value of a literal token.
+    /// The value of a literal token. A fraction that is an amount of money is one where a double has too few
+    /// digits.
     static Value LiteralValue(const Token& token);
     /// The name that a Word or Name token stands for.
     static QStringView NameOf(const Token& token);

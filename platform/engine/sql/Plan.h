@@ -14,7 +14,9 @@ namespace engine::sql {
 struct ColumnInfo {
     QString name;
     DataType type = DataType::Text;
-    int size = 0; ///< characters of a text column, bytes of a BINARY one; 0: no limit
+    /// Characters of a text column, bytes of a BINARY one (0: no limit); of CURRENCY 0, or the digits where
+    /// an older file keeps it as a fraction.
+    int size = 0;
     bool required = false;
     bool allowZeroLength = false;
     bool unique = false; ///< UNIQUE written with the column

@@ -34,9 +34,26 @@ QString Enclosed(const QString& text) {
 }
 
 /// What a column delivers: conditions as numbers, the dialect's truth being -1.
-Written Delivered(ExpressionWriter& writer, const Node& node) {
+Written DeliveredBy(ExpressionWriter& writer, const Node& node) {
     const Written plain = writer.Write(node);
-    return plain.condition ? ExpressionWriter::AsNumber(plain) : plain;
+    return Delivered(plain.condition ? ExpressionWriter::AsNumber(plain) : plain);
+}
+
+/// Brings a delivered value of one SELECT into the form of the union's column of `type`.
+void ConvertForUnion(Written& value, DataType type) {
+    const bool amount = type == DataType::Currency;
+    if ((value.type == DataType::Currency) == amount)
+        return;
+    Written converted = value;
+    if (amount) {
+        SetMoney(converted, Units(value));
+        converted = Delivered(converted);
+    } else {
+        converted = DeliveredValue(value, value.text);
+        converted.money.clear();
+    }
+    converted.type = type;
+    value = converted;
 }
 
 bool IsConstant(const Node& node) {
@@ -92,33 +109,45 @@ WrittenQuery QueryWriter::Write(const Query& query, ColumnNames names) {
     return written;
 }
 
+QString QueryWriter::UnionPartText(SelectParts& part, const std::vector<WrittenColumn>& columns,
+                                   ColumnNames names) const {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        Written& value = part.columns[i].value;
+        ConvertForUnion(value, columns[i].value.type);
+        // Equal rows are found by the columns' own collations.
+        value.text = ExpressionWriter::Folded(value);
+        value.precedence = CollatePrecedence;
+    }
+    const QString text = Assemble(part, names);
+    return part.top > 0 ? Enclosed(text) : text;
+}
+
 WrittenQuery QueryWriter::WriteUnion(const Query& query, ColumnNames names) {
     WrittenQuery written;
+    std::vector<SelectParts> parts;
     for (const QueryPart& part : query.parts) {
-        WrittenQuery next;
         if (part.select) {
             Scope scope(m_outer);
-            SelectParts parts = WriteParts(*part.select, {}, scope);
-            // Equal rows are found by the columns' own collations.
-            for (WrittenColumn& column : parts.columns) {
-                column.value.text = ExpressionWriter::Folded(column.value);
-                column.value.precedence = CollatePrecedence;
-            }
-            next.text = Assemble(parts, names);
-            if (parts.top > 0)
-                next.text = Enclosed(next.text);
-            next.columns = std::move(parts.columns);
+            parts.push_back(WriteParts(*part.select, {}, scope));
+            parts.back().from.table = nullptr; // the scope ends here
         } else {
-            next = Write(*part.query, ColumnNames::Numbered);
-            next.text = Enclosed(next.text);
+            const WrittenQuery inner = Write(*part.query, ColumnNames::Numbered);
+            parts.emplace_back();
+            parts.back().from.text = u'(' + inner.text + u')';
+            for (const WrittenColumn& column : inner.columns) {
+                parts.back().columns.push_back(column);
+                Written& value = parts.back().columns.back().value;
+                value =
+                    Delivered(DeliveredValue(value, u'c' + QString::number(parts.back().columns.size() - 1)));
+            }
         }
-        if (written.text.isEmpty()) {
-            written = std::move(next);
+        const SelectParts& next = parts.back();
+        if (parts.size() == 1) {
+            written.columns = next.columns;
             continue;
         }
         if (next.columns.size() != written.columns.size())
             RaiseEngine(UnionColumnsDiffer);
-        written.text += (part.all ? u" UNION ALL "_s : u" UNION "_s) + next.text;
         for (std::size_t i = 0; i < next.columns.size(); ++i) {
             Written& value = written.columns[i].value;
             const Written& other = next.columns[i].value;
@@ -129,8 +158,14 @@ WrittenQuery QueryWriter::WriteUnion(const Query& query, ColumnNames names) {
                 value.type = CommonType(value.type, other.type);
             value.null = value.null && other.null;
             value.condition = false;
+            value.wide = value.wide || other.wide;
             written.columns[i].column = nullptr;
         }
+    }
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (i > 0)
+            written.text += query.parts[i].all ? u" UNION ALL "_s : u" UNION "_s;
+        written.text += UnionPartText(parts[i], written.columns, names);
     }
     written.text += WriteUnionOrder(query, written.columns);
     return written;
@@ -197,7 +232,7 @@ void QueryWriter::WriteColumns(const Select& select, Scope& scope, SelectParts& 
         }
         WrittenColumn column;
         column.name = item.alias;
-        column.value = Delivered(writer, *item.expression);
+        column.value = DeliveredBy(writer, *item.expression);
         if (const Node* name = PlainName(item)) {
             const auto place = scope.Find(name->qualifier, name->name);
             if (place && column.name.isEmpty())
@@ -224,7 +259,7 @@ void QueryWriter::AddAll(const SelectItem& item, Scope& scope, SelectParts& part
         for (std::size_t i = 0; i < source.columns.size(); ++i) {
             WrittenColumn column;
             column.name = source.columns[i].name;
-            column.value = source.columns[i].value;
+            column.value = Delivered(source.columns[i].value);
             if (source.table)
                 column.column = &source.table->columns[i];
             parts.columns.push_back(std::move(column));
@@ -357,9 +392,10 @@ void QueryWriter::WriteOrder(const Select& select, const std::vector<OrderItem>&
             if (IsConstant(*item.expression)) {
                 value.text = NoPosition(value);
                 value.precedence = PrimaryPrecedence;
+                value.money.clear();
             }
             if (select.distinct && m_context.UnknownNames().isEmpty() &&
-                !IsShown(*item.expression, value.text, select, scope, parts))
+                !IsShown(*item.expression, Delivered(value).text, select, scope, parts))
                 RaiseEngine(OrderByConflictsWithDistinct, m_context.Text(*item.expression).toString());
         }
         parts.orderBy.push_back(ExpressionWriter::Sorted(value) + (item.descending ? u" DESC"_s : QString()));

@@ -93,6 +93,8 @@ public:
 
 private:
     WrittenQuery WriteUnion(const Query& query, ColumnNames names);
+    QString UnionPartText(SelectParts& part, const std::vector<WrittenColumn>& columns,
+                          ColumnNames names) const;
     QString WriteUnionOrder(const Query& query, const std::vector<WrittenColumn>& columns);
     void WriteColumns(const Select& select, Scope& scope, SelectParts& parts);
     void AddAll(const SelectItem& item, Scope& scope, SelectParts& parts) const;

@@ -80,7 +80,7 @@ private:
             m_shape.Add(u"?i");
             break;
         case TokenKind::Fraction:
-            m_shape.Add(u"?f");
+            m_shape.Add(value.As<Money>() ? u"?m" : u"?f");
             break;
         default:
             m_shape.Add(u"?t");

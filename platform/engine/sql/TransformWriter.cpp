@@ -55,9 +55,8 @@ std::vector<TransformWriter::PivotColumn> TransformWriter::ToldColumns(const std
     std::vector<PivotColumn> columns;
     for (const Heading& heading : headings) {
         PivotColumn column;
-        column.value.text = heading.literal;
-        column.value.precedence = heading.literal.startsWith(u'-') ? CollatePrecedence : PrimaryPrecedence;
-        column.value.type = pivot.type;
+        column.value = StoredValue(
+            heading.literal.startsWith(u'-') ? u'(' + heading.literal + u')' : heading.literal, pivot.type);
         column.value.null = heading.literal == u"NULL";
         column.name = ColumnName(heading.name);
         columns.push_back(std::move(column));
@@ -66,10 +65,9 @@ std::vector<TransformWriter::PivotColumn> TransformWriter::ToldColumns(const std
 }
 
 QString TransformWriter::HeadingsText(const SelectParts& parts, const Written& pivot) {
-    const QString name = pivot.Kind() == TypeKind::Date ? u"zv_datetext(c0)"_s : u"zv_cstr(c0)"_s;
-    Written heading = pivot;
-    heading.text = u"c0"_s;
-    heading.precedence = PrimaryPrecedence;
+    const Written heading = DeliveredValue(pivot, u"c0"_s);
+    const QString name =
+        pivot.Kind() == TypeKind::Date ? u"zv_datetext(c0)"_s : u"zv_cstr("_s + Argument(heading) + u')';
     const QString where = parts.where.isEmpty() ? QString() : u" WHERE "_s + parts.where;
     return u"SELECT quote(c0), CASE WHEN c0 IS NULL THEN '<>' ELSE "_s + name +
            u" END FROM (SELECT DISTINCT "_s + ExpressionWriter::Folded(pivot) + u" AS c0 FROM "_s +
@@ -106,10 +104,10 @@ void TransformWriter::Write(const Transform& transform, const Query& query,
         values.FilterAggregates(here);
         WrittenColumn cell;
         cell.name = column.name;
-        cell.value = value;
+        cell.value = Delivered(value);
         // A cell without rows is NULL whatever the aggregate.
         cell.value.text = u"CASE WHEN count(*) FILTER (WHERE "_s + here + u") > 0 THEN "_s +
-                          values.Value(*transform.value).text + u" END"_s;
+                          Delivered(values.Value(*transform.value)).text + u" END"_s;
         cell.value.precedence = PrimaryPrecedence;
         parts.columns.push_back(std::move(cell));
     }

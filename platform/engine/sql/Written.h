@@ -40,11 +40,31 @@ struct Written {
     bool nullable = true;
     bool collated = false; ///< a column that compares by ZV_FOLD of itself
     bool null = false;     ///< the constant NULL
+    bool wide = false;     ///< a whole number that may have grown beyond 32 bits, and is a fraction then
+    /// Of CURRENCY: the same value as a whole number of ten-thousandths, as it is kept and calculated with.
+    /// `text` is this divided, for all to whom it is a number like others.
+    QString money;
 
     TypeKind Kind() const { return KindOf(type); }
     /// The text, in parentheses if it binds less tight.
     QString At(int least) const;
 };
+
+/// A column of a table, of a sub-query or among parameters: its value as it is kept there.
+Written StoredValue(const QString& text, DataType type, int size = 0);
+/// The same of a column of a written query, now called `text`.
+Written DeliveredValue(const Written& column, const QString& text);
+/// Makes it an amount of money; `units` is its text in ten-thousandths, of PrimaryPrecedence.
+void SetMoney(Written& value, const QString& units);
+/// In the form in which queries deliver it: amounts of money in ten-thousandths.
+Written Delivered(Written value);
+/// A number as an amount of money in ten-thousandths, rounded.
+QString Units(const Written& value);
+/// A number in ten-thousandths, for a comparison with an amount.
+QString ComparedUnits(const Written& value);
+/// As an argument of a function, which could not tell amounts of money and numbers of type SINGLE from
+/// others.
+QString Argument(const Written& value);
 
 /// "name" as SQLite quotes it.
 QString Quoted(const QString& name);

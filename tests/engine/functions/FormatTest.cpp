@@ -77,6 +77,10 @@ TEST(Format, Numbers) {
         EXPECT_EQ(Format(Value(row.number), QString::fromUtf8(row.picture)), QString::fromUtf8(row.text))
             << row.number << " by " << row.picture;
     EXPECT_EQ(Format(Value(1e300), QStringLiteral("0")).size(), 301);
+    EXPECT_EQ(Format(Value(engine::Money{-9223372036854775807 - 1}), QStringLiteral("#,##0.0000")),
+              QString::fromUtf8("-922\u00A0337\u00A0203\u00A0685\u00A0477,5808"));
+    EXPECT_EQ(Format(Value(engine::Money{5}), QStringLiteral("0.000")), QStringLiteral("0,001"));
+    EXPECT_EQ(Format(Value(0.1F), QStringLiteral("0.000000000")), QStringLiteral("0,100000000"));
     EXPECT_FALSE(Format(Value(std::numeric_limits<double>::infinity()), QStringLiteral("0")).isEmpty());
     EXPECT_EQ(Format(Value(std::numeric_limits<std::int64_t>::min()), QStringLiteral("0")),
               QStringLiteral("-9223372036854780000"));

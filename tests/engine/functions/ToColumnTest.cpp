@@ -52,7 +52,10 @@ TEST(ToColumn, ConvertsOrNamesTheReason) {
         {Value(1e39), Single, 0, {}, range},
         {Value(0.1), Single, 0, Value(static_cast<double>(0.1F))},
         {Value(9e200), Double, 0, Value(9e200)},
-        {Value(1.23456), Currency, 0, Value(1.2346)},
+        {Value(1.23456), Currency, 0, Value(engine::Money{12346})},
+        {::Text("922337203685477,5807"), Currency, 0, Value(engine::Money{9223372036854775807})},
+        {::Text("1,5"), Currency, 15, Value(1.5)}, // kept as a fraction
+        {::Text("x"), Currency, 0, {}, kind},
         {Value(1e15), Currency, 0, {}, range},
         {::Text("05.12.2006"), Date, 0, Value(39056.0)},
         {Value(QDateTime(QDate(2006, 12, 5), QTime(12, 0), Qt::UTC)), Date, 0, Value(39056.5)},

@@ -88,10 +88,20 @@ TEST_F(OldFormatConversion, TablesThatNobodyKnowsKeepTheirRowsAndTypes) {
         QStringList{QStringLiteral("1913")});
 }
 
-TEST_F(OldFormatConversion, GeneratedNumbersGoOnBehindTheGreatest) {
+TEST_F(OldFormatConversion, MoneyIsExactAndGeneratedNumbersGoOnBehindTheGreatest) {
     const QString path = Copy("foreign.mdb");
+    QByteArray bytes = test::BytesOf(path);
+    // 560.99, and what no fraction of 64 bits holds.
+    const QByteArray price = QByteArray::fromHex("ac99550000000000");
+    ASSERT_TRUE(bytes.contains(price));
+    bytes.replace(price, QByteArray::fromHex("feffffffffffff7f"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    file.close();
     Conversion(path, NoRules()).Run();
     const auto database = engine::DBEngine::Workspaces(0)->OpenDatabase(path);
+    EXPECT_EQ(database->OpenRecordset(QStringLiteral("SELECT MAX([Цена]) FROM [Товары]")).Fields(0).Text(),
+              QStringLiteral("922337203685477,5806"));
     database->Execute(QStringLiteral("INSERT INTO [Товары] ([Название]) VALUES ('')"), engine::dbFailOnError);
     EXPECT_EQ(
         database->OpenRecordset(QStringLiteral("SELECT MAX([Код]) FROM [Товары]")).Fields(0).Value().Long(),

@@ -359,6 +359,90 @@ TEST_F(DialectTest, Functions) {
     CheckOpen(cases);
 }
 
+// Whole numbers beyond 32 bits are fractions; SINGLE is shown to 7 digits, and calculated with as it is.
+TEST_F(DialectTest, WholeNumbersAndSingles) {
+    static const DialectCase cases[] = {
+        {u"SELECT 2147483647 * 2147483647, 2147483647 * 2147483647 & '', CSTR(2147483647 * 2147483647)",
+         u"4,61168601413242E+18|4,61168601413242E+18|4,61168601413242E+18"},
+        {u"SELECT 2147483647 + 1 & '', -2147483647 - 2, -a01clid & '' FROM a01 WHERE a01clid = 2",
+         u"2147483648|-2147483649|-2"},
+        {u"SELECT 2147483647 * 2147483647 = 2147483647 * 2147483647 + 1", u"-1"},
+        {u"SELECT x & '' FROM (SELECT 2147483647 * 2147483647 AS x) AS q", u"4,61168601413242E+18"},
+        {u"SELECT IIF(TRUE, 2147483647 * 2147483647, 1) & '', SUM(a01clid * 2147483647) & '' FROM a01",
+         u"4,61168601413242E+18|32212254705"},
+        {u"SELECT CSNG(0.1), CSNG(0.1) & '', CSNG(1) / 3, CDBL(CSNG(0.1)), FORMAT(CSNG(0.1), '0.000000000')",
+         u"0,1|0,1|0,333333333333333|0,100000001490116|0,100000000"},
+    };
+    CheckOpen(cases);
+}
+
+// CURRENCY is exact to four decimals over its whole range, however it goes through a statement.
+TEST_F(DialectTest, Money) {
+    static const DialectCase made[] = {
+        {u"CREATE TABLE m (k LONG, c CURRENCY)", u"rows=0"},
+        {u"INSERT INTO m VALUES (1, '922337203685477,5807')", u"rows=1"},
+        {u"INSERT INTO m VALUES (2, 922337203685477.5806)", u"rows=1"},
+        {u"INSERT INTO m (k, c) SELECT 3, CCUR('-922337203685477,5808')", u"rows=1"},
+        {u"INSERT INTO m VALUES (4, 1.00004)", u"rows=1"},
+        {u"INSERT INTO m VALUES (5, NULL)", u"rows=1"},
+        {u"INSERT INTO m VALUES (6, 1E15)", u"#3349 "},
+        {u"INSERT INTO m VALUES (6, 'x')", u"#3464 "},
+        {u"SELECT * INTO m2 FROM m", u"#3219 "},
+        {u"UPDATE m SET c = c * 2 WHERE k = 4", u"rows=1"},
+        {u"UPDATE m SET c = c - 1.25 WHERE k = 4", u"rows=1"},
+    };
+    CheckExecute(made);
+    EXPECT_EQ(Execute(QStringLiteral("SELECT * INTO m2 FROM m")), QStringLiteral("rows=5"));
+    EXPECT_EQ(Execute(QStringLiteral("ALTER TABLE m2 ALTER COLUMN c TEXT(30)")), QStringLiteral("rows=0"));
+    static const DialectCase cases[] = {
+        {u"SELECT c FROM m ORDER BY c DESC",
+         u"922337203685477,5807 / 922337203685477,5806 / 0,75 / -922337203685477,5808 / NULL"},
+        {u"SELECT c FROM m2 WHERE k < 4",
+         u"922337203685477,5807 / 922337203685477,5806 / -922337203685477,5808"},
+        {u"SELECT k FROM m WHERE c = 922337203685477.5807", u"1"},
+        {u"SELECT k FROM m WHERE c > CCUR('922337203685477,5806')", u"1"},
+        {u"SELECT k FROM m WHERE c BETWEEN 922337203685477.5806 AND 0.75 ORDER BY k", u"2 / 4"},
+        {u"SELECT k FROM m WHERE c IN (0.75, 922337203685477.5806) ORDER BY k", u"2 / 4"},
+        {u"SELECT k FROM m WHERE c IN (SELECT MAX(c) FROM m)", u"1"},
+        {u"SELECT k FROM m WHERE 3 IN (SELECT c * 4 FROM m WHERE k = 4) AND k = 5", u"5"},
+        {u"SELECT k FROM m WHERE c >= ALL (SELECT c FROM m WHERE k < 4)", u"1"},
+        {u"SELECT COUNT(*) FROM m GROUP BY c ORDER BY c", u"1 / 1 / 1 / 1 / 1"},
+        {u"SELECT DISTINCT c FROM m WHERE k < 3 ORDER BY c", u"922337203685477,5806 / 922337203685477,5807"},
+        {u"SELECT DISTINCT * FROM m WHERE k < 3 ORDER BY c",
+         u"2|922337203685477,5806 / 1|922337203685477,5807"},
+        {u"SELECT TOP 1 c FROM m ORDER BY c DESC", u"922337203685477,5807"},
+        {u"SELECT SUM(c), MIN(c), MAX(c), FIRST(c) FROM m WHERE k > 1 AND k < 5",
+         u"0,7498|-922337203685477,5808|922337203685477,5806|922337203685477,5806"},
+        {u"SELECT SUM(c) FROM m WHERE k < 3", u"#6 "},
+        {u"SELECT AVG(c), STDEV(c) FROM m WHERE k > 3", u"0,75|NULL"},
+        {u"SELECT c + 0.0001, c - 1, -c, c * 2 FROM m WHERE k = 4", u"0,7501|-0,25|-0,75|1,5"},
+        {u"SELECT c + 0.0001, c - 1 FROM m WHERE k = 2", u"922337203685477,5807|922337203685476,5806"},
+        {u"SELECT c / 3, c * 0.5, c \\ 1, c ^ 2, c & '!' FROM m WHERE k = 4", u"0,25|0,375|1|0,5625|0,75!"},
+        {u"SELECT c + 1 FROM m WHERE k = 1", u"#6 "},
+        {u"SELECT c & '', CSTR(c), FORMAT(c, '#,##0.000'), LEN(c), ABS(c), ROUND(c, 2), INT(c) FROM m WHERE "
+         u"k = 2",
+         u"922337203685477,5806|922337203685477,5806|922\u00A0337\u00A0203\u00A0685\u00A0477,581|20|"
+         u"922337203685477,5806|922337203685477,58|922337203685477"},
+        {u"SELECT IIF(k = 1, c, 0), IIF(k = 1, NULL, c), SWITCH(k = 2, c), CHOOSE(k, 5, c) FROM m WHERE k < "
+         u"3",
+         u"922337203685477,5807|NULL|NULL|5 / "
+         u"0|922337203685477,5806|922337203685477,5806|922337203685477,5806"},
+        {u"SELECT c FROM m WHERE k = 1 UNION SELECT 5 UNION SELECT NULL", u"NULL / 5 / 922337203685477,5807"},
+        {u"SELECT c FROM m WHERE k = 4 UNION ALL SELECT 0.5", u"0,75 / 0,5"},
+        {u"SELECT c FROM (SELECT c FROM m WHERE k = 1) AS q", u"922337203685477,5807"},
+        {u"SELECT (SELECT c FROM m WHERE k = 1) - 1", u"922337203685476,5807"},
+        {u"TRANSFORM SUM(c) SELECT k FROM m WHERE k = 2 GROUP BY k PIVOT c", u"2|922337203685477,5806"},
+        {u"SELECT c FROM m WHERE c LIKE '*5807'", u"922337203685477,5807"},
+        {u"SELECT c FROM m WHERE c = 'x'", u"#3464 "},
+    };
+    CheckOpen(cases);
+    EXPECT_EQ(Names(QStringLiteral("TRANSFORM SUM(c) SELECT k FROM m WHERE k = 2 GROUP BY k PIVOT c")),
+              QStringLiteral("k|922337203685477,5806"));
+    engine::Recordset set = m_database->OpenRecordset(QStringLiteral("SELECT * FROM m ORDER BY k"));
+    set.FindFirst(QStringLiteral("c < 922337203685477.5807 AND c > 0"));
+    EXPECT_EQ(set.Fields(0).Text(), QStringLiteral("2"));
+}
+
 TEST_F(DialectTest, NamesOfColumns) {
     static const DialectCase cases[] = {
         {u"SELECT A01CLID, a01LAST FROM a01", u"a01clid|a01last"},

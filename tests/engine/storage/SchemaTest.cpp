@@ -136,7 +136,10 @@ TEST_F(Schema, TablesLaidOutBeforeStayInUse) {
             "CREATE TABLE \"old\" (\"k\" INTEGER NOT NULL PRIMARY KEY CONSTRAINT \"k BYTE\" CHECK (\"k\" "
             "BETWEEN 0 AND 255), \"y\" INTEGER CONSTRAINT \"y BIT\" CHECK (\"y\" BETWEEN 0 AND 1), \"d\" "
             "REAL CONSTRAINT \"d DATETIME\" CHECK (\"d\" BETWEEN -657434.0 AND 2958466.0)) STRICT; "
-            "INSERT INTO old VALUES (1, NULL, 2.5), (2, 1, NULL)",
+            "INSERT INTO old VALUES (1, NULL, 2.5), (2, 1, NULL); "
+            "CREATE TABLE price (c REAL CONSTRAINT \"c CURRENCY\" CHECK (c BETWEEN -922337203685477.5808 AND "
+            "922337203685477.5807)) STRICT; "
+            "INSERT INTO price VALUES (12.5), (123456789012.3456), (-0.0001), (922337203685477.5807)",
             nullptr, nullptr, nullptr),
         SQLITE_OK)
         << sqlite3_errmsg(other);
@@ -154,7 +157,21 @@ TEST_F(Schema, TablesLaidOutBeforeStayInUse) {
     EXPECT_EQ(Ask(QStringLiteral("old")),
               (QStringList{QStringLiteral("1|0|01.01.1900 12:00:00|NULL"),
                            QStringLiteral("2|-1|01.01.0100 12:00:00|1"), QStringLiteral("3|0|NULL|NULL")}));
+    Run(QStringLiteral("INSERT INTO price VALUES ('7,1234')"));
+    Run(QStringLiteral("UPDATE price SET c = c + 0.0001 WHERE c = 12.5"));
+    Run(QStringLiteral("ALTER TABLE price ADD COLUMN n LONG NOT NULL"));
     Reopen();
     EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT count(*) FROM old WHERE y IS NULL")),
               QStringList{QStringLiteral("0")});
+    const QStringList prices = {QStringLiteral("-0,0001"), QStringLiteral("7,1234"),
+                                QStringLiteral("12,5001"), QStringLiteral("123456789012,3456"),
+                                QStringLiteral("922337203685477,5807")};
+    EXPECT_EQ(Ask(QStringLiteral("SELECT c FROM price ORDER BY c")), prices);
+    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT DISTINCT typeof(c) FROM price")),
+              QStringList{QStringLiteral("real")});
+    Run(QStringLiteral("ALTER TABLE price ALTER COLUMN c CURRENCY"));
+    EXPECT_EQ(Ask(QStringLiteral("SELECT c FROM price ORDER BY c")), prices);
+    Reopen();
+    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT DISTINCT typeof(c) FROM price")),
+              QStringList{QStringLiteral("integer")});
 }

@@ -92,10 +92,7 @@ std::vector<TableRows> RowsInMemory() {
     const Reader reader(TheBook().Path("large.mdb"));
     for (TableRows& table : tables) {
         const engine::jet4::Table& source = *reader.Find(table.name);
-        for (const auto place : reader.Rows(source)) {
-            table.rows.emplace_back();
-            reader.Read(source, place, table.rows.back());
-        }
+        reader.ForEachRow(source, [&](const std::vector<Value>& values) { table.rows.push_back(values); });
     }
     return tables;
 }

@@ -63,6 +63,15 @@ int Statement::BindNumber(int place, std::int64_t number) {
 }
 
 int Statement::BindText(int place, QStringView text) {
+    // SQLite takes a mark of the byte order at the start away, or obeys it. With one of its own in front the
+    // text stays as it is.
+    constexpr char16_t mark = 0xFEFF;
+    if (text.startsWith(QChar(mark)) || text.startsWith(QChar(0xFFFE))) {
+        const QString marked = QChar(mark) + text.toString();
+        return sqlite3_bind_text64(m_statement, place, reinterpret_cast<const char*>(marked.utf16()),
+                                   static_cast<sqlite3_uint64>(marked.size()) * 2, SQLITE_TRANSIENT,
+                                   SQLITE_UTF16);
+    }
     // A null pointer would bind NULL, and the empty text is not NULL.
     static constexpr char16_t nothing[] = u"";
     const void* start = text.isNull() ? static_cast<const void*>(nothing) : text.utf16();
@@ -93,7 +102,7 @@ std::int64_t Statement::Number(int column) const {
 
 QString Statement::Text(int column) const {
     const auto* text = static_cast<const char16_t*>(sqlite3_column_text16(m_statement, column));
-    return QString::fromUtf16(text, sqlite3_column_bytes16(m_statement, column) / 2);
+    return QStringView(text, sqlite3_column_bytes16(m_statement, column) / 2).toString();
 }
 
 bool Statement::IsNull(int column) const {

@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QtTest>
 
+#include <functional>
+
 using forms::Icon;
 using test::ErrorStart;
 
@@ -196,6 +198,85 @@ TEST_F(OldBase, WhatIsRefusedStaysAsItIs) {
         EXPECT_EQ(test::BytesOf(Path()), before);
         EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    }
+}
+
+// One contradiction in a sound book of the third version: nobody is asked, the file stays.
+TEST_F(OldBase, ContradictionsAreRefusedBeforeTheQuestion) {
+    using Bytes = test::OldBytes;
+    constexpr std::uint8_t oddType = 255;
+    const struct {
+        const char* what;
+        std::function<void(Bytes&)> change;
+        int number = engine::CannotOpenDatabase;
+    } cases[] = {
+        {"no variable columns", [](Bytes& b) { b.Put<std::uint16_t>(b.Definition(u"a01") + 43, 0); }},
+        {"no columns", [](Bytes& b) { b.Put<std::uint16_t>(b.Definition(u"a02") + 45, 0); }},
+        {"variable place beyond the end", [](Bytes& b) { b.Add(b.Column(u"a01", u"a01bith") + 7, 5); }},
+        {"variable place of another", [](Bytes& b) { b.Add(b.Column(u"a01", u"a01frst") + 7, -1); }},
+        {"fixed place upon another", [](Bytes& b) { b.Add(b.Column(u"a02", u"a02code") + 21, -2); }},
+        {"fixed place beyond the end", [](Bytes& b) { b.Add(b.Column(u"a02", u"a02code") + 21, 2); }},
+        {"number 255", [](Bytes& b) { b.Put<std::uint16_t>(b.Column(u"a01", u"a01bith") + 5, 255); }},
+        {"number that no row has", [](Bytes& b) { b.Add(b.Column(u"a01", u"a01bith") + 5, 1); }},
+        {"number of another", [](Bytes& b) { b.Add(b.Column(u"a01", u"a01bith") + 5, -1); }},
+        {"text of type 0", [](Bytes& b) { b.Put<std::uint8_t>(b.Column(u"a01", u"a01last"), 0); }},
+        {"text of type 255", [](Bytes& b) { b.Put(b.Column(u"a01", u"a01last"), oddType); }},
+        {"text of type 16", [](Bytes& b) { b.Put<std::uint8_t>(b.Column(u"a01", u"a01last"), 16); }},
+        {"text as bytes", [](Bytes& b) { b.Put<std::uint8_t>(b.Column(u"a01", u"a01last"), 9); }},
+        {"key as a fraction", [](Bytes& b) { b.Put<std::uint8_t>(b.Column(u"a01", u"a01clid"), 6); }},
+        {"code of one byte", [](Bytes& b) { b.Put<std::uint8_t>(b.Column(u"a02", u"a02code"), 2); }},
+        {"row without columns", [](Bytes& b) { b.Put<std::uint16_t>(b.Row(u"a01", 0), 0); }},
+        {"row with a column less", [](Bytes& b) { b.Add(b.Row(u"a01", 0), -1); }},
+        {"row with a column more", [](Bytes& b) { b.Add(b.Row(u"a01", 0), 1); }},
+        {"row with a text less", [](Bytes& b) { b.Add(b.Trailer(u"a01", 0, 2), -1); }},
+        {"row with a text more", [](Bytes& b) { b.Add(b.Trailer(u"a01", 0, 2), 1); }},
+        {"first text begins late", [](Bytes& b) { b.Add(b.Trailer(u"a01", 0, 4), 2); }},
+        {"last text ends early", [](Bytes& b) { b.Add(b.Trailer(u"a01", 0, 14), -2); }},
+        {"number ends early", [](Bytes& b) { b.Add(b.Trailer(u"a02", 0, 6), -2); }},
+        {"card without a key", [](Bytes& b) { b.Add(b.Trailer(u"a01", 0, 0), -1); }},
+        {"phone without a number", [](Bytes& b) { b.Add(b.Trailer(u"a02", 0, 0), -8); }},
+        {"key twice", [](Bytes& b) { b.Add(b.Row(u"a01", 1) + 2, -1); }},
+        {"type twice",
+         [](Bytes& b) {
+             b.Replace(b.Row(u"t01", 3), QStringLiteral("Основной телефон"),
+                       QStringLiteral("домашний ТЕЛЕФОН"));
+         }},
+        {"table as a system's", [](Bytes& b) { b.Add(b.CatalogRow(u"a02") + 2 + 26, 2); }},
+        {"table as something else", [](Bytes& b) { b.Add(b.CatalogRow(u"a02") + 2 + 8, 6); }},
+        {"table as a deleted one",
+         [](Bytes& b) { b.Replace(b.CatalogRow(u"a02"), QStringLiteral("a02"), QStringLiteral("~02")); }},
+        {"table of the second version",
+         [](Bytes& b) { b.Replace(b.CatalogRow(u"t03"), QStringLiteral("t03"), QStringLiteral("t04")); }},
+        {"table of the third version",
+         [](Bytes& b) { b.Replace(b.CatalogRow(u"a03"), QStringLiteral("a03"), QStringLiteral("a04")); }},
+        {"column of the second version",
+         [](Bytes& b) { b.Rename(u"a01", QStringLiteral("a01bith"), QStringLiteral("a01born")); }},
+        {"code beyond its type",
+         [](Bytes& b) {
+             b.Rename(u"a02", QStringLiteral("a02code"), QStringLiteral("x"));
+             b.Rename(u"a02", QStringLiteral("a02clid"), QStringLiteral("a02code"));
+             b.Rename(u"a02", QStringLiteral("x"), QStringLiteral("a02clid"));
+             b.Put<std::uint32_t>(b.Row(u"a02", 0) + 2 + 4, 70000);
+         },
+         engine::NumberOutOfRange},
+    };
+    const test::Answers nobodyIsAsked;
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        Bytes bytes("v3-small.mdb");
+        row.change(bytes);
+        QFile file(Path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes.Bytes()) > 0);
+        file.close();
+        try {
+            OfferConversion(Path());
+            ADD_FAILURE() << "taken";
+        } catch (const runtime::Failure& failure) {
+            EXPECT_EQ(failure.number(), row.number);
+            EXPECT_TRUE(failure.description().contains(Path()));
+        }
+        EXPECT_EQ(test::BytesOf(Path()), bytes.Bytes());
+        EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
     }
 }
 

@@ -51,15 +51,13 @@ void ReadAll(QByteArray bytes) {
     mostHeld = held;
     const std::size_t before = held - size;
     try {
-        const Reader reader(std::move(bytes), QStringLiteral("x.mdb"));
-        std::vector<engine::Value> values;
+        const Reader reader(bytes, QStringLiteral("x.mdb"));
         for (const Table& table : reader.Tables()) {
             std::uint32_t count = 0;
-            for (const auto place : reader.Rows(table)) {
-                reader.Read(table, place, values);
+            reader.ForEachRow(table, [&](const std::vector<engine::Value>& values) {
                 Require(values.size() == table.columns.size());
                 ++count;
-            }
+            });
             Require(count == table.rowCount);
         }
     } catch (const runtime::Failure& failure) {

@@ -1,10 +1,12 @@
 #pragma once
 
-#include <QByteArrayView>
+#include <QByteArray>
 #include <QtEndian>
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <utility>
 
 namespace engine::jet4 {
 
@@ -12,12 +14,14 @@ namespace engine::jet4 {
 /// failure 3049.
 struct Damage {};
 
-/// Bytes of the file, little-endian. Every access is checked.
+/// Bytes of the file, little-endian, or a part of such; they live as long as somebody holds them. Every
+/// access is checked.
 class Bytes {
 public:
     Bytes() = default;
-    Bytes(QByteArrayView view)
-        : m_view(view) {}
+    Bytes(QByteArray held)
+        : m_held(std::move(held))
+        , m_view(m_held) {}
 
     std::uint32_t Size() const { return static_cast<std::uint32_t>(m_view.size()); }
     QByteArrayView View() const { return m_view; }
@@ -34,14 +38,24 @@ public:
 
     Bytes Part(std::uint64_t place, std::uint64_t length) const {
         Check(place, length);
-        return m_view.sliced(static_cast<qsizetype>(place), static_cast<qsizetype>(length));
+        return {m_held, m_view.sliced(static_cast<qsizetype>(place), static_cast<qsizetype>(length))};
     }
     Bytes From(std::uint64_t place) const {
         Check(place, 0);
-        return m_view.sliced(static_cast<qsizetype>(place));
+        return {m_held, m_view.sliced(static_cast<qsizetype>(place))};
+    }
+    /// The first `length` bytes. What lies behind them may be padding, but nothing that anybody wrote.
+    Bytes Whole(std::uint64_t length) const {
+        const QByteArrayView rest = From(length).View();
+        if (std::any_of(rest.begin(), rest.end(), [](char byte) { return byte != 0; }))
+            throw Damage();
+        return Part(0, length);
     }
 
 private:
+    Bytes(QByteArray held, QByteArrayView view)
+        : m_held(std::move(held))
+        , m_view(view) {}
     void Check(std::uint64_t place, std::uint64_t length) const {
         const auto size = static_cast<std::uint64_t>(m_view.size());
         if (place > size || length > size - place)
@@ -53,6 +67,7 @@ private:
         return qFromLittleEndian<Integer>(m_view.data() + place);
     }
 
+    QByteArray m_held; // shared
     QByteArrayView m_view;
 };
 

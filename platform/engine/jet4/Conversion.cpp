@@ -2,10 +2,16 @@
 
 #include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
+#include "platform/engine/jet4/OtherPrograms.h"
+#include "platform/engine/jet4/RowCheck.h"
 #include "platform/engine/jet4/RowCopy.h"
 
 #include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace engine::jet4 {
 
@@ -78,45 +84,31 @@ void AllowEmptyText(Database& target, const Table& table, const Column& column) 
         target.TableDefs(table.name).Fields(column.name).SetAllowZeroLength(true);
 }
 
-/// Columns that the new file can take; a second counter becomes a plain number.
-std::vector<Column> CopiedColumns(const Table& table) {
-    std::vector<Column> copied;
-    bool counted = false;
-    for (const Column& column : table.columns) {
-        if (column.type == DataType::Unknown)
-            continue;
-        copied.push_back(column);
-        if (column.type == DataType::Counter && std::exchange(counted, true))
-            copied.back().type = DataType::Long;
-    }
-    return copied;
-}
-
 /// A table without a rule but the types of its columns.
 void MakePlainTable(Database& target, const Table& table) {
     QStringList declarations;
-    const std::vector<Column> columns = CopiedColumns(table);
-    for (const Column& column : columns)
-        declarations += Quoted(column.name) + u' ' + Declaration(column);
+    for (const Column& column : table.columns) {
+        if (column.type != DataType::Unknown)
+            declarations += Quoted(column.name) + u' ' + Declaration(column);
+    }
     if (declarations.isEmpty())
         return;
     target.Execute(QStringLiteral("CREATE TABLE ") + Quoted(table.name) + QStringLiteral(" (") +
                        declarations.join(QStringLiteral(", ")) + u')',
                    dbFailOnError);
-    for (const Column& column : columns)
+    for (const Column& column : table.columns)
         AllowEmptyText(target, table, column);
 }
 
 /// Columns that a user has added to a known table.
 void AddFurtherColumns(Database& target, const Table& table) {
-    for (const Column& column : CopiedColumns(table)) {
-        const TableDef made = target.TableDefs(table.name);
-        bool known = false;
-        for (int i = 0; i < made.FieldsCount(); ++i)
-            known = known || made.Fields(i).Name().compare(column.name, Qt::CaseInsensitive) == 0;
-        if (known)
+    const TableDef made = target.TableDefs(table.name);
+    QStringList known;
+    for (int i = 0; i < made.FieldsCount(); ++i)
+        known += made.Fields(i).Name();
+    for (Column added : table.columns) {
+        if (added.type == DataType::Unknown || known.contains(added.name, Qt::CaseInsensitive))
             continue;
-        Column added = column;
         if (added.type == DataType::Counter)
             added.type = DataType::Long;
         target.Execute(QStringLiteral("ALTER TABLE ") + Quoted(table.name) + QStringLiteral(" ADD COLUMN ") +
@@ -126,18 +118,64 @@ void AddFurtherColumns(Database& target, const Table& table) {
     }
 }
 
+/// The name in a form that the new file takes, other than those that are taken.
+QString FreeName(const QString& name, const QStringList& taken) {
+    QString form = name;
+    for (qsizetype i = 0; i < form.size(); ++i) {
+        if (form[i].isHighSurrogate() && i + 1 < form.size() && form[i + 1].isLowSurrogate())
+            ++i;
+        else if (form[i].isSurrogate() || form[i] >= QChar(0xFFFE))
+            form[i] = u'_';
+    }
+    if (form.startsWith(u'~'))
+        form[0] = u'_';
+    if (form.startsWith(QLatin1String("sqlite_"), Qt::CaseInsensitive))
+        form.prepend(u'_');
+    constexpr int longestName = 64;
+    constexpr int longestPlace = 4;
+    form.truncate(longestName);
+    QString free = form;
+    for (int place = 2; free != name && taken.contains(free, Qt::CaseInsensitive); ++place)
+        free = form.left(longestName - longestPlace) + QStringLiteral("_%1").arg(place);
+    return free;
+}
+
+QString CheckedPath(const QString& path) {
+    QString resolved = Resolved(path);
+    CheckNotInUse(resolved);
+    std::error_code error;
+    const QString kept = FreeKeptName(resolved);
+    const bool stands =
+        std::filesystem::exists(std::filesystem::symlink_status(kept.toStdU16String(), error));
+    if (!stands && error == std::errc::filename_too_long)
+        RaiseEngine(InvalidPath, kept);
+    return resolved;
+}
+
 } // namespace
 
 Conversion::Conversion(const QString& path, Rules rules)
-    : m_path(Resolved(path))
+    : m_path(CheckedPath(path))
     , m_changed(QFileInfo(m_path).lastModified())
+    , m_size(QFileInfo(m_path).size())
     , m_reader(m_path)
-    , m_rules(std::move(rules)) {
-    for (const QString& table : m_rules.requiredTables) {
-        if (!m_reader.Find(table))
-            RaiseEngine(UnrecognisedFormat, m_path);
-    }
+    , m_rules(std::move(rules))
+    , m_tables(m_reader->Tables()) {
+    CheckTables();
     CheckRows();
+    GiveNames();
+    m_report.notCopied = m_reader->OtherObjects();
+}
+
+void Conversion::CheckTables() const {
+    const auto lacks = [this](const QStringList& tables) {
+        return std::any_of(tables.begin(), tables.end(),
+                           [this](const QString& table) { return !m_reader->Find(table); });
+    };
+    if (lacks(m_rules.requiredTables))
+        RaiseEngine(UnrecognisedFormat, m_path);
+    if (lacks(m_rules.furtherTables(*m_reader)))
+        RaiseEngine(CannotOpenDatabase, m_path);
 }
 
 QString Conversion::KeptName() const {
@@ -145,38 +183,68 @@ QString Conversion::KeptName() const {
 }
 
 void Conversion::CheckRows() {
-    std::vector<Value> values;
-    for (const Table& table : m_reader.Tables()) {
-        for (const RowPlace place : m_reader.Rows(table))
-            m_reader.Read(table, place, values);
+    for (Table& table : m_tables) {
+        const QString statement = m_rules.known(*m_reader, table).statement;
+        if (statement.isEmpty())
+            CheckUnknownRows(*m_reader, table);
+        else
+            CheckKnownRows(*m_reader, table, statement, m_path);
     }
 }
 
 void Conversion::CheckUnchanged() const {
-    if (QFileInfo(m_path).lastModified() != m_changed)
+    const QFileInfo file(m_path);
+    if (file.lastModified() != m_changed || file.size() != m_size)
         RaiseEngine(FileInUse, m_path);
+    CheckNotInUse(m_path);
 }
 
-void Conversion::MakeTable(Database& target, const Table& table, Report& report) const {
+/// Names that the new file cannot take give way to others.
+void Conversion::GiveNames() {
+    QStringList tables;
+    for (const Table& table : m_tables)
+        tables += table.name;
+    for (Table& table : m_tables) {
+        QStringList columns;
+        for (const Column& column : table.columns)
+            columns += column.name;
+        for (Column& column : table.columns) {
+            const QString old = std::exchange(column.name, FreeName(column.name, columns));
+            columns += column.name;
+            if (column.name != old)
+                m_report.renamed += table.name + u'.' + old + QStringLiteral(" → ") + column.name;
+        }
+        const QString old = std::exchange(table.name, FreeName(table.name, tables));
+        tables += table.name;
+        if (table.name != old)
+            m_report.renamed += old + QStringLiteral(" → ") + table.name;
+    }
+}
+
+void Conversion::MakeTable(Database& target, const Table& table) {
     for (const Column& column : table.columns) {
         if (column.type == DataType::Unknown)
-            report.notCopied += table.name + u'.' + column.name;
+            m_report.notCopied += table.name + u'.' + column.name;
     }
-    if (m_rules.makeTable(target, table)) {
-        AddFurtherColumns(target, table);
+    const KnownTable known = m_rules.known(*m_reader, table);
+    if (known.statement.isEmpty()) {
+        MakePlainTable(target, table);
+        if (table.indexCount > 0)
+            m_report.withoutIndexes += table.name;
         return;
     }
-    MakePlainTable(target, table);
-    if (table.indexCount > 0)
-        report.withoutIndexes += table.name;
+    target.Execute(known.statement, dbFailOnError);
+    for (const QString& column : known.emptyTexts)
+        target.TableDefs(table.name).Fields(column).SetAllowZeroLength(true);
+    AddFurtherColumns(target, table);
 }
 
-void Conversion::MakeTables(const QString& path, Report& report) const {
+void Conversion::MakeTables(const QString& path) {
     const auto workspace = DBEngine::CreateWorkspace(QStringLiteral("Conversion"), QString(), QString());
     const auto target = workspace->CreateDatabase(path, QString::fromUtf16(dbLangGeneral));
     workspace->BeginTrans();
-    for (const Table& table : m_reader.Tables())
-        MakeTable(*target, table, report);
+    for (const Table& table : m_tables)
+        MakeTable(*target, table);
     workspace->CommitTrans();
     workspace->Close();
 }
@@ -188,22 +256,21 @@ Report Conversion::Run() {
 
 Report Conversion::Run(Disk& disk) {
     const TemporaryFile finished(QFileInfo(m_path).absolutePath());
-    Report report;
     try {
-        MakeTables(finished.Path(), report);
+        MakeTables(finished.Path());
     } catch (const runtime::Failure& failure) {
         // The user knows the book alone.
         if (failure.number() == CannotOpenFile)
             RaiseEngine(CannotOpenFile, m_path);
         throw;
     }
-    RowCopy(finished.Path(), m_reader, m_path).CopyAll();
-    RowCopy(finished.Path(), m_reader, m_path).CompareAll();
+    RowCopy(finished.Path(), *m_reader, m_path).CopyAll(m_tables);
+    RowCopy(finished.Path(), *m_reader, m_path).CompareAll(m_tables);
     QFile::setPermissions(finished.Path(), QFile::permissions(m_path) | QFile::WriteOwner);
+    m_reader.reset();
     CheckUnchanged();
-    report.notCopied += m_reader.OtherObjects();
-    report.kept = ReplaceKeeping(disk, finished.Path(), m_path);
-    return report;
+    m_report.kept = ReplaceKeeping(disk, finished.Path(), m_path);
+    return m_report;
 }
 
 } // namespace engine::jet4

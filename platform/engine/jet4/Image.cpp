@@ -1,5 +1,8 @@
 #include "platform/engine/jet4/Image.h"
 
+#include "platform/engine/EngineError.h"
+
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numeric>
@@ -13,6 +16,10 @@ constexpr auto signature = QByteArrayView("Standard Jet DB\0", 16);
 constexpr qsizetype signaturePlace = 4;
 constexpr qsizetype versionPlace = 0x14;
 constexpr char knownVersion = 1;
+constexpr qint64 largestFile = qint64{1} << 31;
+
+/// How many pages are kept, 4 MiB.
+constexpr std::uint32_t mostKept = 1024;
 
 // The part of the header that is coded in every file, with one key for all of them.
 constexpr std::uint32_t codedPlace = 0x18;
@@ -50,7 +57,7 @@ std::array<std::uint8_t, 4> KeyBytes(std::uint32_t key) {
 }
 
 /// Whether the header holds a password; it is masked with the day of the file's creation.
-bool HoldsPassword(Bytes header) {
+bool HoldsPassword(const Bytes& header) {
     const double creation = header.F64(creationPlace);
     if (!(std::abs(creation) < 1e9))
         throw Damage();
@@ -69,21 +76,79 @@ bool Image::HasHeader(QByteArrayView start) {
            start[versionPlace] == knownVersion;
 }
 
-Image::Image(QByteArray bytes)
-    : m_bytes(std::move(bytes))
-    , m_pageCount(static_cast<std::uint32_t>(m_bytes.size() / pageSize)) {
-    if (m_pageCount == 0 || m_bytes.size() % pageSize != 0)
+Image::Image(std::unique_ptr<QIODevice> device, QString path)
+    : m_device(std::move(device))
+    , m_path(std::move(path)) {
+    Guarded([this] { ReadHeader(); });
+}
+
+void Image::ReadHeader() {
+    if (!HasHeader(m_device->peek(headerSize)))
+        RaiseEngine(UnrecognisedFormat, m_path);
+    const qint64 size = m_device->size();
+    if (size < pageSize || size > largestFile || size % pageSize != 0)
         throw Damage();
-    char* data = m_bytes.data();
-    Rc4(data + codedPlace, codedLength, headerKey);
-    m_needsPassword = HoldsPassword(Page(0));
-    const std::uint32_t codeKey = Page(0).U32(codeKeyPlace);
-    for (std::uint32_t page = 1; codeKey != 0 && page < m_pageCount; ++page)
-        Rc4(data + std::uint64_t{page} * pageSize, pageSize, KeyBytes(codeKey ^ page));
+    m_pageCount = static_cast<std::uint32_t>(size / pageSize);
+    m_kept.resize(std::min(m_pageCount, mostKept));
+    QByteArray header = Read(0);
+    Rc4(header.data() + codedPlace, codedLength, headerKey);
+    m_codeKey = Bytes(header).U32(codeKeyPlace);
+    if (HoldsPassword(header))
+        throw runtime::Failure(PasswordNeeded, QStringLiteral("Файл '%1' защищён паролем. Снимите пароль в "
+                                                              "программе, которой он был создан, и повторите "
+                                                              "попытку.")
+                                                   .arg(m_path));
+}
+
+void Image::RaiseDamaged() const {
+    RaiseEngine(CannotOpenDatabase, m_path);
+}
+
+QByteArray Image::Read(std::uint32_t page) const {
+    QByteArray bytes(pageSize, Qt::Uninitialized);
+    const bool found = m_device->seek(qint64{page} * pageSize);
+    const qint64 got = found ? m_device->read(bytes.data(), pageSize) : -1;
+    if (got < 0)
+        RaiseEngine(DiskOrNetworkFailure);
+    if (got < pageSize)
+        throw Damage();
+    if (page != 0 && m_codeKey != 0)
+        Rc4(bytes.data(), pageSize, KeyBytes(m_codeKey ^ page));
+    return bytes;
 }
 
 Bytes Image::Page(std::uint32_t page) const {
-    return Bytes(m_bytes).Part(std::uint64_t{page} * pageSize, pageSize);
+    if (page >= m_pageCount)
+        throw Damage();
+    Kept& kept = m_kept[page % m_kept.size()];
+    if (kept.number != page || kept.page.Size() == 0)
+        kept = {page, Read(page)};
+    return kept.page;
+}
+
+Bytes Image::Page(std::uint32_t page, PageType type) const {
+    Bytes bytes = Page(page);
+    if (bytes.U8(0) != static_cast<std::uint8_t>(type))
+        throw Damage();
+    return bytes;
+}
+
+Row Image::RowAt(RowPlace place) const {
+    constexpr std::uint32_t offsetsPlace = 14;
+    constexpr std::uint32_t offsetMask = 0x1FFF;
+    constexpr std::uint32_t deletedFlag = 0x8000;
+    constexpr std::uint32_t pointerFlag = 0x4000;
+    const Bytes page = Page(place.page, PageType::Data);
+    const std::uint32_t count = page.U16(rowsPlace);
+    if (place.row >= count)
+        throw Damage();
+    const std::uint32_t entry = page.U16(offsetsPlace + 2 * place.row);
+    const std::uint32_t start = entry & offsetMask;
+    const std::uint32_t end =
+        place.row == 0 ? pageSize : page.U16(offsetsPlace + 2 * (place.row - 1)) & offsetMask;
+    if (start < offsetsPlace + 2 * count || start > end)
+        throw Damage();
+    return {page.Part(start, end - start), (entry & deletedFlag) != 0, (entry & pointerFlag) != 0};
 }
 
 } // namespace engine::jet4

@@ -26,6 +26,9 @@ enum ColumnType : std::uint8_t {
     LongBinary = 11,
     Memo = 12,
     Guid = 15,
+    // Of these nothing but their places is known.
+    Decimal = 16,
+    Internal = 17,
 };
 
 constexpr std::uint8_t fixedFlag = 1;
@@ -58,8 +61,11 @@ DataType TypeFor(std::uint8_t type, std::uint8_t flags) {
         return DataType::Memo;
     case Guid:
         return DataType::Guid;
-    default:
+    case Decimal:
+    case Internal:
         return DataType::Unknown;
+    default:
+        throw Damage();
     }
 }
 
@@ -97,7 +103,7 @@ Value DateNumber(double number) {
     return number;
 }
 
-Value GuidText(Bytes bytes) {
+Value GuidText(const Bytes& bytes) {
     QUuid guid;
     guid.data1 = bytes.U32(0);
     guid.data2 = bytes.U16(4);
@@ -107,7 +113,7 @@ Value GuidText(Bytes bytes) {
     return guid.toString().toUpper();
 }
 
-Value NumberValue(DataType type, Bytes bytes) {
+Value NumberValue(DataType type, const Bytes& bytes) {
     switch (type) {
     case DataType::Byte:
         return std::int64_t{bytes.U8(0)};
@@ -129,7 +135,7 @@ Value NumberValue(DataType type, Bytes bytes) {
     }
 }
 
-Value TextValue(Bytes bytes, int size) {
+Value TextValue(const Bytes& bytes, int size) {
     QString text = DecodeText(bytes);
     if (size > 0 && text.size() > size)
         throw Damage();
@@ -138,7 +144,7 @@ Value TextValue(Bytes bytes, int size) {
 
 } // namespace
 
-Column Reader::ReadColumn(Bytes definition) {
+Column Reader::ReadColumn(const Bytes& definition) {
     Column column;
     const std::uint8_t type = definition.U8(0);
     const std::uint8_t flags = definition.U8(15);
@@ -153,14 +159,18 @@ Column Reader::ReadColumn(Bytes definition) {
         column.size = std::clamp(column.length / 2, 1, longestText);
     else if (type == ShortBinary)
         column.size = column.length;
+    if (const std::uint32_t size = SizeOf(column.type); size > 0 && column.length != size)
+        throw Damage();
     return column;
 }
 
-void Reader::ReadRow(const Table& table, RowPlace place, std::vector<Value>& values) const {
-    const RowParts parts(RowAt(place).bytes, table);
-    values.clear();
-    for (const Column& column : table.columns)
-        values.push_back(ReadValue(column, parts));
+void Reader::Read(const Table& table, RowPlace place, std::vector<Value>& values) const {
+    m_image.Guarded([&] {
+        const RowParts parts(m_image.RowAt(place).bytes, table);
+        values.clear();
+        for (const Column& column : table.columns)
+            values.push_back(ReadValue(column, parts));
+    });
 }
 
 Value Reader::ReadValue(const Column& column, const RowParts& parts) const {
@@ -168,16 +178,9 @@ Value Reader::ReadValue(const Column& column, const RowParts& parts) const {
         return parts.IsPresent(column);
     if (column.type == DataType::Unknown || !parts.IsPresent(column))
         return {};
-    const std::uint32_t size = SizeOf(column.type);
-    const auto found = parts.Value(column, size > 0 ? size : column.length);
-    if (!found)
-        return {};
-    const Bytes bytes = *found;
-    if (size > 0) {
-        if (bytes.Size() != size)
-            throw Damage();
-        return NumberValue(column.type, bytes);
-    }
+    const Bytes bytes = parts.Value(column);
+    if (const std::uint32_t size = SizeOf(column.type); size > 0)
+        return NumberValue(column.type, bytes.Whole(size));
     if (column.type == DataType::Text)
         return TextValue(bytes, column.size);
     if (column.size > 0)
@@ -188,7 +191,7 @@ Value Reader::ReadValue(const Column& column, const RowParts& parts) const {
 
 // A long value begins with its length, whose two highest bits tell where it lies: behind this head, as one
 // row of a page for long values, or as a chain of such rows, each of which begins with the place of the next.
-QByteArray Reader::ReadLong(Bytes value) const {
+QByteArray Reader::ReadLong(const Bytes& value) const {
     constexpr std::uint32_t headLength = 12;
     constexpr std::uint32_t inlineFlag = 0x80000000;
     constexpr std::uint32_t singleFlag = 0x40000000;
@@ -196,24 +199,23 @@ QByteArray Reader::ReadLong(Bytes value) const {
     if (length > m_image.Size())
         throw Damage();
     if (value.U32(0) & inlineFlag)
-        return value.Part(headLength, length).View().toByteArray();
-    const auto rowAt = [this](Bytes pointer) {
-        const RowPlace place{pointer.U24(1), pointer.U8(0)};
-        const Bytes row = RowAt(place).bytes;
-        if (m_image.Page(place.page).Part(4, 4).View() != QByteArrayView("LVAL", 4))
+        return value.From(headLength).Whole(length).View().toByteArray();
+    const auto rowAt = [this](const Bytes& pointer) {
+        const RowPlace place = PlaceIn(pointer);
+        if (m_image.Page(place.page).Part(ownerPlace, 4).View() != QByteArrayView("LVAL", 4))
             throw Damage();
-        return row;
+        return m_image.RowAt(place).bytes;
     };
     if (value.U32(0) & singleFlag)
-        return rowAt(value.From(4)).Part(0, length).View().toByteArray();
+        return rowAt(value.From(4)).Whole(length).View().toByteArray();
     QByteArray whole;
+    whole.reserve(length);
     for (Bytes pointer = value.From(4); whole.size() < qsizetype{length};) {
-        const Bytes row = rowAt(pointer);
-        const Bytes part = row.From(4);
+        pointer = rowAt(pointer);
+        const Bytes part = pointer.From(4);
         if (part.Size() == 0 || part.Size() > length - static_cast<std::uint32_t>(whole.size()))
             throw Damage();
         whole += part.View();
-        pointer = row;
     }
     return whole;
 }

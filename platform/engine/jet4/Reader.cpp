@@ -3,6 +3,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/jet4/RowParts.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -13,19 +14,17 @@ namespace engine::jet4 {
 
 namespace {
 
-enum PageType : std::uint8_t { DataPage = 1, DefinitionPage = 2, MapPage = 5 };
-
 constexpr std::uint32_t catalogPage = 2;
 
 // Limits of the format.
 constexpr std::uint32_t mostColumns = 255;
 constexpr int longestName = 64;
 constexpr std::uint32_t mostDefinitionPages = 64;
-constexpr qint64 largestFile = qint64{1} << 31;
 
 // A table's definition.
 constexpr std::uint32_t nextPagePlace = 4;
 constexpr std::uint32_t rowCountPlace = 16;
+constexpr std::uint32_t columnsEverPlace = 41;
 constexpr std::uint32_t variableColumnsPlace = 43;
 constexpr std::uint32_t columnsPlace = 45;
 constexpr std::uint32_t indexesPlace = 51;
@@ -35,17 +34,14 @@ constexpr std::uint32_t indexLength = 12;
 constexpr std::uint32_t columnLength = 25;
 constexpr std::uint32_t continuationPlace = 8;
 
-// A page of rows.
-constexpr std::uint32_t ownerPlace = 4;
-constexpr std::uint32_t rowsPlace = 12;
-constexpr std::uint32_t offsetsPlace = 14;
-constexpr std::uint16_t offsetMask = 0x1FFF;
-constexpr std::uint16_t deletedFlag = 0x8000; // or the target of a pointer
-constexpr std::uint16_t pointerFlag = 0x4000;
-
 // A catalog row of what does not belong to the user.
 constexpr std::uint32_t systemFlags = 0x80000002;
-enum ObjectType : std::int64_t { TableObject = 1, LinkObject = 4, QueryObject = 5, LinkedTableObject = 6 };
+enum ObjectType : std::int64_t {
+    TableObject = 1,
+    DatabaseObject = 2,
+    ContainerObject = 3,
+    RelationObject = 8,
+};
 
 bool IsSoundName(const QString& name) {
     return !name.isEmpty() && name.size() <= longestName &&
@@ -53,43 +49,48 @@ bool IsSoundName(const QString& name) {
                         [](QChar sign) { return sign < u' ' || QStringView(u".![]`").contains(sign); });
 }
 
-RowPlace PlaceIn(Bytes pointer) {
-    return {pointer.U24(1), pointer.U8(0)};
-}
-
-QByteArray ReadFile(const QString& path) {
+std::unique_ptr<QIODevice> OpenFile(const QString& path) {
     if (!QFileInfo(path).isFile())
         RaiseEngine(FileNotFound, path);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    auto file = std::make_unique<QFile>(path);
+    if (!file->open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         RaiseEngine(CannotOpenFile, path);
-    if (file.size() > largestFile)
-        RaiseEngine(CannotOpenDatabase, path);
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        RaiseEngine(DiskOrNetworkFailure);
-    return bytes;
+    return file;
 }
 
-/// Checks the header before the rest is looked at.
-QByteArray Recognised(QByteArray bytes, const QString& path) {
-    if (!Image::HasHeader(bytes))
-        RaiseEngine(UnrecognisedFormat, path);
-    return bytes;
+std::unique_ptr<QIODevice> OpenBytes(const QByteArray& bytes) {
+    auto buffer = std::make_unique<QBuffer>();
+    buffer->setData(bytes);
+    buffer->open(QIODevice::ReadOnly);
+    return buffer;
 }
 
-Image ImageOf(QByteArray bytes, const QString& path) {
-    try {
-        Image image(Recognised(std::move(bytes), path));
-        if (image.NeedsPassword())
-            throw runtime::Failure(PasswordNeeded,
-                                   QStringLiteral("Файл '%1' защищён паролем. Снимите пароль в программе, "
-                                                  "которой он был создан, и повторите попытку.")
-                                       .arg(path));
-        return image;
-    } catch (const Damage&) {
-        RaiseEngine(CannotOpenDatabase, path);
+void Take(std::vector<bool>& places, std::uint32_t first, std::uint32_t count) {
+    for (std::uint32_t place = first; place < first + count; ++place) {
+        if (place >= places.size() || places[place])
+            throw Damage();
+        places[place] = true;
     }
+}
+
+/// Every column has its places to itself, and they are of the table.
+void CheckColumns(const Table& table) {
+    std::vector<bool> numbers(table.columnsEver);
+    std::vector<bool> fixed(Image::pageSize);
+    std::vector<bool> variable(table.variableColumns);
+    QSet<QString> names;
+    for (const Column& column : table.columns) {
+        names.insert(column.name.toLower());
+        Take(numbers, column.number, 1);
+        if (!column.fixed)
+            Take(variable, column.variable, 1);
+        else if (column.type != DataType::Bit)
+            Take(fixed, column.offset, column.length);
+        if (!IsSoundName(column.name))
+            throw Damage();
+    }
+    if (names.size() != static_cast<qsizetype>(table.columns.size()))
+        throw Damage();
 }
 
 } // namespace
@@ -101,15 +102,6 @@ int Table::Find(QStringView column) const {
     return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
 }
 
-template <class Action>
-auto Reader::Guarded(Action action) const {
-    try {
-        return action();
-    } catch (const Damage&) {
-        RaiseEngine(CannotOpenDatabase, m_path);
-    }
-}
-
 bool Reader::IsOldFormat(const QString& path) {
     if (!QFileInfo(path).isFile())
         return false;
@@ -119,14 +111,17 @@ bool Reader::IsOldFormat(const QString& path) {
 }
 
 Reader::Reader(const QString& path)
-    : Reader(ReadFile(path), path) {
+    : Reader(OpenFile(path), path) {
 }
 
-Reader::Reader(QByteArray bytes, QString path)
-    : m_path(std::move(path))
-    , m_image(ImageOf(std::move(bytes), m_path)) {
-    m_definitionPages.resize(m_image.PageCount());
-    Guarded([this] { ReadCatalog(); });
+Reader::Reader(const QByteArray& bytes, QString path)
+    : Reader(OpenBytes(bytes), std::move(path)) {
+}
+
+Reader::Reader(std::unique_ptr<QIODevice> device, QString path)
+    : m_image(std::move(device), std::move(path))
+    , m_definitionPages(m_image.PageCount()) {
+    m_image.Guarded([this] { ReadCatalog(); });
 }
 
 const Table* Reader::Find(QStringView table) const {
@@ -136,47 +131,8 @@ const Table* Reader::Find(QStringView table) const {
     return found == m_tables.end() ? nullptr : &*found;
 }
 
-std::vector<RowPlace> Reader::Rows(const Table& table) const {
-    return Guarded([&] { return RowsOf(table); });
-}
-
-void Reader::Read(const Table& table, RowPlace place, std::vector<Value>& values) const {
-    Guarded([&] { ReadRow(table, place, values); });
-}
-
-Bytes Reader::PageOf(std::uint32_t page, std::uint8_t type) const {
-    const Bytes bytes = m_image.Page(page);
-    if (bytes.U8(0) != type)
-        throw Damage();
-    return bytes;
-}
-
-Reader::Row Reader::RowAt(RowPlace place) const {
-    const Bytes page = PageOf(place.page, DataPage);
-    const std::uint32_t count = page.U16(rowsPlace);
-    if (place.row >= count)
-        throw Damage();
-    const std::uint16_t entry = page.U16(offsetsPlace + 2 * place.row);
-    const std::uint32_t start = entry & offsetMask;
-    const std::uint32_t end =
-        place.row == 0 ? Image::pageSize : page.U16(offsetsPlace + 2 * (place.row - 1)) & offsetMask;
-    if (start < offsetsPlace + 2 * count || start > end)
-        throw Damage();
-    return {page.Part(start, end - start), static_cast<std::uint16_t>(entry & ~offsetMask)};
-}
-
-/// The place that a moved row's pointer leads to.
-RowPlace Reader::Follow(const Table& table, Bytes pointer) const {
-    const RowPlace target = PlaceIn(pointer);
-    const Row row = RowAt(target);
-    const bool isTarget = (row.flags & deletedFlag) && !(row.flags & pointerFlag);
-    if (!isTarget || m_image.Page(target.page).U32(ownerPlace) != table.definition)
-        throw Damage();
-    return target;
-}
-
 Bytes Reader::DefinitionPageOf(std::uint32_t page) {
-    const Bytes bytes = PageOf(page, DefinitionPage);
+    Bytes bytes = m_image.Page(page, PageType::Definition);
     if (m_definitionPages.at(page))
         throw Damage();
     m_definitionPages[page] = true;
@@ -203,29 +159,23 @@ Table Reader::ReadDefinition(std::uint32_t page) {
     Table table;
     table.definition = page;
     table.rowCount = definition.U32(rowCountPlace);
+    table.columnsEver = definition.U16(columnsEverPlace);
     table.variableColumns = definition.U16(variableColumnsPlace);
     table.ownedPages = PlaceIn(definition.From(ownedPagesPlace));
     const std::uint32_t count = definition.U16(columnsPlace);
-    if (count > mostColumns)
+    if (count == 0 || table.columnsEver > mostColumns || table.variableColumns > mostColumns)
         throw Damage();
     table.indexCount = definition.U32(indexesPlace);
     const std::uint64_t first = firstIndexPlace + std::uint64_t{indexLength} * table.indexCount;
     Bytes names = definition.From(first + std::uint64_t{columnLength} * count);
-    QSet<QString> namesMet;
-    QSet<std::uint16_t> numbersMet;
     for (std::uint32_t i = 0; i < count; ++i) {
         Column column = ReadColumn(definition.Part(first + std::uint64_t{columnLength} * i, columnLength));
         const std::uint16_t length = names.U16(0);
         column.name = DecodeText(names.Part(2, length));
         names = names.From(std::uint64_t{2} + length);
-        namesMet.insert(column.name.toLower());
-        numbersMet.insert(column.number);
-        if (!IsSoundName(column.name) || column.number > mostColumns)
-            throw Damage();
         table.columns.push_back(std::move(column));
     }
-    if (namesMet.size() != qsizetype{count} || numbersMet.size() != qsizetype{count})
-        throw Damage();
+    CheckColumns(table);
     return table;
 }
 
@@ -241,96 +191,34 @@ void Reader::ReadCatalog() {
     const std::size_t namePlace = place(u"Name");
     const std::size_t typePlace = place(u"Type");
     const std::size_t flagsPlace = place(u"Flags");
-    QSet<QString> names;
-    std::vector<Value> values;
-    for (const RowPlace row : RowsOf(catalog)) {
-        ReadRow(catalog, row, values);
+    ForEachRow(catalog, [&](const std::vector<Value>& values) {
         const auto* id = values[idPlace].As<std::int64_t>();
         const auto* name = values[namePlace].As<QString>();
         const auto* type = values[typePlace].As<std::int64_t>();
         const auto* flags = values[flagsPlace].As<std::int64_t>();
         if (!id || !name || !type)
             throw Damage();
-        // What begins with a tilde is what the engine keeps of deleted objects.
-        const bool isUsers = !flags || (static_cast<std::uint32_t>(*flags) & systemFlags) == 0;
-        if (!isUsers || name->startsWith(u'~'))
-            continue;
-        if (*type == TableObject) {
-            names.insert(name->toLower());
-            if (!IsSoundName(*name) || names.size() == static_cast<qsizetype>(m_tables.size()))
-                throw Damage();
-            m_tables.push_back(ReadDefinition(static_cast<std::uint32_t>(*id) & 0xFFFFFFU));
-            m_tables.back().name = *name;
-        } else if (*type == LinkObject || *type == QueryObject || *type == LinkedTableObject) {
-            m_others += *name;
-        }
-    }
-}
-
-/// Calls `visit` with every page that the table's map names.
-template <class Visit>
-void Reader::ForEachOwnedPage(const Table& table, Visit visit) const {
-    const auto visitBits = [this, &visit](Bytes bits, std::uint64_t first) {
-        for (std::uint32_t byte = 0; byte < bits.Size(); ++byte) {
-            const unsigned eight = bits.U8(byte);
-            for (unsigned bit = 0; eight != 0 && bit < 8; ++bit) {
-                if (!(eight & (1U << bit)))
-                    continue;
-                const std::uint64_t page = first + std::uint64_t{byte} * 8 + bit;
-                if (page >= m_image.PageCount())
-                    throw Damage();
-                visit(static_cast<std::uint32_t>(page));
-            }
-        }
-    };
-    constexpr std::uint32_t mapHeader = 4;
-    constexpr std::uint64_t pagesOfMap = std::uint64_t{Image::pageSize - mapHeader} * 8;
-    const Bytes map = RowAt(table.ownedPages).bytes;
-    switch (map.U8(0)) {
-    case 0:
-        visitBits(map.From(5), map.U32(1));
-        break;
-    case 1:
-        for (std::uint32_t place = 1, i = 0; place + 4 <= map.Size() && i * pagesOfMap < m_image.PageCount();
-             place += 4, ++i) {
-            if (const std::uint32_t page = map.U32(place))
-                visitBits(PageOf(page, MapPage).From(mapHeader), i * pagesOfMap);
-        }
-        break;
-    default:
-        throw Damage();
-    }
-}
-
-void Reader::AddRows(const Table& table, std::uint32_t page, std::vector<RowPlace>& places) const {
-    const Bytes bytes = m_image.Page(page);
-    // Another page under the table's name, or one that is spoilt: its rows will be missing from the count.
-    if (bytes.U8(0) != DataPage || bytes.U32(ownerPlace) != table.definition)
-        return;
-    const std::uint32_t count = bytes.U16(rowsPlace);
-    for (std::uint32_t row = 0; row < count; ++row) {
-        const RowPlace place{page, row};
-        const Row found = RowAt(place);
-        if (found.flags & deletedFlag)
-            continue;
-        places.push_back(found.flags & pointerFlag ? Follow(table, found.bytes) : place);
-        if (RowAt(places.back()).bytes.Size() < RowParts::leastSize)
-            throw Damage();
-    }
-}
-
-std::vector<RowPlace> Reader::RowsOf(const Table& table) const {
-    std::vector<RowPlace> places;
-    ForEachOwnedPage(table, [&](std::uint32_t page) {
-        AddRows(table, page, places);
-        if (places.size() > table.rowCount)
-            throw Damage();
+        AddObject(*id, *type, flags && (static_cast<std::uint32_t>(*flags) & systemFlags) != 0, *name);
     });
-    if (!std::is_sorted(places.begin(), places.end()))
-        std::sort(places.begin(), places.end());
-    if (places.size() != table.rowCount || std::adjacent_find(places.begin(), places.end()) != places.end())
-        throw Damage();
-    return places;
+}
+
+void Reader::AddObject(std::int64_t id, std::int64_t type, bool isSystem, const QString& name) {
+    // What the engine keeps of deleted tables.
+    if (name.startsWith(QLatin1String("~TMPCLP")))
+        return;
+    if (type == TableObject && !isSystem) {
+        if (!IsSoundName(name) || Find(name))
+            throw Damage();
+        m_tables.push_back(ReadDefinition(static_cast<std::uint32_t>(id) & 0xFFFFFFU));
+        m_tables.back().name = name;
+        return;
+    }
+    const bool isEngines = type == TableObject ? name.startsWith(QLatin1String("MSys"), Qt::CaseInsensitive)
+                                               : isSystem || name.startsWith(u'~');
+    const bool isKnown =
+        type < 0 || type == DatabaseObject || type == ContainerObject || type == RelationObject;
+    if (!isEngines && !isKnown)
+        m_others += name;
 }
 
 } // namespace engine::jet4

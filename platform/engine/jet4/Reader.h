@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/engine/Value.h"
-#include "platform/engine/jet4/Image.h"
+#include "platform/engine/jet4/RowRange.h"
 
 #include <QString>
 #include <QStringList>
@@ -25,15 +25,6 @@ struct Column {
     std::uint16_t variable = 0; ///< of a variable column, its place among them
 };
 
-/// Where a row stands: the page and its place there.
-struct RowPlace {
-    std::uint32_t page = 0;
-    std::uint32_t row = 0;
-
-    // NOLINTNEXTLINE(modernize-use-nullptr): the check misreads the comparison.
-    friend auto operator<=>(const RowPlace&, const RowPlace&) = default;
-};
-
 class RowParts;
 
 struct Table {
@@ -41,69 +32,65 @@ struct Table {
     std::uint32_t definition = 0; ///< its page
     std::uint32_t rowCount = 0;
     std::uint32_t indexCount = 0;
-    std::uint16_t variableColumns = 0;
-    RowPlace ownedPages; ///< of the map of its pages
+    std::uint16_t columnsEver = 0;     ///< those that were taken away counted as well
+    std::uint16_t variableColumns = 0; ///< likewise
+    RowPlace ownedPages;               ///< of the map of its pages
     std::vector<Column> columns;
 
     /// By name, case ignored; -1 if there is none.
     int Find(QStringView column) const;
+    /// Whether columns were taken away; their values may still lie in the rows.
+    bool LacksColumns() const { return columns.size() < columnsEver; }
 };
 
 /// Reads a database file of the format Jet 4.0. The file is taken for hostile: every number is checked, every
-/// chain bounded, the memory bounded by the size of the file, which is read once, at the start. Whatever
+/// chain bounded, the memory bounded by the size of the file, which is read as it is asked for. Whatever
 /// contradicts itself is failure 3049; nothing is left out in silence.
 class Reader {
 public:
     /// Whether a plain file with the header of this format stands at the path. Reads its first bytes alone.
     static bool IsOldFormat(const QString& path);
 
-    /// Reads the file and its catalog. Failures: 3024 missing, 3051 no right to it, 3043 the disk fails, 3343
-    /// another format, 3031 a password, 3049 damaged.
+    /// Reads the catalog of the file, which stays open. Failures: 3024 missing, 3051 no right to it, 3043 the
+    /// disk fails, 3343 another format, 3031 a password, 3049 damaged.
     explicit Reader(const QString& path);
     /// The same over bytes that the caller holds.
-    Reader(QByteArray bytes, QString path);
+    Reader(const QByteArray& bytes, QString path);
 
     /// The user's tables, in the order of the catalog.
     const std::vector<Table>& Tables() const { return m_tables; }
     /// By name, case ignored; null if there is none.
     const Table* Find(QStringView table) const;
-    /// Names of what is no table: queries and links to other files.
+    /// Names of what is no table that can be read: queries, links to other files, tables of other programs.
     const QStringList& OtherObjects() const { return m_others; }
 
-    /// The rows of a table, every one exactly once, in the order of the file. Failure 3049 if they are not as
-    /// many as the table says.
-    std::vector<RowPlace> Rows(const Table& table) const;
+    /// See RowRange; the table has to outlive it.
+    RowRange Rows(const Table& table) const { return {m_image, table}; }
     /// The values of a row, one for each column; NULL for columns of an Unknown type. Failure 3049.
     void Read(const Table& table, RowPlace place, std::vector<Value>& values) const;
+    /// Calls `visit` with the values of each row.
+    template <class Visit>
+    void ForEachRow(const Table& table, Visit visit) const {
+        std::vector<Value> values;
+        for (const RowPlace place : Rows(table)) {
+            Read(table, place, values);
+            visit(values);
+        }
+    }
 
 private:
-    struct Row {
-        Bytes bytes;
-        std::uint16_t flags = 0;
-    };
-
-    template <class Action>
-    auto Guarded(Action action) const;
-
-    Bytes PageOf(std::uint32_t page, std::uint8_t type) const;
-    Row RowAt(RowPlace place) const;
-    RowPlace Follow(const Table& table, Bytes pointer) const;
+    Reader(std::unique_ptr<QIODevice> device, QString path);
 
     Table ReadDefinition(std::uint32_t page);
-    static Column ReadColumn(Bytes definition);
+    static Column ReadColumn(const Bytes& definition);
     Bytes DefinitionPageOf(std::uint32_t page);
     QByteArray DefinitionBytes(std::uint32_t page);
     void ReadCatalog();
+    void AddObject(std::int64_t id, std::int64_t type, bool isSystem, const QString& name);
 
-    template <class Visit>
-    void ForEachOwnedPage(const Table& table, Visit visit) const;
-    void AddRows(const Table& table, std::uint32_t page, std::vector<RowPlace>& places) const;
-    std::vector<RowPlace> RowsOf(const Table& table) const;
-    void ReadRow(const Table& table, RowPlace place, std::vector<Value>& values) const;
     Value ReadValue(const Column& column, const RowParts& parts) const;
-    QByteArray ReadLong(Bytes value) const;
+    QByteArray ReadLong(const Bytes& value) const;
 
-    QString m_path;
     Image m_image;
     std::vector<bool> m_definitionPages; ///< those that a definition has taken: none serves two
     std::vector<Table> m_tables;

@@ -8,7 +8,7 @@
 #include <QFile>
 #include <sqlite3.h>
 
-#include <algorithm>
+#include <utility>
 
 namespace engine::jet4 {
 
@@ -18,33 +18,37 @@ namespace {
 struct CopiedColumns {
     QStringList names; ///< in quotes
     std::vector<std::size_t> places;
-    std::vector<sql::ColumnInfo> targets;
     int rowNumber = -1; ///< which of them SQLite keeps as the row number
 };
 
-CopiedColumns ColumnsOf(const Table& table, const Layout& layout) {
+/// Raises 3043 if the new file lacks one.
+CopiedColumns ColumnsOf(const Table& table, const FileCatalog& catalog) {
+    const Layout* layout = catalog.FindLayout(table.name);
     CopiedColumns columns;
     for (std::size_t place = 0; place < table.columns.size(); ++place) {
-        const int target = layout.info.Find(table.columns[place].name);
-        if (target < 0)
+        const Column& column = table.columns[place];
+        if (column.type == DataType::Unknown)
             continue;
-        if (target == layout.info.RowNumberColumn())
+        const int target = layout ? layout->info.Find(column.name) : -1;
+        if (target < 0)
+            RaiseEngine(DiskOrNetworkFailure);
+        if (target == layout->info.RowNumberColumn())
             columns.rowNumber = static_cast<int>(columns.places.size());
-        columns.names += QuoteName(table.columns[place].name);
+        columns.names += QuoteName(column.name);
         columns.places.push_back(place);
-        columns.targets.push_back(layout.info.columns[static_cast<std::size_t>(target)]);
     }
     return columns;
 }
 
-/// A value in the form that its column in the new file has, if that is of another type than the old one.
-const Value& Converted(const Table& table, const CopiedColumns& columns, std::size_t i,
-                       std::vector<Value>& values) {
-    Value& value = values[columns.places[i]];
-    const sql::ColumnInfo& target = columns.targets[i];
-    if (table.columns[columns.places[i]].type != target.type)
-        value = functions::ToColumn(value, target.type, 0, table.name + u'.' + target.name);
-    return value;
+qsizetype BytesIn(const std::vector<Value>& values) {
+    qsizetype bytes = 0;
+    for (const Value& value : values) {
+        if (const auto* text = value.As<QString>())
+            bytes += text->size() * 2;
+        else if (const auto* held = value.As<QByteArray>())
+            bytes += held->size();
+    }
+    return bytes;
 }
 
 QString InsertText(const Table& table, const CopiedColumns& columns, std::size_t rows) {
@@ -53,14 +57,6 @@ QString InsertText(const Table& table, const CopiedColumns& columns, std::size_t
     return QStringLiteral("INSERT INTO %1 (%2) VALUES ")
                .arg(QuoteName(table.name), columns.names.join(u',')) +
            values.join(u',');
-}
-
-/// The row number under which the new file keeps a row; those without a key are counted.
-std::int64_t KeyOf(const CopiedColumns& columns, const std::vector<Value>& values, std::int64_t count) {
-    if (columns.rowNumber < 0)
-        return count;
-    return static_cast<std::int64_t>(
-        values[columns.places[static_cast<std::size_t>(columns.rowNumber)]].Number());
 }
 
 bool Equals(const Statement& statement, int column, const Value& value) {
@@ -126,45 +122,16 @@ void RowCopy::Run(const char* text) {
         Raise(code);
 }
 
-void RowCopy::CopyAll() {
+void RowCopy::CopyAll(const std::vector<Table>& tables) {
     Run("BEGIN");
-    for (const Table& table : m_reader.Tables())
+    for (const Table& table : tables)
         Copy(table);
     Run("COMMIT");
 }
 
-void RowCopy::CompareAll() {
-    for (const Table& table : m_reader.Tables())
+void RowCopy::CompareAll(const std::vector<Table>& tables) {
+    for (const Table& table : tables)
         Compare(table);
-}
-
-// Many rows go into one statement: what SQLite does once for each statement weighs as much as a row.
-void RowCopy::Copy(const Table& table) {
-    const FileCatalog catalog(m_db, m_path);
-    const Layout* layout = catalog.FindLayout(table.name);
-    if (!layout)
-        return;
-    const CopiedColumns columns = ColumnsOf(table, *layout);
-    const std::vector<RowPlace> places = m_reader.Rows(table);
-    constexpr std::size_t most = 50;
-    std::vector<std::vector<Value>> rows(std::min(most, places.size()));
-    Statement insert;
-    std::size_t prepared = 0;
-    for (std::size_t start = 0; start < places.size(); start += prepared) {
-        const std::size_t count = std::min(most, places.size() - start);
-        if (count != prepared)
-            Prepare(insert, InsertText(table, columns, count));
-        prepared = count;
-        int parameter = 0;
-        for (std::size_t row = 0; row < count; ++row) {
-            m_reader.Read(table, places[start + row], rows[row]);
-            for (std::size_t i = 0; i < columns.places.size(); ++i)
-                insert.Bind(++parameter, Converted(table, columns, i, rows[row]));
-        }
-        if (const int code = insert.Step(); code != SQLITE_DONE)
-            Raise(code);
-        insert.Reset();
-    }
 }
 
 void RowCopy::Prepare(Statement& statement, const QString& text) {
@@ -172,44 +139,68 @@ void RowCopy::Prepare(Statement& statement, const QString& text) {
         Raise(code);
 }
 
-// The rows of an old file lie nearly in the order of their keys: they are met on the way through the new
-// table, and only those that are not are looked up.
-void RowCopy::Compare(const Table& table) {
-    const FileCatalog catalog(m_db, m_path);
-    const Layout* layout = catalog.FindLayout(table.name);
-    if (!layout)
+// Many rows go into one statement: what SQLite does once for each statement weighs as much as a row.
+void RowCopy::Copy(const Table& table) {
+    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db, m_path));
+    if (columns.places.empty())
         return;
-    const CopiedColumns columns = ColumnsOf(table, *layout);
-    const QString text =
-        QStringLiteral("SELECT rowid, %1 FROM %2").arg(columns.names.join(u','), QuoteName(table.name));
-    Statement inOrder;
-    Statement byKey;
-    Prepare(inOrder, text + QStringLiteral(" ORDER BY rowid"));
-    Prepare(byKey, text + QStringLiteral(" WHERE rowid = ?"));
-    bool more = inOrder.Step() == SQLITE_ROW;
-    std::int64_t count = 0;
-    std::vector<Value> values;
-    for (const RowPlace place : m_reader.Rows(table)) {
-        m_reader.Read(table, place, values);
-        ++count;
-        const std::int64_t key = KeyOf(columns, values, count);
-        while (more && inOrder.Number(0) < key)
-            more = inOrder.Step() == SQLITE_ROW;
-        const bool met = more && inOrder.Number(0) == key;
-        if (!met)
-            byKey.BindNumber(1, key);
-        if (!met && byKey.Step() != SQLITE_ROW)
-            RaiseEngine(DiskOrNetworkFailure);
-        const Statement& found = met ? inOrder : byKey;
-        for (std::size_t i = 0; i < columns.places.size(); ++i) {
-            if (!Equals(found, static_cast<int>(i) + 1, Converted(table, columns, i, values)))
-                RaiseEngine(DiskOrNetworkFailure);
+    constexpr std::size_t mostRows = 50;
+    constexpr qsizetype mostBytes = 1 << 20;
+    std::vector<std::vector<Value>> rows;
+    qsizetype bytes = 0;
+    Statement insert;
+    std::size_t prepared = 0;
+    const auto write = [&] {
+        if (rows.size() != std::exchange(prepared, rows.size()))
+            Prepare(insert, InsertText(table, columns, rows.size()));
+        int parameter = 0;
+        for (const std::vector<Value>& values : rows) {
+            for (const std::size_t place : columns.places)
+                insert.Bind(++parameter, values[place]);
         }
-        if (!met)
-            byKey.Reset();
-    }
+        if (const int code = insert.Step(); code != SQLITE_DONE)
+            Raise(code);
+        insert.Reset();
+        rows.clear();
+        bytes = 0;
+    };
+    m_reader.ForEachRow(table, [&](std::vector<Value>& values) {
+        bytes += BytesIn(values);
+        rows.push_back(std::move(values));
+        if (rows.size() == mostRows || bytes > mostBytes)
+            write();
+    });
+    if (!rows.empty())
+        write();
+}
+
+// Rows with a key are looked up by it; the others stand in the order in which they were written.
+void RowCopy::Compare(const Table& table) {
+    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db, m_path));
+    if (columns.places.empty())
+        return;
+    const bool keyed = columns.rowNumber >= 0;
+    const auto key = static_cast<std::size_t>(columns.rowNumber);
+    const QString name = QuoteName(table.name);
+    Statement found;
+    Prepare(found, QStringLiteral("SELECT %1 FROM %2 ").arg(columns.names.join(u','), name) +
+                       (keyed ? QStringLiteral("WHERE %1 = ?").arg(columns.names[columns.rowNumber])
+                              : QStringLiteral("NOT INDEXED")));
+    std::int64_t count = 0;
+    m_reader.ForEachRow(table, [&](const std::vector<Value>& values) {
+        ++count;
+        if (keyed) {
+            found.Reset();
+            found.Bind(1, values[columns.places[key]]);
+        }
+        bool equal = found.Step() == SQLITE_ROW;
+        for (std::size_t i = 0; equal && i < columns.places.size(); ++i)
+            equal = Equals(found, static_cast<int>(i), values[columns.places[i]]);
+        if (!equal)
+            RaiseEngine(DiskOrNetworkFailure);
+    });
     Statement all;
-    Prepare(all, QStringLiteral("SELECT count(*) FROM ") + QuoteName(table.name));
+    Prepare(all, QStringLiteral("SELECT count(*) FROM ") + name);
     if (all.Step() != SQLITE_ROW || all.Number(0) != count)
         RaiseEngine(DiskOrNetworkFailure);
 }

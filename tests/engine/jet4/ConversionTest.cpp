@@ -9,6 +9,13 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <functional>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/file.h>
+#endif
+
 using engine::jet4::Conversion;
 using engine::jet4::Report;
 
@@ -17,7 +24,8 @@ namespace {
 /// Rules of somebody who knows no table.
 engine::jet4::Rules NoRules() {
     return {.requiredTables = {},
-            .makeTable = [](engine::Database&, const engine::jet4::Table&) { return false; }};
+            .furtherTables = [](const auto&) { return QStringList(); },
+            .known = [](const auto&, const auto&) { return engine::jet4::KnownTable(); }};
 }
 
 class OldFormatConversion : public testing::Test {
@@ -124,6 +132,139 @@ TEST_F(OldFormatConversion, KeepsThePlaceBehindALinkAndTheRightsOfTheFile) {
     EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther));
 }
 
+// What the format allows and the new file has no like of: it comes over all the same.
+TEST_F(OldFormatConversion, NothingIsLostThatTheNewFileHasNoLikeOf) {
+    const auto rename = [](const char16_t* column, const char16_t* name) {
+        return [=](test::OldBytes& bytes) {
+            bytes.Rename(u"Orders", QString::fromUtf16(column), QString::fromUtf16(name));
+        };
+    };
+    const QStringList orders{QStringLiteral("10|Ромашка"), QStringLiteral("11|Василёк")};
+    const struct {
+        const char* file;
+        std::function<void(test::OldBytes&)> change;
+        const char* sql;
+        QStringList rows;
+        QStringList renamed = {};
+    } cases[] = {
+        {"foreign.mdb", rename(u"OrderId", u"RowId"), "SELECT RowId, Customer FROM Orders ORDER BY 1",
+         orders},
+        {"foreign.mdb",
+         [&](test::OldBytes& bytes) {
+             rename(u"OrderId", u"rowid")(bytes);
+             rename(u"Customer", u"_rowid_")(bytes);
+             rename(u"Note", u"oid")(bytes);
+         },
+         "SELECT rowid, _rowid_ FROM Orders ORDER BY 1", orders},
+        {"foreign.mdb",
+         rename(u"Customer", u"a\xFFFFz"),
+         "SELECT OrderId, a_z FROM Orders ORDER BY 1",
+         orders,
+         {QStringLiteral("Orders.a\uFFFFz → a_z")}},
+        {"foreign.mdb",
+         [&](test::OldBytes& bytes) {
+             rename(u"Customer", u"a\xFFFFz")(bytes);
+             rename(u"OrderId", u"a_z")(bytes);
+         },
+         "SELECT a_z, a_z_2 FROM Orders ORDER BY 1",
+         orders,
+         {QStringLiteral("Orders.a\uFFFFz → a_z_2")}},
+        {"foreign.mdb",
+         [](test::OldBytes& bytes) {
+             bytes.Replace(bytes.CatalogRow(u"Orders"), QStringLiteral("Orders"), QStringLiteral("~rders"));
+         },
+         "SELECT count(*) FROM _rders",
+         {QStringLiteral("2")},
+         {QStringLiteral("~rders → _rders")}},
+        {"foreign.mdb",
+         [](test::OldBytes& bytes) {
+             bytes.Replace(bytes.CatalogRow(u"Пустая таблица"), QStringLiteral("Пустая таблица"),
+                           QStringLiteral("SQLite_таблица"));
+         },
+         "SELECT count(*) FROM _SQLite_таблица",
+         {QStringLiteral("0")},
+         {QStringLiteral("SQLite_таблица → _SQLite_таблица")}},
+        {"foreign.mdb",
+         [](test::OldBytes& bytes) {
+             bytes.Put(bytes.Row(u"Товары", 1) + 2, bytes.U32(bytes.Row(u"Товары", 0) + 2));
+         },
+         "SELECT Код FROM Товары ORDER BY 1",
+         {QStringLiteral("1"), QStringLiteral("1"), QStringLiteral("3"), QStringLiteral("4")}},
+        {"foreign.mdb",
+         [](test::OldBytes& bytes) { bytes.Add(bytes.Trailer(u"Товары", 0, 0), -1); },
+         "SELECT Код FROM Товары ORDER BY 1",
+         {QStringLiteral("NULL"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4")}},
+        {"foreign.mdb",
+         [](test::OldBytes& bytes) { bytes.Put(bytes.Row(u"Товары", 0) + 2 + 20, -657434.75); },
+         "SELECT Завезён FROM Товары WHERE Код = 1",
+         {QStringLiteral("-657434.75")}},
+        {"v1-old.mdb",
+         [](test::OldBytes& bytes) {
+             for (const char16_t mark : {u'\xFEFF', u'\xFFFE'})
+                 bytes.Put<std::uint16_t>(bytes.Row(u"a02", mark == u'\xFEFF' ? 0 : 1) + 2 + 10, mark);
+         },
+         "SELECT substr(hex(CAST(a02cval AS BLOB)), 1, 4), length(a02cval) > 5 FROM a02 ORDER BY a02rcid "
+         "LIMIT 2",
+         {QStringLiteral("FFFE|1"), QStringLiteral("FEFF|1")}},
+        {"v1-old.mdb",
+         [](test::OldBytes& bytes) { bytes.AddColumn(u"a01", QStringLiteral("Новый")); },
+         "SELECT count(*), count(Новый), count(a01clid), max(length(a01last)) FROM a01",
+         {QStringLiteral("11|0|11|50")}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.sql);
+        test::OldBytes bytes(row.file);
+        row.change(bytes);
+        const QString path = Path(QStringLiteral("book.mdb"));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes.Bytes()) > 0);
+        file.close();
+        const Report report = Conversion(path, NoRules()).Run();
+        EXPECT_EQ(test::ReadRows(path, QString::fromUtf8(row.sql)), row.rows);
+        EXPECT_EQ(report.renamed, row.renamed);
+        EXPECT_EQ(report.notCopied, QStringList());
+    }
+}
+
+#ifdef Q_OS_UNIX
+// Another program that has the old file open may not have written all of it yet.
+TEST_F(OldFormatConversion, WaitsForOtherPrograms) {
+    const QString path = Copy("v1-old.mdb");
+    const QString users = Path(QStringLiteral("v1-old.ldb"));
+    ASSERT_TRUE(QFile(users).open(QIODevice::WriteOnly));
+    const auto take = [](int file) {
+        struct flock lock {};
+        lock.l_type = F_RDLCK;
+        return ::fcntl(file, F_OFD_SETLK, &lock) == 0;
+    };
+    const auto takeWhole = [](int file) { return ::flock(file, LOCK_SH) == 0; };
+    for (const QString& held : {path, users}) {
+        for (const std::function<bool(int)>& lock : {std::function<bool(int)>(take), {takeWhole}}) {
+            SCOPED_TRACE(held.toStdString());
+            Conversion early(path, NoRules());
+            QFile file(held);
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            ASSERT_TRUE(lock(file.handle()));
+            EXPECT_EQ(test::FailureNumber([&] { Conversion(path, NoRules()); }), engine::FileInUse);
+            EXPECT_EQ(test::FailureNumber([&] { early.Run(); }), engine::FileInUse);
+        }
+    }
+    EXPECT_EQ(Conversion(path, NoRules()).Run().kept, Path(QStringLiteral("v1-old.jet4.mdb")));
+}
+
+TEST_F(OldFormatConversion, ANameWithoutRoomForThatOfTheKeptFileIsRefused) {
+    const QString path = Path(QString(248, u'x') + QStringLiteral(".mdb"));
+    ASSERT_TRUE(QFile::copy(test::OldFile(QStringLiteral("v1-old.mdb")), path));
+    try {
+        const Conversion conversion(path, NoRules());
+        ADD_FAILURE() << "not refused";
+    } catch (const runtime::Failure& failure) {
+        EXPECT_EQ(failure.number(), engine::InvalidPath);
+        EXPECT_TRUE(failure.description().contains(QStringLiteral("xxx.jet4.mdb")));
+    }
+}
+#endif
+
 TEST_F(OldFormatConversion, RefusalsAndFaultsLeaveTheFolderAsItWas) {
     const QString path = Copy("v1-old.mdb");
     const QByteArray before = test::BytesOf(path);
@@ -138,18 +279,9 @@ TEST_F(OldFormatConversion, RefusalsAndFaultsLeaveTheFolderAsItWas) {
     EXPECT_EQ(test::FailureNumber([&] { Conversion(path, stranger); }), engine::UnrecognisedFormat);
     expectUntouched();
 
-    // A rule that the rows do not keep: two rows of one key.
-    engine::jet4::Rules narrow = NoRules();
-    narrow.makeTable = [](engine::Database& target, const engine::jet4::Table& table) {
-        if (table.name != QLatin1String("a02"))
-            return false;
-        target.Execute(
-            QStringLiteral("CREATE TABLE a02 (a02rcid COUNTER, a02clid LONG, a02code SHORT PRIMARY KEY, "
-                           "a02cval TEXT(50))"),
-            engine::dbFailOnError);
-        return true;
-    };
-    EXPECT_EQ(test::FailureNumber([&] { Conversion(path, narrow).Run(); }), engine::CannotOpenDatabase);
+    engine::jet4::Rules severe = NoRules();
+    severe.furtherTables = [](const auto&) { return QStringList{QStringLiteral("missing")}; };
+    EXPECT_EQ(test::FailureNumber([&] { Conversion(path, severe); }), engine::CannotOpenDatabase);
     expectUntouched();
 
     // The other program writes to the file while it is converted.

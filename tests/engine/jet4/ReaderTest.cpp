@@ -1,12 +1,10 @@
 #include "platform/engine/jet4/Reader.h"
 
 #include "platform/engine/EngineError.h"
+#include "platform/engine/jet4/RowParts.h"
 #include "tests/engine/jet4/OldFiles.h"
 
 #include <gtest/gtest.h>
-
-#include <QTemporaryDir>
-#include <QtEndian>
 
 #include <algorithm>
 
@@ -19,10 +17,7 @@ namespace {
 /// All rows of a table, in ascending order of its first column.
 std::vector<std::vector<Value>> SortedRows(const Reader& reader, const Table& table) {
     std::vector<std::vector<Value>> rows;
-    for (const auto place : reader.Rows(table)) {
-        rows.emplace_back();
-        reader.Read(table, place, rows.back());
-    }
+    reader.ForEachRow(table, [&](const std::vector<Value>& values) { rows.push_back(values); });
     std::stable_sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
         const auto* first = a.front().template As<std::int64_t>();
         const auto* second = b.front().template As<std::int64_t>();
@@ -50,10 +45,10 @@ void ExpectRows(const Reader& reader, const Table& table, const QJsonObject& exp
 }
 
 void ReadAll(const Reader& reader) {
-    std::vector<Value> values;
     for (const Table& table : reader.Tables()) {
-        for (const auto place : reader.Rows(table))
-            reader.Read(table, place, values);
+        std::uint32_t count = 0;
+        reader.ForEachRow(table, [&count](const std::vector<Value>&) { ++count; });
+        EXPECT_EQ(count, table.rowCount);
     }
 }
 
@@ -88,7 +83,7 @@ TEST(OldFormatReader, ReadsEveryRowOfTheSoundFiles) {
             if (it.value().isObject())
                 ExpectRows(reader, *table, it.value().toObject());
             else
-                EXPECT_EQ(reader.Rows(*table).size(), it.key() == u"t02" ? 79U : 1913U);
+                EXPECT_EQ(table->rowCount, it.key() == u"t02" ? 79U : 1913U);
         }
     }
 }
@@ -145,6 +140,27 @@ TEST(OldFormatReader, NamesWhatItRefuses) {
     }
 }
 
+TEST(OldFormatReader, CompressedTextSwitchesItsMode) {
+    const struct {
+        QByteArray bytes;
+        QString text;
+    } rows[] = {
+        {QByteArray("\xFF\xFE"
+                    "ab\xFC"),
+         QStringLiteral("abü")},
+        {QByteArray("\xFF\xFE"
+                    "Max \0\x1B\x04\x43\x04\0.B\0\x10\x04",
+                    18),
+         QStringLiteral("Max Лу.BА")},
+        {QByteArray("\xFF\xFE\0\x1B\x04", 5), QStringLiteral("Л")},
+        {QByteArray("\xFF\xFE"), QString()},
+        {QByteArray("a\0\x1B\x04", 4), QStringLiteral("aЛ")},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(engine::jet4::DecodeText(row.bytes), row.text);
+    EXPECT_THROW(engine::jet4::DecodeText(QByteArray("\xFF\xFE\0\x1B", 4)), engine::jet4::Damage);
+}
+
 // Every page in turn is spoilt in several ways: the reader either reads all rows or says that the file is
 // damaged.
 TEST(OldFormatReader, NeverDeliversHalfATable) {
@@ -158,12 +174,8 @@ TEST(OldFormatReader, NeverDeliversHalfATable) {
                 QByteArray bytes = sound;
                 for (qsizetype i = 0; i < 4; ++i)
                     bytes[page * pageSize + place + i] = pattern;
-                const int number = test::FailureNumber([&bytes] {
-                    const Reader reader(bytes, QStringLiteral("x.mdb"));
-                    ReadAll(reader);
-                    const Table* cards = reader.Find(u"a01");
-                    EXPECT_TRUE(!cards || reader.Rows(*cards).size() == cards->rowCount);
-                });
+                const int number =
+                    test::FailureNumber([&bytes] { ReadAll(Reader(bytes, QStringLiteral("x.mdb"))); });
                 EXPECT_TRUE(number == 0 || number == engine::CannotOpenDatabase) << number;
                 refused += number != 0;
             }

@@ -1,0 +1,121 @@
+#include "platform/engine/jet4/RowCheck.h"
+
+#include "platform/engine/EngineError.h"
+#include "platform/engine/functions/Functions.h"
+#include "platform/engine/sql/Plan.h"
+
+#include <algorithm>
+
+namespace engine::jet4 {
+
+namespace {
+
+/// Remembers values and tells whether one came twice. Of a text 64 bits are remembered, which is as good as
+/// all of it.
+class Distinct {
+public:
+    void Add(const Value& value) {
+        if (const auto* text = value.As<QString>())
+            m_texts.push_back(qHash(functions::Fold(*text)));
+        else if (const auto* number = value.As<std::int64_t>())
+            m_numbers.push_back(static_cast<std::int32_t>(*number));
+    }
+    bool Repeats() { return Repeats(m_texts) || Repeats(m_numbers); }
+
+private:
+    template <class Element>
+    static bool Repeats(std::vector<Element>& seen) {
+        if (!std::is_sorted(seen.begin(), seen.end()))
+            std::sort(seen.begin(), seen.end());
+        return std::adjacent_find(seen.begin(), seen.end()) != seen.end();
+    }
+
+    std::vector<std::size_t> m_texts;
+    std::vector<std::int32_t> m_numbers;
+};
+
+struct Rule {
+    std::size_t place; ///< of the column in a row
+    sql::ColumnInfo column;
+    Distinct seen;
+};
+
+bool IsWhole(DataType type) {
+    return type == DataType::Byte || type == DataType::Short || type == DataType::Long ||
+           type == DataType::Counter;
+}
+
+bool IsText(DataType type) {
+    return type == DataType::Text || type == DataType::Memo;
+}
+
+std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QString& path) {
+    class NoTables : public sql::Catalog {
+        const sql::TableInfo* FindTable(QStringView) const override { return nullptr; }
+    };
+    const sql::TableInfo made =
+        sql::Translate(sql::Scan(statement), NoTables(), sql::Purpose::Execute).change.table;
+    std::vector<Rule> rules;
+    for (const sql::ColumnInfo& column : made.columns) {
+        const int place = table.Find(column.name);
+        const DataType type =
+            place < 0 ? DataType::Unknown : table.columns[static_cast<std::size_t>(place)].type;
+        if (!(IsWhole(column.type) && IsWhole(type)) && !(IsText(column.type) && IsText(type)))
+            RaiseEngine(CannotOpenDatabase, path);
+        rules.push_back({static_cast<std::size_t>(place), column, {}});
+        rules.back().column.unique =
+            column.unique || made.RowNumberColumn() == static_cast<int>(rules.size()) - 1;
+    }
+    return rules;
+}
+
+void CheckRange(const Value& value, const sql::ColumnInfo& column, const Table& table, const QString& path) {
+    try {
+        functions::ToColumn(value, column.type, 0, column.name);
+    } catch (const runtime::Failure& failure) {
+        throw runtime::Failure(
+            failure.number(),
+            failure.description() +
+                QStringLiteral(" Файл '%1', таблица '%2', поле '%3'.").arg(path, table.name, column.name));
+    }
+}
+
+} // namespace
+
+void CheckKnownRows(const Reader& reader, const Table& table, const QString& statement, const QString& path) {
+    std::vector<Rule> rules = RulesOf(table, statement, path);
+    reader.ForEachRow(table, [&](const std::vector<Value>& values) {
+        for (Rule& rule : rules) {
+            const Value& value = values[rule.place];
+            if (value.IsNull() && rule.column.required)
+                RaiseEngine(CannotOpenDatabase, path);
+            if (IsWhole(rule.column.type))
+                CheckRange(value, rule.column, table, path);
+            if (rule.column.unique)
+                rule.seen.Add(value);
+        }
+    });
+    if (std::any_of(rules.begin(), rules.end(), [](Rule& rule) { return rule.seen.Repeats(); }))
+        RaiseEngine(CannotOpenDatabase, path);
+}
+
+void CheckUnknownRows(const Reader& reader, Table& table) {
+    const auto counter = std::find_if(table.columns.begin(), table.columns.end(),
+                                      [](const Column& column) { return column.type == DataType::Counter; });
+    const auto place = static_cast<std::size_t>(counter - table.columns.begin());
+    Distinct seen;
+    bool lacks = false;
+    reader.ForEachRow(table, [&](const std::vector<Value>& values) {
+        if (counter == table.columns.end())
+            return;
+        lacks = lacks || values[place].IsNull();
+        seen.Add(values[place]);
+    });
+    const bool isSound = !lacks && !seen.Repeats();
+    for (auto column = counter; column != table.columns.end(); ++column) {
+        if (column->type == DataType::Counter && !(column == counter && isSound))
+            column->type = DataType::Long;
+    }
+}
+
+} // namespace engine::jet4

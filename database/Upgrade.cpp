@@ -82,9 +82,9 @@ void FinishSecond() {
 
 /// Events came with version 3.
 void RaiseToThird(bool& bTransOpen) {
-    FinishSecond();
     gWorkspace->BeginTrans();
     bTransOpen = true;
+    FinishSecond();
     gDatabase->Execute(schema::CreateA03(), engine::dbFailOnError);
     gDatabase->Execute(QStringLiteral("UPDATE v00 SET v00vrid = 3"));
     gWorkspace->CommitTrans();

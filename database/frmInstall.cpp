@@ -16,12 +16,15 @@ namespace {
 const QString CreateHead = QStringLiteral("frmInstall функция cmdCreate_Click:");
 const QString SelectHead = QStringLiteral("frmInstall функция cmdSelect_Click:");
 
-/// What a route has bound so far. If the route fails it is given up again in the order of GiveUp; a step that
-/// fails is told under the route's head and does not keep the others from being taken.
+/// What a route has bound so far, and the file that it may replace. If the route fails it is given up again
+/// in the order of GiveUp.
 class Binding {
 public:
     explicit Binding(QString head)
         : m_head(std::move(head)) {}
+
+    /// The user has agreed to lose the file: whether the route succeeds or fails, it is not there afterwards.
+    void Overwrite(const QString& path) { m_old = std::make_shared<runtime::OldFile>(path); }
 
     void OpenWorkspace() {
         gWorkspace = engine::DBEngine::Workspaces(0);
@@ -34,37 +37,27 @@ public:
     }
 
     void CreateDatabase(const QString& path) {
-        gDatabase =
-            gWorkspace->CreateDatabase(path, QString::fromUtf16(engine::dbLangGeneral), engine::dbVersion40);
+        gDatabase = gWorkspace->PrepareDatabase(path, QString::fromUtf16(engine::dbLangGeneral),
+                                                engine::dbVersion40, m_old);
         m_databaseOpen = true;
-        m_created = path;
     }
 
     void GiveUp() const {
         if (m_databaseOpen) {
-            Take([] { gDatabase->Close(); });
+            gDatabase->Discard();
             gDatabase.reset();
-            if (!m_created.isEmpty())
-                Take([this] { engine::DBEngine::KillDatabase(m_created); });
         }
+        if (m_old)
+            forms::Attempt(m_head, [this] { engine::DBEngine::KillDatabase(*m_old); });
         if (m_workspaceOpen) {
-            Take([] { gWorkspace->Close(); });
+            forms::Attempt(m_head, [] { gWorkspace->Close(); });
             gWorkspace.reset();
         }
     }
 
 private:
-    template <class Step>
-    void Take(Step step) const {
-        try {
-            step();
-        } catch (const runtime::Failure& failure) {
-            forms::ShowErrorBox(m_head, failure);
-        }
-    }
-
     QString m_head;
-    QString m_created;
+    std::shared_ptr<runtime::OldFile> m_old;
     bool m_databaseOpen = false;
     bool m_workspaceOpen = false;
 };
@@ -129,11 +122,13 @@ void frmInstall::cmdCreate_Click() {
             if (!overwrite)
                 return;
             pointer.Renew();
-            engine::DBEngine::KillDatabase(path);
+            binding.Overwrite(path);
         }
         binding.OpenWorkspace();
         binding.CreateDatabase(path);
         const bool created = General::ApplySQLToCreateDB(*gDatabase);
+        if (created)
+            gWorkspace->Publish(*gDatabase);
         pointer.Release();
         if (created) {
             forms::MsgBox(QStringLiteral("База данных успешно создана."), forms::Icon::Information);

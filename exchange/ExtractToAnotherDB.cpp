@@ -18,22 +18,24 @@ namespace exchange {
 
 namespace {
 
-/// One extraction into a file that does not exist yet.
+const QString Head = QStringLiteral("frmRecords функция ExtractToAnotherDB:");
+
+/// One extraction into a new file, which comes to its name when it is complete.
 class Extraction {
 public:
-    Extraction(forms::Form& list, QString fileName)
+    /// `old`: what the user has agreed to lose; it is not there afterwards, success or not.
+    Extraction(forms::Form& list, QString fileName, std::shared_ptr<runtime::OldFile> old)
         : m_list(list)
         , m_fileName(std::move(fileName))
+        , m_old(std::move(old))
         , m_retries([this] { m_list.SetBusy(false); }) {}
 
     void Run(const QString& strCurrentSQL);
-    /// Gives up what is open, in this order: result sets, target with its file, workspace.
+    /// Gives up what is open, in this order: result sets, target with its file, workspace. Raises nothing.
     void GiveUp();
 
 private:
     void OpenTarget();
-    void DiscardTarget();
-    void CloseWorkspace();
     void CopyCards(const QString& strCurrentSQL);
     void CopyPhones(const QString& cardIds);
     void CopyPhoneTypes();
@@ -48,6 +50,7 @@ private:
 
     forms::Form& m_list;
     QString m_fileName;
+    std::shared_ptr<runtime::OldFile> m_old;
     Retries m_retries;
     std::shared_ptr<engine::Workspace> m_workspace;
     std::shared_ptr<engine::Database> m_target;
@@ -63,8 +66,7 @@ void Extraction::Run(const QString& strCurrentSQL) {
     if (!General::ApplySQLToCreateDB(*m_target)) {
         m_list.SetBusy(false);
         forms::MsgBox(QStringLiteral("Не удалось извлечь данные в другую базу."), forms::Icon::Exclamation);
-        DiscardTarget();
-        CloseWorkspace();
+        GiveUp();
         return;
     }
     CopyCards(strCurrentSQL);
@@ -81,8 +83,8 @@ void Extraction::OpenTarget() {
     });
     try {
         m_target = m_retries.Run([this] {
-            return m_workspace->CreateDatabase(m_fileName, QString::fromUtf16(engine::dbLangGeneral),
-                                               engine::dbVersion40);
+            return m_workspace->PrepareDatabase(m_fileName, QString::fromUtf16(engine::dbLangGeneral),
+                                                engine::dbVersion40, m_old);
         });
     } catch (const runtime::Failure& failure) {
         if (failure.number() != engine::DatabaseExists)
@@ -191,9 +193,10 @@ void Extraction::Finish() {
     m_phones = {};
     m_types = {};
     m_events = {};
-    m_retries.Run([this] { m_target->Close(); });
+    m_target->Close(); // what is lost in this step no second try brings back
     m_target.reset();
-    CloseWorkspace();
+    m_workspace->Close();
+    m_workspace.reset();
 }
 
 void Extraction::GiveUp() {
@@ -201,26 +204,13 @@ void Extraction::GiveUp() {
     m_phones = {};
     m_types = {};
     m_events = {};
-    DiscardTarget();
-    CloseWorkspace();
-}
-
-void Extraction::DiscardTarget() {
-    if (!m_target)
-        return;
-    try {
-        m_target->Close();
-    } catch (const runtime::Failure&) {
-        // What could not be written down any more goes with the file.
-    }
+    if (m_target)
+        m_target->Discard();
     m_target.reset();
-    engine::DBEngine::KillDatabase(m_fileName);
-}
-
-void Extraction::CloseWorkspace() {
-    if (!m_workspace)
-        return;
-    m_workspace->Close();
+    if (m_old)
+        forms::Attempt(Head, [this] { engine::DBEngine::KillDatabase(*m_old); });
+    if (m_workspace)
+        forms::Attempt(Head, [this] { m_workspace->Close(); });
     m_workspace.reset();
 }
 
@@ -232,7 +222,8 @@ void ExtractToAnotherDB(forms::Form& list, const QString& strCurrentSQL) {
         const QString fileName = AskTargetFile(list, QStringLiteral("База данных Access (*.mdb)|*.mdb"));
         if (fileName.isEmpty())
             return;
-        if (runtime::IsPlainFile(fileName)) {
+        std::shared_ptr<runtime::OldFile> old;
+        if (runtime::IsFile(fileName)) {
             if (gRegister().GetKeyVal(QStringLiteral("DB_Path")) == fileName) {
                 forms::MsgBox(QStringLiteral("База не может быть экспортированна сама в себя."),
                               forms::Icon::Exclamation);
@@ -240,13 +231,13 @@ void ExtractToAnotherDB(forms::Form& list, const QString& strCurrentSQL) {
             }
             if (!AskOverwrite(fileName))
                 return;
-            engine::DBEngine::KillDatabase(fileName);
+            old = std::make_shared<runtime::OldFile>(fileName);
         }
-        extraction.emplace(list, fileName);
+        extraction.emplace(list, fileName, old);
         extraction->Run(strCurrentSQL);
     } catch (const runtime::Failure& failure) {
         list.SetBusy(false);
-        forms::ShowErrorBox(QStringLiteral("frmRecords функция ExtractToAnotherDB:"), failure);
+        forms::ShowErrorBox(Head, failure);
         if (extraction)
             extraction->GiveUp();
     }

@@ -118,7 +118,7 @@ void CsvExport::Run(forms::Form& list, const QString& strCurrentSQL) {
     const QString fileName = AskTargetFile(list, QStringLiteral("Файл с разделителями (*.csv)|*.csv"));
     if (fileName.isEmpty())
         return;
-    if (runtime::IsPlainFile(fileName)) {
+    if (runtime::IsFile(fileName)) {
         if (!AskOverwrite(fileName))
             return;
         runtime::Kill(fileName);

@@ -11,6 +11,7 @@
 using forms::Form;
 
 void General::Main() {
+    const QString head = QStringLiteral("Функция Main:");
     bool bDatabaseOpen = false;
     bool bWorkspaceOpen = false;
     try {
@@ -33,13 +34,13 @@ void General::Main() {
         frame->Load();
         frame->Show();
     } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("Функция Main:"), failure);
+        forms::ShowErrorBox(head, failure);
         if (bDatabaseOpen) {
-            gDatabase->Close();
+            forms::Attempt(head, [] { gDatabase->Close(); });
             gDatabase.reset();
         }
         if (bWorkspaceOpen) {
-            gWorkspace->Close();
+            forms::Attempt(head, [] { gWorkspace->Close(); });
             gWorkspace.reset();
         }
     }

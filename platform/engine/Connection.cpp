@@ -146,21 +146,24 @@ void BindRows(const Form& form, int place, const KeyIndexes::Rows& rows, QString
 
 } // namespace
 
-Connection::Connection(const QString& path)
+Connection::Connection(const QString& path, const QString& file)
     : m_path(path)
-    , m_file(QFileInfo(path).absoluteFilePath()) {
+    , m_file(QFileInfo(file.isEmpty() ? path : file).absoluteFilePath()) {
     Open();
 }
 
 void Connection::Open() {
     try {
-        if (!runtime::OpenDatabaseFile::Holds(m_path))
-            CheckDatabaseFile(m_path);
-        m_journal = QFileInfo(m_path).canonicalFilePath() + QStringLiteral("-journal");
+        const QString spelled = QFileInfo(m_path).absoluteFilePath() == m_file ? m_path : m_file;
+        if (!runtime::OpenDatabaseFile::Holds(m_file))
+            CheckDatabaseFile(spelled);
+        m_journal = QFileInfo(m_file).canonicalFilePath() + QStringLiteral("-journal");
         if (JournalNamesAFile(m_journal))
             RaiseEngine(CannotOpenDatabase, m_path);
         m_identity = runtime::IdentityOf(m_file);
         m_registered = std::make_unique<runtime::OpenDatabaseFile>(m_file);
+        if (!m_registered->Granted())
+            RaiseEngine(FileInUse, m_path);
         sqlite3_hard_heap_limit64(heapLimit);
         const int code =
             sqlite3_open_v2(QFile::encodeName(m_file).constData(), &m_db,
@@ -223,7 +226,7 @@ void Connection::CheckSound() {
     Statement pageSize;
     const std::int64_t whole =
         ReadNumber(pageCount, u"PRAGMA page_count") * ReadNumber(pageSize, u"PRAGMA page_size");
-    if (QFileInfo(m_path).size() < whole) // looked at last: others may let it grow meanwhile
+    if (QFileInfo(m_file).size() < whole) // looked at last: others may let it grow meanwhile
         RaiseEngine(CannotOpenDatabase, m_path);
     // Columns that are worked out one from the other can keep any reader busy for ever.
     if (Ask(u"SELECT count(*) FROM sqlite_schema AS s, pragma_table_xinfo(s.name) AS c WHERE s.type = "
@@ -269,6 +272,11 @@ void Connection::Close() {
     CheckOpen();
     m_commits->CommitGroup();
     Shut();
+}
+
+void Connection::Drop() noexcept {
+    if (IsOpen())
+        Shut();
 }
 
 void Connection::Shut() noexcept {

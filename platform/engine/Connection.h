@@ -44,8 +44,9 @@ struct BoundPlan {
 /// file. Everything but the constructor's parts may throw runtime::Failure with the engine's numbers.
 class Connection {
 public:
-    /// Opens and checks an existing file; failures as Workspace::OpenDatabase.
-    explicit Connection(const QString& path);
+    /// Opens and checks an existing file; failures as Workspace::OpenDatabase. `file` says where it stands if
+    /// it has not come to its path yet.
+    explicit Connection(const QString& path, const QString& file = {});
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -57,6 +58,8 @@ public:
     /// Makes pending statements durable and closes; what BeginTrans has begun is taken back. If the pending
     /// statements are lost, raises the failure and stays open; a second call closes.
     void Close();
+    /// Closes, if it is open, and takes back what is not durable.
+    void Drop() noexcept;
 
     void Execute(const QString& text, bool failOnError);
     int RecordsAffected() const { return m_affected; }
@@ -139,7 +142,7 @@ private:
     void Shut() noexcept;
 
     QString m_path;    ///< as it was given
-    QString m_file;    ///< the same, absolute
+    QString m_file;    ///< where the file stands, from the root
     QString m_journal; ///< where SQLite keeps it, links followed
     std::optional<runtime::FileIdentity> m_identity;
     bool m_isLost = false; ///< it did not stand there at the last look

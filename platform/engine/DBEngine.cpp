@@ -3,10 +3,7 @@
 #include "platform/engine/Connection.h"
 #include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
-#include "platform/runtime/Files.h"
 #include "platform/runtime/Process.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <exception>
@@ -85,27 +82,44 @@ Workspace::~Workspace() {
             connection->Commits().Rollback();
 }
 
-std::shared_ptr<Database> Workspace::OpenDatabase(const QString& path) {
+std::shared_ptr<Connection> Workspace::Connect(const QString& path, const QString& file) {
     m->CheckOpen();
-    const auto connection = std::make_shared<Connection>(path);
+    auto connection = std::make_shared<Connection>(path, file);
     for (int level = 0; level < m->depth; ++level)
         connection->Commits().BeginTrans();
     m->connections.push_back(connection);
     Remember(connection);
-    return std::shared_ptr<Database>(new Database(connection));
+    return connection;
 }
 
-std::shared_ptr<Database> Workspace::CreateDatabase(const QString& path, const QString&, int options) {
+std::shared_ptr<Database> Workspace::OpenDatabase(const QString& path) {
+    return std::shared_ptr<Database>(new Database(Connect(path)));
+}
+
+std::shared_ptr<Database> Workspace::CreateDatabase(const QString& path, const QString& locale, int options) {
+    auto database = PrepareDatabase(path, locale, options);
+    try {
+        Publish(*database);
+    } catch (const runtime::Failure&) {
+        database->Discard(); // nobody else has seen it
+        throw;
+    }
+    return database;
+}
+
+std::shared_ptr<Database> Workspace::PrepareDatabase(const QString& path, const QString&, int options,
+                                                     std::shared_ptr<const runtime::OldFile> old) {
     m->CheckOpen();
     if (options != dbVersion40)
         RaiseEngine(InvalidArgument);
-    CreateDatabaseFile(path);
-    try {
-        return OpenDatabase(path);
-    } catch (const runtime::Failure&) {
-        QFile::remove(path); // nobody else has seen it
-        throw;
-    }
+    auto file = std::make_unique<NewFile>(path, std::move(old));
+    const auto connection = Connect(path, file->File());
+    return std::shared_ptr<Database>(new Database(connection, std::move(file)));
+}
+
+void Workspace::Publish(Database& database) {
+    database.Close();
+    database.m_connection = Connect(database.Name());
 }
 
 void Workspace::BeginTrans() {
@@ -176,9 +190,11 @@ void DBEngine::Idle() {
     Commit();
 }
 
-void DBEngine::KillDatabase(const QString& path) {
-    runtime::Kill(path);
-    RemoveJournal(path);
+void DBEngine::KillDatabase(const runtime::OldFile& file) {
+    if (!file.Stands())
+        return;
+    file.Delete();
+    RemoveJournals(file.Path());
 }
 
 void DBEngine::AcknowledgeLoss() noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/engine/Database.h"
+#include "platform/runtime/Files.h"
 
 #include <memory>
 #include <vector>
@@ -27,6 +28,16 @@ public:
     std::shared_ptr<Database> CreateDatabase(const QString& path, const QString& locale,
                                              int options = dbVersion40);
 
+    /// The same for a file that is to be filled before anybody sees it: it gets its name by Publish or by its
+    /// Close. Then it takes the place of `old`, if there is one and it still stands there, and of no other
+    /// file (3204). If it is dropped before, no trace of it is left.
+    std::shared_ptr<Database> PrepareDatabase(const QString& path, const QString& locale, int options,
+                                              std::shared_ptr<const runtime::OldFile> old = {});
+    /// Makes what was written durable, gives the file its name, and that to the disk, and opens it again
+    /// under it. Not within a transaction. Behind a failure, which is one of the file's making, of a commit
+    /// or of an opening, the database is to be discarded.
+    void Publish(Database& database);
+
     /// One transaction over all databases of the workspace, schema statements included; up to 5 levels
     /// (3003).
     void BeginTrans();
@@ -41,6 +52,7 @@ public:
 private:
     friend class DBEngine;
     explicit Workspace(QString name);
+    std::shared_ptr<Connection> Connect(const QString& path, const QString& file = {});
     struct Impl;
     QString m_name;
     std::unique_ptr<Impl> m;
@@ -63,8 +75,9 @@ public:
     /// The same when control returns to the event loop; a failure is raised to the dispatcher.
     static void Idle();
 
-    /// Deletes a database file, as runtime::Kill, and the journal that a crash may have left with it.
-    static void KillDatabase(const QString& path);
+    /// Deletes a database file if it still stands at its place, and the journals that a crash may have left
+    /// with it. Failures as runtime::OldFile::Delete.
+    static void KillDatabase(const runtime::OldFile& file);
 
     /// Drops the memory of a lost group without raising it: its failure has been shown.
     static void AcknowledgeLoss() noexcept;

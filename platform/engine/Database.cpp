@@ -1,6 +1,7 @@
 #include "platform/engine/Database.h"
 
 #include "platform/engine/Connection.h"
+#include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
 #include "platform/engine/RecordsetImpl.h"
 
@@ -80,8 +81,9 @@ int TableDef::FieldsCount() const {
     return static_cast<int>(LayoutOf(*open, m_name).info.columns.size());
 }
 
-Database::Database(std::shared_ptr<Connection> connection)
-    : m_connection(std::move(connection)) {
+Database::Database(std::shared_ptr<Connection> connection, std::unique_ptr<NewFile> file)
+    : m_newFile(std::move(file))
+    , m_connection(std::move(connection)) {
 }
 
 Database::~Database() = default;
@@ -115,6 +117,14 @@ QStringList Database::TableNames() {
 
 void Database::Close() {
     m_connection->Close();
+    if (m_newFile)
+        m_newFile->GiveName();
+}
+
+void Database::Discard() noexcept {
+    m_connection->Drop();
+    if (const auto file = std::exchange(m_newFile, nullptr))
+        file->Remove();
 }
 
 bool Database::IsOpen() const {

@@ -10,6 +10,7 @@
 namespace engine {
 
 class Connection;
+class NewFile;
 class Workspace;
 
 /// OpenRecordset type: an updatable view; the only one in use, and the default for a query.
@@ -83,12 +84,18 @@ public:
     QStringList TableNames();
 
     /// Makes pending statements durable, closes the result sets and the file. Failure 3420 if closed already.
+    /// A file of PrepareDatabase gets its name with that; if it cannot get it, failures as there, the file is
+    /// closed all the same.
     void Close();
+    /// Closes without making anything durable, and takes away the file if PrepareDatabase has made it. Any
+    /// number of times.
+    void Discard() noexcept;
     bool IsOpen() const;
 
 private:
     friend class Workspace;
-    explicit Database(std::shared_ptr<Connection> connection);
+    explicit Database(std::shared_ptr<Connection> connection, std::unique_ptr<NewFile> file = {});
+    std::unique_ptr<NewFile> m_newFile; ///< outlives the connection
     std::shared_ptr<Connection> m_connection;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/engine/DatabaseFile.h"
 
 #include "platform/engine/EngineError.h"
+#include "platform/runtime/DiskSync.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -18,7 +19,6 @@
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -119,30 +119,6 @@ QByteArray EmptyImage() {
     return {reinterpret_cast<const char*>(bytes.get()), static_cast<qsizetype>(size)};
 }
 
-bool Sync(QFile& file) {
-#ifdef Q_OS_UNIX
-    return ::fsync(file.handle()) == 0;
-#else
-    return file.flush();
-#endif
-}
-
-// Gives a finished file its name; a hard link cannot replace a file. Where the file system has no links, the
-// short moment between the look and the renaming is accepted.
-std::error_code GiveName(const QString& temporary, const QString& path) {
-    std::error_code error;
-    std::filesystem::create_hard_link(FilePath(temporary), FilePath(path), error);
-    if (!error || error == std::errc::file_exists) {
-        QFile::remove(temporary);
-        return error;
-    }
-    std::error_code unseen;
-    if (std::filesystem::exists(std::filesystem::symlink_status(FilePath(path), unseen)))
-        return std::make_error_code(std::errc::file_exists);
-    std::filesystem::rename(FilePath(temporary), FilePath(path), error);
-    return error;
-}
-
 } // namespace
 
 void CheckDatabaseFile(const QString& path) {
@@ -205,41 +181,79 @@ QString TemporaryName(const QString& folder) {
         QLatin1String(TemporaryFiles).arg(QStringLiteral("%1").arg(number, 16, 16, QLatin1Char('0'))));
 }
 
-bool RemoveJournal(const QString& path) {
-    const QString journal = QFileInfo(path).absoluteFilePath() + QStringLiteral("-journal");
-    return QFile::remove(journal) || !QFileInfo::exists(journal);
+bool RemoveJournals(const QString& path, runtime::Disk& disk) {
+    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+        const QString file = QFileInfo(path).absoluteFilePath() + QLatin1String(suffix);
+        if (runtime::Stands(file) && (runtime::FileMark::IsLocked(file) || disk.Remove(file)))
+            return false;
+    }
+    return true;
 }
 
-void CreateDatabaseFile(const QString& path) {
-    CheckFolder(path);
-    std::error_code error;
-    if (std::filesystem::exists(std::filesystem::symlink_status(FilePath(path), error)))
+void CheckDisk(const std::error_code& error, const QString& path) {
+    if (!error)
+        return;
+    if (runtime::IsDiskFull(error))
+        RaiseEngine(DiskFull);
+    if (error == std::errc::file_exists)
         RaiseEngine(DatabaseExists, path);
-    if (!RemoveJournal(path))
-        RaiseEngine(CannotOpenFile, path);
-    const QByteArray image = EmptyImage();
-    const QString folder = QFileInfo(path).absolutePath();
-    RemoveStale(QDir(folder));
-    const QString temporary = TemporaryName(folder);
-    QFile file(temporary);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
-        RaiseEngine(CannotOpenFile, path);
-    const bool written = file.write(image) == image.size() && Sync(file);
-    const bool full = file.error() == QFileDevice::ResourceError || errno == ENOSPC;
-    file.close();
-    if (!written) {
-        file.remove();
-        RaiseEngine(full ? DiskFull : DiskOrNetworkFailure);
-    }
-    if (const auto failed = GiveName(temporary, path)) {
-        QFile::remove(temporary);
-        if (failed == std::errc::file_exists)
-            RaiseEngine(DatabaseExists, path);
-        if (failed == std::errc::filename_too_long || failed == std::errc::invalid_argument)
+    for (const auto name : {std::errc::filename_too_long, std::errc::invalid_argument})
+        if (error == name)
             RaiseEngine(InvalidPath, path);
-        RaiseEngine(failed == std::errc::no_space_on_device ? DiskFull : CannotOpenFile, path);
-    }
-    // That the name is on the disk too comes with the first commit, which gives the folder to it.
+    for (const auto right :
+         {std::errc::permission_denied, std::errc::operation_not_permitted, std::errc::read_only_file_system})
+        if (error == right)
+            RaiseEngine(CannotOpenFile, path);
+    RaiseEngine(DiskOrNetworkFailure);
+}
+
+NewFile::NewFile(QString path, std::shared_ptr<const runtime::OldFile> old)
+    : m_path(std::move(path))
+    , m_old(std::move(old)) {
+    CheckFolder(m_path);
+    m_name = QFileInfo(m_path).absoluteFilePath();
+    Replaces();
+    std::error_code error;
+    runtime::Stands(m_name + QStringLiteral("-journal"), error);
+    if (error == std::errc::filename_too_long) // it could never be written to
+        RaiseEngine(InvalidPath, m_path);
+    const QString folder = runtime::FolderOf(m_name);
+    RemoveStale(QDir(folder));
+    m_file = TemporaryName(folder);
+    CheckDisk(runtime::Disk::Current().Write(m_file, EmptyImage()), m_path);
+    m_identity = runtime::IdentityOf(m_file).value_or(runtime::FileIdentity());
+}
+
+NewFile::~NewFile() {
+    if (m_file != m_name)
+        Remove();
+}
+
+bool NewFile::Replaces() const {
+    const bool replaces = m_old && m_old->Stands();
+    if (!replaces && runtime::Stands(m_name))
+        RaiseEngine(DatabaseExists, m_path);
+    return replaces;
+}
+
+void NewFile::GiveName() {
+    if (m_file == m_name)
+        return;
+    runtime::Disk& disk = runtime::Disk::Current();
+    CheckDisk(disk.Sync(m_file), m_path);
+    const bool replaces = Replaces();
+    if (!RemoveJournals(m_name))
+        RaiseEngine(CannotOpenFile, m_path);
+    CheckDisk(replaces ? disk.Rename(m_file, m_name) : disk.Name(m_file, m_name), m_path);
+    m_file = m_name;
+    CheckDisk(disk.Sync(runtime::FolderOf(m_name)), m_path);
+}
+
+void NewFile::Remove() noexcept {
+    if (runtime::IdentityOf(m_file) != m_identity)
+        return;
+    runtime::Disk::Current().Remove(m_file);
+    RemoveJournals(m_file);
 }
 
 } // namespace engine

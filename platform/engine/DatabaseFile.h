@@ -1,7 +1,12 @@
 #pragma once
 
+#include "platform/runtime/Files.h"
+
 #include <QByteArrayView>
 #include <QString>
+
+#include <memory>
+#include <system_error>
 
 namespace engine {
 
@@ -21,17 +26,50 @@ inline constexpr int headerSize = 100;
 /// rollback. Ours never do.
 bool JournalNamesAFile(const QString& journal);
 
-/// Makes an empty database file under a temporary name, gives it to the disk and then its name, which never
-/// replaces a file. What crashes have left in the folder is tidied away. Failures: 3044, 3204, 3051, 3026,
-/// 3043.
-void CreateDatabaseFile(const QString& path);
+/// A database file in the making. Until it is finished it stands under a hidden name in the folder of its
+/// own, so that a crash at any moment leaves nothing at its path, or what stood there before. What crashes
+/// have left in the folder is tidied away.
+class NewFile {
+public:
+    /// Makes an empty database file. `old` may be replaced, nothing else. Failures: 3044, 3204, 3051, 3026,
+    /// 3043.
+    NewFile(QString path, std::shared_ptr<const runtime::OldFile> old);
+    /// Takes the file away unless it has its name.
+    ~NewFile();
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    /// Where the file stands now.
+    const QString& File() const { return m_file; }
+
+    /// Gives the finished, closed file to the disk and then its name, in one step; nothing if it has it.
+    /// Failures as the constructor's. If the name cannot be given to the disk as well, the file has it all
+    /// the same.
+    void GiveName();
+    /// Takes the file away, named or not.
+    void Remove() noexcept;
+
+private:
+    /// Whether the old file is there to be replaced; failure 3204 if another stands at the path.
+    bool Replaces() const;
+
+    QString m_path; ///< as it was given
+    QString m_name; ///< the same from the root
+    QString m_file;
+    std::shared_ptr<const runtime::OldFile> m_old;
+    runtime::FileIdentity m_identity;
+};
 
 /// A new name for a file that is to be made in the folder before it bears its own; hidden, so that no dialog
 /// offers what a crash may leave.
 QString TemporaryName(const QString& folder);
 
-/// Takes away the journal of a database file that is gone, so that it is not taken for that of the next file
-/// of this name. False if it is still there.
-bool RemoveJournal(const QString& path);
+/// Takes away the journals that a crash or another program has left beside the name of a database file, so
+/// that they are not taken for those of the next file of this name. Only while nobody has a file of that name
+/// open. False if one is in use or cannot be taken away.
+bool RemoveJournals(const QString& path, runtime::Disk& disk = runtime::Disk::Current());
+
+/// Raises what a step on the disk tells: 3026, 3204, 3044, 3051 or 3043.
+void CheckDisk(const std::error_code& error, const QString& path);
 
 } // namespace engine

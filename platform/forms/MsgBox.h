@@ -27,6 +27,17 @@ bool AskNo(const QString& text, Icon icon = Icon::Question);
 /// fails on the way to the box for another reason is told in a second box with the same head.
 void ShowErrorBox(const QString& head, const runtime::Failure& failure, Icon icon = Icon::Critical);
 
+/// One step of a clean-up: its failure is told under the head of the routine that cleans up, and does not
+/// keep the next steps from being taken.
+template <class Step>
+void Attempt(const QString& head, Step step) {
+    try {
+        step();
+    } catch (const runtime::Failure& failure) {
+        ShowErrorBox(head, failure);
+    }
+}
+
 /// The text of the standard error box.
 QString ErrorText(const QString& head, const runtime::Failure& failure);
 

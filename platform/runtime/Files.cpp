@@ -3,16 +3,17 @@
 #include "platform/runtime/Codec1251.h"
 #include "platform/runtime/DiskSync.h"
 #include "platform/runtime/Failure.h"
-#include "platform/runtime/FileIdentity.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QThread>
 
 #include <cerrno>
-#include <set>
+#include <chrono>
+#include <map>
 
 namespace runtime {
 
@@ -20,10 +21,15 @@ namespace {
 
 constexpr char EndOfText = '\x1A';
 
+struct HeldFile {
+    int count = 0;
+    FileMark mark;
+};
+
 /// Never destroyed: a database of a process-wide object is closed after the statics of this file would be
 /// gone.
-std::multiset<FileIdentity>& OpenDatabases() {
-    static auto& files = *new std::multiset<FileIdentity>;
+std::map<FileIdentity, HeldFile>& OpenDatabases() {
+    static auto& files = *new std::map<FileIdentity, HeldFile>;
     return files;
 }
 
@@ -56,39 +62,68 @@ void CheckWritten(const std::error_code& error) {
 
 } // namespace
 
+bool IsFile(const QString& path) {
+    return !path.isEmpty() && IsWellFormed(path) && QFileInfo(path).isFile();
+}
+
 bool IsPlainFile(const QString& path) {
-    if (path.isEmpty() || !IsWellFormed(path))
-        return false;
-    const QFileInfo info(path);
-    return info.isFile() && !info.isHidden();
+    return IsFile(path) && !QFileInfo(path).isHidden();
 }
 
 void Kill(const QString& path) {
+    OldFile(path).Delete();
+}
+
+OldFile::OldFile(const QString& path)
+    : m_path(path) {
     CheckWellFormed(path);
     const QFileInfo info(path);
     if (!info.exists() && !info.isSymLink())
         Raise(FileNotFound);
-    if (info.exists()) {
-        CheckRegular(info);
-        if (OpenDatabaseFile::Holds(path))
-            Raise(PermissionDenied);
-        if (!info.isWritable())
-            Raise(PathFileAccess);
-    }
-    if (!QFile(path).remove())
-        Raise(MayWriteFolderOf(info) ? PathFileAccess : PermissionDenied);
+    CheckRegular(info);
+    if (OpenDatabaseFile::Holds(path))
+        Raise(PermissionDenied);
+    if (!info.isWritable() || info.isSymLink())
+        Raise(PathFileAccess);
+    if (m_mark.TakeAlone(path) == FileMark::Result::Busy)
+        Raise(PermissionDenied);
+    m_identity = IdentityOf(path).value_or(FileIdentity());
+}
+
+bool OldFile::Stands() const {
+    return !QFileInfo(m_path).isSymLink() && IdentityOf(m_path) == m_identity;
+}
+
+void OldFile::Delete() const {
+    if (Stands() && Disk::Current().Remove(m_path))
+        Raise(MayWriteFolderOf(QFileInfo(m_path)) ? PathFileAccess : PermissionDenied);
 }
 
 OpenDatabaseFile::OpenDatabaseFile(const QString& path) {
-    const FileIdentity identity = IdentityOf(path).value_or(FileIdentity());
-    m_device = identity.device;
-    m_file = identity.file;
-    OpenDatabases().insert(identity);
+    using Clock = std::chrono::steady_clock;
+    constexpr auto LongestWait = std::chrono::seconds(5);
+    constexpr unsigned long Pause = 20; // ms
+    const auto start = Clock::now();
+    while (!(m_granted = Register(path)) && Clock::now() - start < LongestWait)
+        QThread::msleep(Pause);
+}
+
+/// False if another program has the file for itself, or has just put another in its place.
+bool OpenDatabaseFile::Register(const QString& path) {
+    m_identity = IdentityOf(path).value_or(FileIdentity());
+    HeldFile& file = OpenDatabases()[m_identity];
+    if (file.count == 0 && (file.mark.TakeShared(path) == FileMark::Result::Busy ||
+                            IdentityOf(path).value_or(FileIdentity()) != m_identity)) {
+        OpenDatabases().erase(m_identity);
+        return false;
+    }
+    ++file.count;
+    return true;
 }
 
 OpenDatabaseFile::~OpenDatabaseFile() {
-    const auto place = OpenDatabases().find({m_device, m_file});
-    if (place != OpenDatabases().end())
+    const auto place = OpenDatabases().find(m_identity);
+    if (m_granted && --place->second.count == 0)
         OpenDatabases().erase(place);
 }
 
@@ -105,22 +140,19 @@ OutputFile::OutputFile(const QString& path)
     : m(std::make_unique<Impl>()) {
     CheckWellFormed(path);
     const QFileInfo info(path);
-    if (info.exists()) {
+    if (info.exists())
         CheckRegular(info);
-        if (OpenDatabaseFile::Holds(path))
-            Raise(PermissionDenied);
-        if (!info.isWritable())
-            Raise(PathFileAccess);
-    } else if (!QFileInfo(info.absolutePath()).isDir()) {
+    else if (!QFileInfo(info.absolutePath()).isDir())
         Raise(PathNotFound);
-    }
     m->file.setFileName(path);
     errno = 0;
-    if (m->file.open(QFile::WriteOnly))
+    if (m->file.open(QFile::WriteOnly | QFile::NewOnly))
         return;
     if (IsDiskFull(WriteErrorOf(m->file)))
         Raise(DiskFull);
-    Raise(!info.exists() && !MayWriteFolderOf(info) ? PermissionDenied : PathFileAccess);
+    if (runtime::Stands(path))
+        Raise(info.isSymLink() ? PathFileAccess : FileAlreadyExists);
+    Raise(MayWriteFolderOf(info) ? PathFileAccess : PermissionDenied);
 }
 
 OutputFile::~OutputFile() = default;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/runtime/Disk.h"
+#include "platform/runtime/FileIdentity.h"
+
 #include <QString>
 
 #include <memory>
@@ -10,32 +13,60 @@ namespace runtime {
 /// pipe. The empty text is none. Never opens the file.
 bool IsPlainFile(const QString& path);
 
-/// Deletes a file. Failures: 53 missing, 75 a folder or read-only, 70 no right to or open as a database in
-/// this program (under any spelling of its path or through a link), 52 malformed path.
+/// The same, where hidden files count as well.
+bool IsFile(const QString& path);
+
+/// Deletes a file. Failures: 53 missing, 75 a folder, a link or read-only, 70 no right to or open as a
+/// database in this program (under any spelling of its path or through a link) or another, 52 malformed path.
 void Kill(const QString& path);
 
+/// A file that the user has agreed to lose. It stays until another takes its place or it is deleted, and
+/// meanwhile no other program opens it as its book.
+class OldFile {
+public:
+    /// Failures as Kill.
+    explicit OldFile(const QString& path);
+
+    const QString& Path() const { return m_path; }
+    /// Whether it is this very file that stands at its path.
+    bool Stands() const;
+    /// Deletes it if it stands there. Failures 70 and 75 as Kill.
+    void Delete() const;
+
+private:
+    QString m_path;
+    FileIdentity m_identity;
+    FileMark m_mark;
+};
+
 /// The files that this process holds open as databases, by identity (device and file number), not by path.
-/// The engine registers a file for as long as it is open.
+/// The engine registers a file for as long as it is open. Other programs see it by a mark on the file.
 class OpenDatabaseFile {
 public:
+    /// Waits for about 5 seconds for a program that is about to replace the file.
     explicit OpenDatabaseFile(const QString& path);
     ~OpenDatabaseFile();
     OpenDatabaseFile(const OpenDatabaseFile&) = delete;
     OpenDatabaseFile& operator=(const OpenDatabaseFile&) = delete;
 
+    /// False: another program still has the file for itself; it must not be opened.
+    bool Granted() const { return m_granted; }
+
     /// Whether the file that the path leads to is registered.
     static bool Holds(const QString& path);
 
 private:
-    quint64 m_device = 0;
-    quint64 m_file = 0;
+    bool Register(const QString& path);
+
+    FileIdentity m_identity;
+    bool m_granted = false;
 };
 
 /// A text file being written: Windows-1251 bytes, unknown characters as '?', lines ended by CR LF.
 class OutputFile {
 public:
-    /// Makes the file or empties it. Failures: 76 missing folder, 75 a folder or read-only, 70 no right to or
-    /// open as a database in this program, 61 disk full.
+    /// Makes the file. Failures: 58 it is there already, 75 a folder, device or link is, 76 missing folder,
+    /// 70 no right to the folder, 61 disk full.
     explicit OutputFile(const QString& path);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
@@ -43,7 +74,8 @@ public:
 
     /// Writes one line and its CR LF. Failure 61 on a full disk, 57 on another device failure.
     void Print(const QString& line);
-    /// Writes what is buffered and gives it to the disk; failures as Print. The destructor closes silently.
+    /// Writes what is buffered and gives it and its name to the disk; failures as Print. The destructor
+    /// closes silently.
     void Close();
 
 private:

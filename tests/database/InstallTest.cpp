@@ -67,15 +67,6 @@ protected:
         return QStringLiteral("Файл ") + path + QStringLiteral("уже существует. Перезаписать его?");
     }
 
-    void Write(const QString& name, const QByteArray& content) const {
-        QFile file(Path(name));
-        ASSERT_TRUE(file.open(QFile::WriteOnly));
-        file.write(content);
-    }
-    static QByteArray Content(const QString& path) {
-        QFile file(path);
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArrayLiteral("no file");
-    }
     static void ExpectNothingBound() {
         EXPECT_EQ(gDatabase, nullptr);
         EXPECT_EQ(gWorkspace, nullptr);
@@ -119,7 +110,7 @@ TEST_F(Install, CreatesAFileBindsItAndStoresItsPath) {
 
 TEST_F(Install, AnExistingFileIsOverwrittenOnlyOnYes) {
     const QString path = Path(QStringLiteral("old.mdb"));
-    Write(QStringLiteral("old.mdb"), "precious");
+    test::WriteBytes(Path(QStringLiteral("old.mdb")), "precious");
     {
         test::Answers answers;
         const QString tag = Run(
@@ -131,7 +122,7 @@ TEST_F(Install, AnExistingFileIsOverwrittenOnlyOnYes) {
             },
             [&](test::Answers& boxes) { boxes.Question(Question(path), false, false); });
         EXPECT_EQ(tag, QStringLiteral("0"));
-        EXPECT_EQ(Content(path), "precious");
+        EXPECT_EQ(test::ReadBytes(path), "precious");
         ExpectNothingBound();
     }
     test::Answers answers;
@@ -180,7 +171,7 @@ TEST_F(Install, AFolderIsNeverDeleted) {
 
 TEST_F(Install, AFullDiskLeavesNeitherTheOldNorTheNewFile) {
     const QString path = Path(QStringLiteral("old.mdb"));
-    Write(QStringLiteral("old.mdb"), "old");
+    test::WriteBytes(Path(QStringLiteral("old.mdb")), "old");
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit before = {};
     ::getrlimit(RLIMIT_FSIZE, &before);
@@ -208,7 +199,7 @@ TEST_F(Install, AFullDiskLeavesNeitherTheOldNorTheNewFile) {
 TEST_F(Install, AnExistingFileIsPickedUnlooked) {
     const QString path = Path(QStringLiteral("picked.mdb"));
     engine::DBEngine::Workspaces(0)->CreateDatabase(path, QString::fromUtf16(engine::dbLangGeneral))->Close();
-    const QByteArray before = Content(path);
+    const QByteArray before = test::ReadBytes(path);
     test::Answers answers;
     const QString tag = Run(
         answers, [](QWidget& window) { Press(window, "cmdSelect"); },
@@ -222,11 +213,11 @@ TEST_F(Install, AnExistingFileIsPickedUnlooked) {
     EXPECT_EQ(StoredPath(), path);
     ASSERT_NE(gDatabase, nullptr);
     EXPECT_EQ(gDatabase->Name(), path);
-    EXPECT_EQ(Content(path), before);
+    EXPECT_EQ(test::ReadBytes(path), before);
 }
 
 TEST_F(Install, ARefusedOrCancelledChoiceLeavesTheWindow) {
-    Write(QStringLiteral("text.mdb"), "this is no database at all, whatever its name says");
+    test::WriteBytes(Path(QStringLiteral("text.mdb")), "this is no database at all, whatever its name says");
     const QString path = Path(QStringLiteral("text.mdb"));
     test::Answers answers;
     const QString tag = Run(
@@ -242,6 +233,6 @@ TEST_F(Install, ARefusedOrCancelledChoiceLeavesTheWindow) {
                                                   Icon::Critical);
         });
     EXPECT_EQ(tag, QStringLiteral("0"));
-    EXPECT_TRUE(Content(path).startsWith("this is no database"));
+    EXPECT_TRUE(test::ReadBytes(path).startsWith("this is no database"));
     ExpectNothingBound();
 }

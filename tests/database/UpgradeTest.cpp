@@ -222,6 +222,18 @@ TEST_F(Upgrade, TheSecondRungFailsAlone) {
     EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM t03")), QStringLiteral("1913"));
 }
 
+TEST_F(Upgrade, ASecondRungThatFailsLeavesTheFileAsItWas) {
+    MakeVersion2();
+    Execute(QStringLiteral("CREATE TABLE a03 (x INTEGER)"));
+    const QByteArray before = Bytes();
+    test::Answers answers;
+    answers.BoxStarting(ErrorStart(Head, engine::TableExists), forms::Icon::Critical);
+    General::UpdateBaseIfNeed();
+    EXPECT_EQ(Bytes(), before);
+    EXPECT_FALSE(
+        gDatabase->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01bith")).AllowZeroLength());
+}
+
 TEST_F(Upgrade, AFileWithoutAVersionTableIsReportedAndUsed) {
     Execute(QStringLiteral("CREATE TABLE a01 (x INTEGER)"));
     test::Answers answers;

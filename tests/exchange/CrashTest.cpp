@@ -41,16 +41,23 @@ TEST_F(DISABLED_CrashChild, Import) {
 TEST_F(DISABLED_CrashChild, Extract) {
     auto list = forms::Form::Create<frmRecords>();
     list->Show();
+    const QString target = Handed("target.mdb");
     test::Answers answers;
-    answers.File(Handed("target.mdb"), [](QFileDialog&) { test::TellParent("working"); });
+    if (QFile::exists(target))
+        answers.File(target).Question(
+            QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(target), true, false);
+    else
+        answers.File(target);
+    test::TellParent("working");
     exchange::ExtractToAnotherDB(*list, "SELECT * FROM a01");
+    test::TellParent("extracted");
 }
 
 class CrashTest : public test::ExchangeTest {
 protected:
     /// Starts a child on the closed book, kills it so long after it began its work.
-    void KillWhileRunning(const QString& childTest, std::chrono::microseconds moment) const {
-        test::KillWhileRunning("DISABLED_CrashChild." + childTest, QFileInfo(bookPath).path(), moment);
+    QByteArray KillWhileRunning(const QString& childTest, std::chrono::microseconds moment) const {
+        return test::KillWhileRunning("DISABLED_CrashChild." + childTest, QFileInfo(bookPath).path(), moment);
     }
     void CloseBook() const { gDatabase->Close(); }
     void OpenBook() const { gDatabase = gWorkspace->OpenDatabase(bookPath); }
@@ -90,14 +97,24 @@ TEST_F(CrashTest, ImportLeavesWholeStatements) {
     EXPECT_GT(imported, 0) << "no run got as far as its first group";
 }
 
-TEST_F(CrashTest, ExtractionLeavesTheWorkingDatabaseAlone) {
+TEST_F(CrashTest, ExtractionLeavesWhatWasThereOrTheWholeFile) {
     AddManyCards(RowCount);
     CloseBook();
     const QByteArray bytes = test::ReadBytes(bookPath);
-    for (const auto moment : test::Moments("extraction", {1ms, 100ms, 250ms, 500ms}, 50)) {
-        KillWhileRunning("Extract", moment);
-        EXPECT_TRUE(test::ReadBytes(bookPath) == bytes);
-        QFile::remove(Beside("target.mdb"));
+    const QString target = Beside("target.mdb");
+    for (const QByteArray& old : {QByteArray("no file"), QByteArray("another file")}) {
+        for (const auto moment : test::Moments("extraction", {1ms, 250ms, 500ms, 1s, 2s}, 50)) {
+            QFile::remove(target);
+            if (old != "no file")
+                test::WriteBytes(target, old);
+            const QByteArray said = KillWhileRunning("Extract", moment);
+            EXPECT_TRUE(test::ReadBytes(bookPath) == bytes);
+            if (!said.isEmpty() || test::ReadBytes(target) != old) {
+                EXPECT_EQ(test::ReadRows(target, "SELECT (SELECT count(*) FROM a01), (SELECT count(*) FROM "
+                                                 "t03), (SELECT count(*) FROM t01)"),
+                          QStringList{"20000|1913|4"});
+            }
+        }
     }
     OpenBook();
     EXPECT_EQ(test::Integrity(bookPath), QStringLiteral("ok"));

@@ -10,17 +10,6 @@
 
 namespace test {
 
-inline QByteArray ReadBytes(const QString& path) {
-    QFile file(path);
-    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
-
-inline void WriteBytes(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QFile::WriteOnly));
-    ASSERT_EQ(file.write(bytes), bytes.size());
-}
-
 /// The program on a new book, with a list for the extract routines to stand on.
 class ExchangeTest : public WindowTest {
 protected:

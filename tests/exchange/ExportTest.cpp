@@ -260,7 +260,12 @@ TEST_F(ExportTest, FailuresEndInTheBox) {
     const QString link = Beside("link.csv");
     ASSERT_TRUE(QFile::link(bookPath, link));
     const QStringList cards = Cards();
-    for (const QString& target : {bookPath, spelled, link}) {
+    // So it is for the book that another program has open.
+    const QString other = Beside("other.mdb");
+    test::WriteBytes(other, "book");
+    runtime::FileMark held;
+    ASSERT_EQ(held.TakeShared(other), runtime::FileMark::Result::Taken);
+    for (const QString& target : {bookPath, spelled, link, other}) {
         test::Answers answers;
         answers.File(target)
             .Question(QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(target), true, false)
@@ -270,6 +275,32 @@ TEST_F(ExportTest, FailuresEndInTheBox) {
     EXPECT_EQ(Cards(), cards);
     EXPECT_EQ(test::Integrity(bookPath), QStringLiteral("ok"));
     EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_EQ(test::ReadBytes(other), "book");
+}
+
+/// A hidden file counts as well, and what comes while the dialog is asked is not touched.
+TEST_F(ExportTest, FilesThatNobodyAgreedToLose) {
+    AddCard(1, "Ааа");
+    const QString hidden = Beside(".h.csv");
+    test::WriteBytes(hidden, "old");
+    {
+        test::Answers answers;
+        answers.File(hidden).Question(
+            QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(hidden), false, false);
+        exchange::ExtractToCSV(*list, AllCards);
+    }
+    EXPECT_EQ(test::ReadBytes(hidden), "old");
+    test::Answers answers;
+    answers.File(path)
+        .Modal("frmSelectDelimiter",
+               [&](QWidget& dialog) {
+                   test::WriteBytes(path, "somebody's");
+                   Ok(dialog);
+               })
+        .BoxStarting(QStringLiteral("frmRecords функция ExtractToCSV:\r\nпроизошла ошибка №58 "),
+                     forms::Icon::Critical);
+    exchange::ExtractToCSV(*list, AllCards);
+    EXPECT_EQ(test::ReadBytes(path), "somebody's");
 }
 
 /// No file of this process may grow beyond so many bytes: what a full disk looks like.

@@ -1,6 +1,7 @@
 #include "exchange/ExtractToAnotherDB.h"
 #include "tests/exchange/ExchangeTest.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 
@@ -122,7 +123,9 @@ TEST_F(ExtractionTest, TheWorkingDatabaseByAnotherNameIsNotDeleted) {
     ASSERT_TRUE(QFile::link(bookPath, link));
     const QStringList cards = Cards();
     const QByteArray bytes = test::ReadBytes(bookPath);
-    for (const QString& path : {Beside("sub/book.mdb"), link}) {
+    const QString hidden = Beside(".hidden.mdb");
+    ASSERT_TRUE(QFile::link(bookPath, hidden));
+    for (const QString& path : {Beside("sub/book.mdb"), link, hidden}) {
         test::Answers answers;
         answers.File(path)
             .Question(QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(path), true, false)
@@ -136,23 +139,77 @@ TEST_F(ExtractionTest, TheWorkingDatabaseByAnotherNameIsNotDeleted) {
     EXPECT_EQ(Cards().size(), 2);
 }
 
-/// A hidden link is not found by the question, but the target then exists: its tables are there already.
-TEST_F(ExtractionTest, AHiddenLinkToTheWorkingDatabase) {
-    AddCard(1, "Ааа");
-    target = Beside(".hidden.mdb");
-    ASSERT_TRUE(QFile::link(bookPath, target));
-    {
+/// What stands at the target is replaced when the new file is complete; a failure leaves neither.
+TEST_F(ExtractionTest, AFailureOverAnotherFile) {
+    AddCard(1, "Два");
+    AddPhone(1, 1, "1");
+    AddPhone(1, 1, "2");
+    struct Row {
+        std::function<void()> meanwhile; ///< while the error box is up
+        QByteArray left;
+    };
+    const Row rows[] = {
+        {[&] { EXPECT_EQ(test::ReadBytes(target), QByteArray("old")); }, "no file"},
+        {[&] { QFile::remove(target); }, "no file"},
+        {[&] {
+             QFile::remove(target);
+             test::WriteBytes(target, "somebody's");
+         },
+         "somebody's"},
+        {[&] {
+             QFile::remove(target);
+             QDir().mkdir(target);
+         },
+         "no file"},
+    };
+    for (const Row& row : rows) {
+        test::WriteBytes(target, "old");
         test::Answers answers;
         answers.File(target)
-            .BoxStarting(QStringLiteral("General функция ApplySQLToCreateDB:\r\nпроизошла ошибка №3010 "),
-                         forms::Icon::Critical)
-            .Box("Не удалось извлечь данные в другую базу.", forms::Icon::Exclamation)
+            .Question(QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(target), true, false)
+            .BoxStarting(Head(3022), forms::Icon::Critical, [&](const QString&) { row.meanwhile(); });
+        exchange::ExtractToAnotherDB(*list, "SELECT * FROM a01, a02 WHERE a01clid = a02clid");
+        EXPECT_TRUE(answers.Done());
+        EXPECT_EQ(test::ReadBytes(target), row.left);
+        QFile::remove(target);
+    }
+    EXPECT_TRUE(QFileInfo(target).isDir());
+}
+
+/// What another program has made at the target, or has open there, stays.
+TEST_F(ExtractionTest, ATargetOfAnotherProgram) {
+    AddCard(1, "Ааа");
+    test::WriteBytes(target, "book");
+    {
+        runtime::FileMark held;
+        ASSERT_EQ(held.TakeShared(target), runtime::FileMark::Result::Taken);
+        test::Answers answers;
+        answers.File(target)
+            .Question(QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(target), true, false)
             .BoxStarting(Head(70), forms::Icon::Critical);
         exchange::ExtractToAnotherDB(*list, AllCards);
-        EXPECT_TRUE(answers.Done());
+        EXPECT_EQ(test::ReadBytes(target), "book");
     }
-    EXPECT_EQ(Cards().size(), 1);
-    EXPECT_EQ(test::Integrity(bookPath), QStringLiteral("ok"));
+    QFile::remove(target);
+    class Intruder final : public runtime::Disk {
+    public:
+        explicit Intruder(QString target)
+            : m_target(std::move(target)) {
+            Use(this);
+        }
+        ~Intruder() override { Use(nullptr); }
+        std::error_code Write(const QString& path, const QByteArray& bytes) override {
+            test::WriteBytes(m_target, "finished");
+            return Disk::Write(path, bytes);
+        }
+
+    private:
+        QString m_target;
+    } const intruder(target);
+    test::Answers answers;
+    answers.File(target).BoxStarting(Head(3204), forms::Icon::Critical);
+    exchange::ExtractToAnotherDB(*list, AllCards);
+    EXPECT_EQ(test::ReadBytes(target), "finished");
 }
 
 TEST_F(ExtractionTest, FailuresLeaveNoTarget) {

@@ -23,7 +23,7 @@ namespace {
 class StartWork : public testing::Test, public test::Work {
 protected:
     void Prepare() override {
-        for (const QString& name : Leftovers())
+        for (const QString& name : test::FilesOf(Path(), false))
             QFile::remove(Folder().filePath(name));
     }
     /// What the program does from its entry to the event loop.
@@ -55,11 +55,7 @@ protected:
 
     QString Path() const { return m_folder.Path(QStringLiteral("book.mdb")); }
     QDir Folder() const { return QFileInfo(Path()).dir(); }
-    /// The book and what belongs to it.
-    QStringList Leftovers() const {
-        return Folder().entryList({QStringLiteral("book*"), QStringLiteral(".zavelik*")},
-                                  QDir::Files | QDir::Hidden);
-    }
+    QStringList Leftovers() const { return test::FilesOf(Path(), cutsPower); }
     QString Row(const char* sql) const {
         return test::ReadRows(Path(), QString::fromLatin1(sql)).join(u'\n');
     }
@@ -101,8 +97,7 @@ class Creation : public StartWork {
         if (!QFile::exists(Path()))
             return;
         Open()->Close();
-        if (reported)
-            CheckEnd();
+        CheckEnd();
     }
     void ActAgain() override {}
 };

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QThread>
 #include <QWidget>
@@ -72,6 +74,14 @@ bool Survives(Work& work, Fault& fault, int slowOpens) {
 void Work::Answer(QWidget& window) {
     ADD_FAILURE() << "nobody expected " << window.objectName().toStdString();
     window.close();
+}
+
+QStringList FilesOf(const QString& path, bool cutsPower) {
+    const QFileInfo file(path);
+    QStringList names{file.completeBaseName() + u'*'};
+    if (!cutsPower)
+        names += QStringLiteral(".zavelik*");
+    return file.dir().entryList(names, QDir::Files | QDir::Hidden);
 }
 
 void SweepWork(Work& work, const std::string& name, int samples) {

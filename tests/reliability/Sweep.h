@@ -43,6 +43,10 @@ public:
     virtual void CheckEnd() = 0;
 };
 
+/// The names of a file, of what belongs to it, and of what is hidden beside it. What is hidden may lie there
+/// for a day if the power was cut.
+QStringList FilesOf(const QString& path, bool cutsPower);
+
 /// Does the work under one fault after another; see SweepFaults. Then the same on a slow disk.
 void SweepWork(Work& work, const std::string& name, int samples);
 

@@ -95,7 +95,7 @@ TEST_F(Files, KillDeletesFilesAndNothingElse) {
     } rows[] = {
         {odd, 0},
         {odd, runtime::FileNotFound},
-        {link, 0},
+        {link, runtime::PathFileAccess},
         {folder, runtime::PathFileAccess},
         {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
         {Path(QStringLiteral("no/such")), runtime::FileNotFound},
@@ -109,10 +109,10 @@ TEST_F(Files, KillDeletesFilesAndNothingElse) {
     EXPECT_TRUE(QFile::exists(kept));
     EXPECT_TRUE(QFile::exists(folder));
     EXPECT_FALSE(QFile::exists(odd));
-    EXPECT_FALSE(QFile::exists(link));
+    EXPECT_TRUE(QFile::exists(link));
 }
 
-TEST_F(Files, AnOpenDatabaseIsNeitherDeletedNorOverwrittenUnderAnyName) {
+TEST_F(Files, AnOpenDatabaseIsNotDeletedUnderAnyName) {
     const QString book = Make(QStringLiteral("book.mdb"), "cards");
     const QString link = Path(QStringLiteral("link.mdb"));
     const QString hardLink = Path(QStringLiteral("hard.mdb"));
@@ -123,10 +123,8 @@ TEST_F(Files, AnOpenDatabaseIsNeitherDeletedNorOverwrittenUnderAnyName) {
         const runtime::OpenDatabaseFile open(book);
         const runtime::OpenDatabaseFile openTwice(link);
         for (const QString& path : {book, link, hardLink, Path(QStringLiteral("sub/../book.mdb")),
-                                    Path(QStringLiteral("sub/.././/book.mdb"))}) {
+                                    Path(QStringLiteral("sub/.././/book.mdb"))})
             EXPECT_EQ(test::NumberOf([&] { runtime::Kill(path); }), runtime::PermissionDenied);
-            EXPECT_EQ(test::NumberOf([&] { OutputFile file(path); }), runtime::PermissionDenied);
-        }
         EXPECT_EQ(Content(book), "cards");
     }
     EXPECT_EQ(test::NumberOf([&] { runtime::Kill(book); }), 0);
@@ -134,7 +132,7 @@ TEST_F(Files, AnOpenDatabaseIsNeitherDeletedNorOverwrittenUnderAnyName) {
 }
 
 TEST_F(Files, OutputIsWrittenInTheCodePageWithBothLineEnds) {
-    const QString path = Make(OddName, "older and longer content than the new one");
+    const QString path = Path(OddName);
     OutputFile file(path);
     file.Print(QStringLiteral("Имя;№"));
     file.Print(QStringLiteral("日\nx"));
@@ -145,6 +143,8 @@ TEST_F(Files, OutputIsWrittenInTheCodePageWithBothLineEnds) {
 
 TEST_F(Files, OutputNamesWhatIsWrong) {
     QDir().mkdir(Path(QStringLiteral("folder")));
+    const QString link = Path(QStringLiteral("link"));
+    QFile::link(Path(QStringLiteral("nowhere")), link);
     const struct {
         QString path;
         int failure;
@@ -152,6 +152,8 @@ TEST_F(Files, OutputNamesWhatIsWrong) {
         {Path(QStringLiteral("folder")), runtime::PathFileAccess},
         {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
         {QStringLiteral("/dev/full"), runtime::PathFileAccess},
+        {Make(QStringLiteral("somebody's")), runtime::FileAlreadyExists},
+        {link, runtime::PathFileAccess},
         {Path(QStringLiteral("no/such.csv")), runtime::PathNotFound},
         {Make(QStringLiteral("file")) + QStringLiteral("/x.csv"), runtime::PathNotFound},
         {LongPath(), runtime::BadFileName},
@@ -168,6 +170,7 @@ TEST_F(Files, AFullDiskIsReportedAtTheLatestOnClosing) {
     ::getrlimit(RLIMIT_FSIZE, &before);
     const QString line(99, u'x');
     for (const rlim_t room : {rlim_t{0}, rlim_t{512}, rlim_t{100'000}}) {
+        QFile::remove(Path(QStringLiteral("full.csv")));
         OutputFile file(Path(QStringLiteral("full.csv")));
         const rlimit limit = {room, before.rlim_max};
         ::setrlimit(RLIMIT_FSIZE, &limit);

@@ -1,5 +1,10 @@
 #include "tests/support/FaultyFiles.h"
 
+#include "platform/runtime/Disk.h"
+
+#include <QFile>
+#include <QFileInfo>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -7,6 +12,7 @@
 #include <map>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test {
@@ -35,6 +41,16 @@ struct OnDisk {
 
 std::map<std::string, OnDisk> disk;
 
+/// A file that has been renamed while its folder has not been given to the disk.
+struct Renaming {
+    std::string from;
+    std::string to;
+    OnDisk renamed;
+    OnDisk replaced;
+};
+
+std::vector<Renaming> renamings;
+
 void Apply(const Change& change, std::string& bytes) {
     if (change.bytes.empty()) {
         bytes.resize(change.at);
@@ -42,6 +58,13 @@ void Apply(const Change& change, std::string& bytes) {
     }
     bytes.resize(std::max(bytes.size(), change.at + change.bytes.size()));
     bytes.replace(change.at, change.bytes.size(), change.bytes);
+}
+
+void Sync(OnDisk& file) {
+    for (const Change& change : file.changes)
+        Apply(change, file.bytes);
+    file.changes.clear();
+    file.exists = true;
 }
 
 int Judge(FaultyFiles::Call call) {
@@ -97,12 +120,8 @@ int Truncate(sqlite3_file* file, sqlite3_int64 size) {
 int Sync(sqlite3_file* file, int) {
     if (const int code = Judge(FaultyFiles::Call::Sync); code != SQLITE_OK)
         return code;
-    if (OnDisk* onDisk = static_cast<File*>(file)->onDisk) {
-        for (const Change& change : onDisk->changes)
-            Apply(change, onDisk->bytes);
-        onDisk->changes.clear();
-        onDisk->exists = true;
-    }
+    if (OnDisk* onDisk = static_cast<File*>(file)->onDisk)
+        Sync(*onDisk);
     return SQLITE_OK;
 }
 int FileSize(sqlite3_file* file, sqlite3_int64* size) {
@@ -178,13 +197,71 @@ int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
     OnDisk& onDisk = FindOnDisk(name);
     onDisk.changes.clear();
     const int code = syncFolder != 0 ? Judge(FaultyFiles::Call::SyncFolder) : SQLITE_OK;
-    if (syncFolder != 0 && code == SQLITE_OK)
+    if (syncFolder != 0 && code == SQLITE_OK) {
         onDisk = {};
-    else
+        renamings.clear();
+    } else
         onDisk.changes.push_back({}); // until the folder is on the disk the file may come back
     const int removal = realLayer->xDelete(realLayer, name, 0);
     return removal != SQLITE_OK ? removal : code;
 }
+
+std::error_code ErrorOf(int code) {
+    switch (code) {
+    case SQLITE_OK:
+        return {};
+    case SQLITE_FULL:
+        return std::make_error_code(std::errc::no_space_on_device);
+    case SQLITE_CANTOPEN:
+        return std::make_error_code(std::errc::permission_denied);
+    default:
+        return std::make_error_code(std::errc::io_error);
+    }
+}
+
+/// The same faults for the files that the program makes without SQLite.
+class FaultyDisk final : public runtime::Disk {
+    using Call = FaultyFiles::Call;
+
+    std::error_code Write(const QString& path, const QByteArray& bytes) override {
+        for (const Call call : {Call::Open, Call::Write, Call::Sync})
+            if (const auto error = ErrorOf(Judge(call)))
+                return error;
+        disk[QFile::encodeName(path).toStdString()] = {true, bytes.toStdString(), {}};
+        return Disk::Write(path, bytes);
+    }
+    std::error_code Sync(const QString& path) override {
+        const bool folder = QFileInfo(path).isDir();
+        if (const auto error = ErrorOf(Judge(folder ? Call::SyncFolder : Call::Sync)))
+            return error;
+        if (folder)
+            renamings.clear();
+        else
+            test::Sync(FindOnDisk(QFile::encodeName(path).constData()));
+        return {};
+    }
+    std::error_code Name(const QString& path, const QString& name) override {
+        return runtime::Stands(name) ? std::make_error_code(std::errc::file_exists) : Rename(path, name);
+    }
+    std::error_code Rename(const QString& path, const QString& name) override {
+        if (const auto error = ErrorOf(Judge(Call::Delete)))
+            return error;
+        const std::string from = QFile::encodeName(path).toStdString();
+        const std::string to = QFile::encodeName(name).toStdString();
+        renamings.push_back({from, to, FindOnDisk(from.c_str()), FindOnDisk(to.c_str())});
+        disk[to] = std::exchange(disk[from], {});
+        return Disk::Rename(path, name);
+    }
+    // A clean-up that always succeeds while there is power.
+    std::error_code Remove(const QString& path) override {
+        if (powerIsOff)
+            return {};
+        disk[QFile::encodeName(path).toStdString()] = {};
+        return Disk::Remove(path);
+    }
+};
+
+FaultyDisk faultyDisk;
 
 } // namespace
 
@@ -197,17 +274,25 @@ FaultyFiles::FaultyFiles(std::function<int(Call)> judge) {
     faultyLayer.xOpen = Open;
     faultyLayer.xDelete = Delete;
     sqlite3_vfs_register(&faultyLayer, 1);
+    runtime::Disk::Use(&faultyDisk);
 }
 
 FaultyFiles::~FaultyFiles() {
+    runtime::Disk::Use(nullptr);
     sqlite3_vfs_register(realLayer, 1);
     sqlite3_vfs_unregister(&faultyLayer);
     judgeOfCalls = nullptr;
     powerIsOff = false;
     disk.clear();
+    renamings.clear();
 }
 
 void FaultyFiles::PowerOn(Remains remains) {
+    for (; remains == Remains::Nothing && !renamings.empty(); renamings.pop_back()) {
+        disk[renamings.back().from] = renamings.back().renamed;
+        disk[renamings.back().to] = renamings.back().replaced;
+    }
+    renamings.clear();
     for (auto& [name, onDisk] : disk) {
         const bool touched = std::any_of(onDisk.changes.begin(), onDisk.changes.end(),
                                          [](const Change& change) { return !change.bytes.empty(); });

@@ -6,8 +6,8 @@
 
 namespace test {
 
-/// A layer under SQLite, by SQLite's own mechanism, that lets calls to the file system fail, or the power of
-/// the machine. While it lives it is the default for new connections.
+/// A layer under SQLite, by SQLite's own mechanism, and under the program's own disk, that lets calls to the
+/// file system fail, or the power of the machine. While it lives it is the default for new connections.
 class FaultyFiles {
 public:
     enum class Call { Open, Read, Write, Truncate, Sync, Delete, SyncFolder };

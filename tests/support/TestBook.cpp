@@ -3,6 +3,7 @@
 #include "platform/engine/functions/Functions.h"
 #include "platform/runtime/Settings.h"
 
+#include <QFile>
 #include <sqlite3.h>
 
 #include <memory>
@@ -50,6 +51,17 @@ TestFolder::~TestFolder() {
 
 QString TestFolder::Path(const QString& name) const {
     return m_folder.filePath(name);
+}
+
+QByteArray ReadBytes(const QString& path) {
+    QFile file(path);
+    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+void WriteBytes(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QFile::WriteOnly) || file.write(bytes) != bytes.size())
+        throw std::runtime_error("cannot write " + path.toStdString());
 }
 
 QStringList ReadRows(const QString& path, const QString& sql) {

@@ -17,6 +17,11 @@ private:
     QTemporaryDir m_folder;
 };
 
+/// The bytes of a file; "no file" where none can be read.
+QByteArray ReadBytes(const QString& path);
+/// Makes the file anew.
+void WriteBytes(const QString& path, const QByteArray& bytes);
+
 /// Runs a SELECT of plain SQLite on the file by a second connection; each row is its values joined by '|',
 /// NULL as "NULL". So what a test reads is what is on the disk.
 QStringList ReadRows(const QString& path, const QString& sql);

@@ -24,7 +24,7 @@ public:
         : m_path(TemporaryName(folder)) {}
     ~TemporaryFile() {
         QFile::remove(m_path);
-        RemoveJournal(m_path);
+        RemoveJournals(m_path);
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -250,11 +250,10 @@ void Conversion::MakeTables(const QString& path) {
 }
 
 Report Conversion::Run() {
-    Disk disk;
-    return Run(disk);
+    return Run(runtime::Disk::Current());
 }
 
-Report Conversion::Run(Disk& disk) {
+Report Conversion::Run(runtime::Disk& disk) {
     const TemporaryFile finished(QFileInfo(m_path).absolutePath());
     try {
         MakeTables(finished.Path());

@@ -60,7 +60,7 @@ public:
     /// nothing else is left. Failures: 3026, 3043, 3051, 3045 if the old file was changed or opened
     /// meanwhile. To be called once.
     Report Run();
-    Report Run(Disk& disk);
+    Report Run(runtime::Disk& disk);
 
 private:
     void CheckTables() const;

@@ -294,7 +294,7 @@ TEST_F(OldFormatConversion, RefusalsAndFaultsLeaveTheFolderAsItWas) {
     EXPECT_EQ(test::FailureNumber([&] { late.Run(); }), engine::FileInUse);
     expectUntouched();
 
-    class FullDisk : public engine::jet4::Disk {
+    class FullDisk : public runtime::Disk {
         std::error_code Sync(const QString&) override {
             return std::make_error_code(std::errc::no_space_on_device);
         }

@@ -8,9 +8,9 @@
 
 #include <QDir>
 
-using engine::jet4::Disk;
 using engine::jet4::FreeKeptName;
 using engine::jet4::ReplaceKeeping;
+using runtime::Disk;
 
 namespace {
 
@@ -82,11 +82,14 @@ private:
 } // namespace
 
 TEST_F(Replacement, KeepsTheOldFileBesideTheNewOne) {
+    const QString journal = Book() + QStringLiteral("-journal"); // would be played into the new one
+    Write(journal, "stale");
     Disk disk;
     EXPECT_EQ(ReplaceKeeping(disk, Finished(), Book()), Kept());
     EXPECT_EQ(Content(Book()), "new");
     EXPECT_EQ(Content(Kept()), "old");
     EXPECT_FALSE(QFile::exists(Finished()));
+    EXPECT_FALSE(QFile::exists(journal));
 }
 
 TEST_F(Replacement, TakesTheFirstFreeName) {

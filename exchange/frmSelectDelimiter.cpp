@@ -12,7 +12,8 @@ frmSelectDelimiter::frmSelectDelimiter()
             .caption = QStringLiteral("Выбор разделителя"),
             .kind = forms::Kind::Dialog,
             .border = forms::Border::Fixed,
-            .tag = QStringLiteral("0")}) {
+            .tag = QStringLiteral("0"),
+            .onScreen = true}) {
 }
 
 void frmSelectDelimiter::CreateControls(QWidget* surface) {

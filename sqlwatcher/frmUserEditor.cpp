@@ -83,6 +83,7 @@ void frmUserEditor::CreateControls(QWidget* surface) {
 bool frmUserEditor::Form_KeyDown(int key, Qt::KeyboardModifiers /*modifiers*/) {
     if (key != Qt::Key_F9)
         return false;
+    ApplyLeavingRules();
     try {
         RunQuery();
     } catch (const runtime::Failure& failure) {

@@ -25,16 +25,15 @@ DialogWindow::DialogWindow(std::weak_ptr<Form> form, const Design& design)
     setWindowModality(Qt::ApplicationModal);
 }
 
-void DialogWindow::PlaceOver(QWidget* owner) {
+void DialogWindow::Place(QWidget* owner, bool onScreen) {
     ensurePolished();
     adjustSize();
     winId(); // a dialog is no child of its owner's: it may live on, hidden; so the windows are tied instead
     windowHandle()->setTransientParent(owner ? owner->windowHandle() : nullptr);
     const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen();
-    const QRect ground = owner ? owner->frameGeometry() : screen->availableGeometry();
-    QRect place(QPoint(), size());
-    place.moveCenter(ground.center());
     const QRect limits = screen->availableGeometry();
+    QRect place(QPoint(), size());
+    place.moveCenter(owner && !onScreen ? owner->frameGeometry().center() : limits.center());
     place.moveLeft(std::max(limits.left(), std::min(place.left(), limits.right() - place.width())));
     place.moveTop(std::max(limits.top(), std::min(place.top(), limits.bottom() - place.height())));
     move(place.topLeft());

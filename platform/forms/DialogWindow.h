@@ -11,8 +11,9 @@ class DialogWindow final : public QWidget {
 public:
     DialogWindow(std::weak_ptr<Form> form, const Design& design);
 
-    /// Centres the window on its owner, or on the screen without one, and ties it to the owner.
-    void PlaceOver(QWidget* owner);
+    /// Centres the window on its owner, or on the screen if it is to or has no owner, and ties it to the
+    /// owner.
+    void Place(QWidget* owner, bool onScreen);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QFocusEvent>
+#include <QInputMethod>
 #include <QLayout>
 #include <QMainWindow>
 #include <QThread>
@@ -177,7 +178,7 @@ void Form::MakeVisible() {
     }
     const bool appears = m_surface->isHidden();
     if (appears && m_design.kind == Kind::Dialog)
-        static_cast<DialogWindow*>(m_surface.data())->PlaceOver(Owner());
+        static_cast<DialogWindow*>(m_surface.data())->Place(Owner(), m_design.onScreen);
     TakeFirstFocus();
     m_surface->show();
     m_surface->raise();
@@ -363,12 +364,12 @@ bool Form::PreviewKey(const QKeyEvent& key) {
 }
 
 void Form::OnLostFocus(QWidget* field, std::function<void()> rule) {
-    m->leaving[field].push_back(std::move(rule));
+    m->leaving.push_back({field, std::move(rule)});
     field->installEventFilter(this);
 }
 
 void Form::OnGotFocus(QWidget* field, std::function<void()> rule) {
-    m->entering[field].push_back(std::move(rule));
+    m->entering.push_back({field, std::move(rule)});
     field->installEventFilter(this);
 }
 
@@ -376,16 +377,11 @@ void Form::ApplyLeavingRules() {
     if (!IsLoaded())
         return;
     const std::shared_ptr<Form> self = weak_from_this().lock();
-    for (const QWidget* field = m_surface->focusWidget(); field && field != m_surface;
-         field = field->parentWidget()) {
-        const auto rules = m->leaving.find(field);
-        if (rules == m->leaving.end())
-            continue;
-        const auto running = rules->second; // a rule may unload the form
-        for (const auto& rule : running)
-            rule();
-        return;
-    }
+    if (m_surface->isAncestorOf(QApplication::focusWidget()))
+        QGuiApplication::inputMethod()->commit();
+    const FieldRules running = m->leaving; // a rule may unload the form
+    for (const FieldRule& rule : running)
+        rule.apply();
 }
 
 void Form::PrepareFor(const QObject* sender) {
@@ -406,15 +402,12 @@ bool Form::eventFilter(QObject* watched, QEvent* event) {
     m->resting = nullptr;
     if (returns)
         return false;
-    const FieldRules& table = left ? m->leaving : m->entering;
-    const auto rules = table.find(field);
-    if (rules != table.end()) {
-        const auto running = rules->second; // a rule may unload the form
-        Dispatch([&] {
-            for (const auto& rule : running)
-                rule();
-        });
-    }
+    const FieldRules running = left ? m->leaving : m->entering; // a rule may unload the form
+    Dispatch([&] {
+        for (const FieldRule& rule : running)
+            if (rule.field == field)
+                rule.apply();
+    });
     return false;
 }
 

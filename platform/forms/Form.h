@@ -20,7 +20,7 @@ class FrameWindow;
 
 enum class Kind {
     Child,  ///< child window of the frame
-    Dialog, ///< window of its own, shown modally, centred on the screen or its owner
+    Dialog, ///< window of its own, shown modally
     Frame,  ///< the multiple-document frame itself
 };
 
@@ -35,8 +35,9 @@ struct Design {
     QString caption; ///< window title
     Kind kind = Kind::Child;
     Border border = Border::Sizable;
-    QString tag;     ///< starting Tag
-    QSize size = {}; ///< starting outer size in logical pixels for sizable windows; empty: by content
+    QString tag;           ///< starting Tag
+    QSize size = {};       ///< starting outer size in logical pixels for sizable windows; empty: by content
+    bool onScreen = false; ///< a dialog in the middle of the screen, not over its owner
 };
 
 /// A window of the program: an object that is loaded, shown, unloaded and loaded again.
@@ -134,7 +135,7 @@ protected:
 
     /// Connects a signal to a handler; a failure that escapes the handler is shown in the box of unhandled
     /// failures. Nothing runs for the controls of an earlier load. A push button's handlers run behind the
-    /// leaving rules of the focused field.
+    /// leaving rules of all fields.
     template <class Sender, class Signal, class Handler>
     void On(Sender* sender, Signal signal, Handler handler) {
         QWidget* const surface = m_surface;
@@ -150,10 +151,12 @@ protected:
                          });
     }
 
-    /// Runs when the field loses the focus, and for the focused field before any button of the form acts.
-    /// Rules have to bear running twice.
+    /// Runs when the field loses the focus, and before any button of the form or command on it acts: a text
+    /// may have come without the focus, and the focus may have gone without a word. Rules have to bear
+    /// running twice.
     void OnLostFocus(QWidget* field, std::function<void()> rule);
-    /// Runs the leaving rules of the focused field.
+    /// Runs the leaving rules of all fields, behind what an input method still has to deliver. A handler that
+    /// reads fields calls it first, unless a button or a command has.
     void ApplyLeavingRules();
     void OnGotFocus(QWidget* field, std::function<void()> rule);
 

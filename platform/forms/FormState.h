@@ -7,11 +7,15 @@
 #include <QEventLoop>
 #include <QPushButton>
 
-#include <unordered_map>
+#include <vector>
 
 namespace forms {
 
-using FieldRules = std::unordered_map<const QObject*, std::vector<std::function<void()>>>;
+struct FieldRule {
+    const QObject* field;
+    std::function<void()> apply;
+};
+using FieldRules = std::vector<FieldRule>; ///< in the order of their making
 
 /// What a form knows of its window from load to unload.
 struct Form::State {

@@ -100,7 +100,10 @@ QWidget* MdiForm::MakeSurface() {
 
 void MdiForm::UnloadDependants() {
     m_frame->closing = true;
-    const auto isChild = [](const std::shared_ptr<Form>& form) { return form->m_design.kind == Kind::Child; };
+    // A child on whose way out the frame is closed goes by itself.
+    const auto isChild = [](const std::shared_ptr<Form>& form) {
+        return form->m_design.kind == Kind::Child && !form->m->unloading;
+    };
     while (true) {
         const std::vector<std::shared_ptr<Form>> loaded = Loaded();
         const auto child = std::find_if(loaded.begin(), loaded.end(), isChild);
@@ -227,6 +230,7 @@ void MdiForm::CallWith(const char* operation, const QVariant* argument) {
     const std::shared_ptr<Form> form = ActiveForm();
     if (!form)
         return;
+    form->ApplyLeavingRules();
     const QMetaObject* type = form->metaObject();
     for (int i = type->methodCount() - 1; i >= 0; --i) {
         const QMetaMethod method = type->method(i);

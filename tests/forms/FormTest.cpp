@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QLabel>
 #include <QMainWindow>
@@ -292,29 +293,42 @@ TEST_F(FormTest, EnterAndEscPressTheButtons) {
     }
 }
 
-TEST_F(FormTest, LeavingRulesRunBeforeAnyButtonActs) {
+TEST_F(FormTest, RulesOfAllFieldsRunBeforeAnyActionReadsThem) {
     const auto form = Make(QStringLiteral("a"));
     form->Show();
     struct Case {
         const char* way;
-        std::function<void()> press;
+        const char* told;
+        std::function<void(QWidget* focus)> act;
     };
     const Case cases[] = {
-        {"Enter", [&] { QTest::keyClick(form->txtFirst, Qt::Key_Return); }},
-        {"mouse", [&] { QTest::mouseClick(form->cmdFind, Qt::LeftButton); }},
-        {"program", [&] { form->cmdFind->click(); }},
-        {"accelerator",
-         [&] {
+        {"Enter", "find", [&](QWidget* focus) { QTest::keyClick(focus, Qt::Key_Return); }},
+        {"Esc", "cancel", [&](QWidget* focus) { QTest::keyClick(focus, Qt::Key_Escape); }},
+        {"mouse", "find", [&](QWidget*) { QTest::mouseClick(form->cmdFind, Qt::LeftButton); }},
+        {"assistive tool", "find",
+         [&](QWidget*) {
+             auto* button = QAccessible::queryAccessibleInterface(form->cmdFind);
+             button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+             QTest::qWait(200);
+         }},
+        {"accelerator", "find",
+         [&](QWidget*) {
              QTest::keyClick(frame->Window()->windowHandle(), Qt::Key_F, Qt::AltModifier);
              QTest::qWait(200); // the button stays down visibly
          }},
+        {"command", "nothing", [&](QWidget*) { frame->CallActive("Nothing"); }},
     };
     for (const Case& c : cases) {
-        form->txtFirst->setFocus();
-        form->txtFirst->setText(QStringLiteral("О'Нил"));
-        TakeTold();
-        c.press();
-        EXPECT_TRUE(TakeTold().contains(QStringLiteral("a.find(О^Нил)"))) << c.way;
+        for (QWidget* focus : {form->txtFirst, form->txtSecond}) {
+            focus->setFocus();
+            form->txtFirst->setText(QStringLiteral("О'Нил"));
+            TakeTold();
+            c.act(focus);
+            EXPECT_EQ(TakeTold().section(u' ', -1).toStdString(),
+                      "a." + std::string(c.told) + (c.told == std::string("find") ? "(О^Нил)" : ""))
+                << c.way;
+            EXPECT_EQ(form->txtFirst->text(), QStringLiteral("О^Нил")) << c.way;
+        }
     }
 }
 
@@ -337,6 +351,16 @@ TEST_F(FormTest, LeavingAndEnteringAFieldAreMovesInsideTheProgram) {
     TakeTold();
     frame->PopupMenu(QStringLiteral("mnuContext"), QPoint(10, 10));
     EXPECT_EQ(TakeTold(), QString()) << "nor is a menu";
+    for (QWidget* field : {form->txtFirst, form->txtSecond}) {
+        field->setFocus();
+        TakeTold();
+        QWidget other;
+        other.show();
+        QApplication::setActiveWindow(&other);
+        QApplication::setActiveWindow(frame->Window());
+        EXPECT_TRUE(field->hasFocus());
+        EXPECT_EQ(TakeTold(), QString()) << "nor is another program";
+    }
 }
 
 TEST_F(FormTest, KeyPreviewSeesKeysWhereverTheFocusIs) {

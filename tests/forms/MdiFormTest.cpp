@@ -52,11 +52,13 @@ TEST_F(MdiFormTest, CallsTheActiveChildByName) {
     const auto first = Open(QStringLiteral("a"));
     const auto second = Open(QStringLiteral("b"));
     frame->CallActive("Nothing");
+    EXPECT_EQ(TakeTold(), QStringLiteral("b.left b.nothing")) << "behind the rules of its fields";
     frame->CallActive("Refill", 200);
     frame->CallActive("Number", -5);
     frame->CallActive("Truth", true);
     frame->CallActive("Words", QString());
-    EXPECT_EQ(TakeTold(), QStringLiteral("b.nothing b.refill(200) b.number(-5) b.truth(1) b.words()"));
+    EXPECT_EQ(TakeTold().remove(QStringLiteral("b.left ")),
+              QStringLiteral("b.refill(200) b.number(-5) b.truth(1) b.words()"));
     for (const char* unknown : {"NoSuch", "Fail2"}) {
         try {
             frame->CallActive(unknown);
@@ -86,7 +88,7 @@ TEST_F(MdiFormTest, PopupMenuReturnsBehindItsCommand) {
     test::Answers answers;
     answers.Menu(QStringLiteral("mnuContext"), QStringLiteral("mnuContextRefill"));
     forms::PopupMenu(QStringLiteral("mnuContext"), QPoint(50, 50));
-    EXPECT_EQ(TakeTold(), QStringLiteral("b.refill(7)"));
+    EXPECT_EQ(TakeTold(), QStringLiteral("b.left b.refill(7)"));
     answers.Menu(QStringLiteral("mnuContext"), QString());
     forms::PopupMenu(QStringLiteral("mnuContext"), QPoint(50, 50));
     EXPECT_EQ(TakeTold(), QString());
@@ -103,20 +105,26 @@ TEST_F(MdiFormTest, WindowListFollowsTheChildren) {
     const auto second = Open(QStringLiteral("b"));
     const auto hidden = Open(QStringLiteral("c"));
     hidden->SetVisible(false);
+    first->SetCaption(QStringLiteral("Окно A&B"));
     TakeTold();
-    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("Окно a"), QStringLiteral("*Окно b")}));
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("Окно A&&B"), QStringLiteral("*Окно b")}));
     EXPECT_TRUE(frame->windows->actions().at(own)->isSeparator());
 
     frame->windows->actions().at(own + 1)->trigger();
     EXPECT_EQ(frame->ActiveForm(), first);
     EXPECT_EQ(TakeTold(), QStringLiteral("b.left a.activate"));
-    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно a"), QStringLiteral("Окно b")}));
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно A&&B"), QStringLiteral("Окно b")}));
 
     FrameOf(second)->showMinimized();
     WindowList();
     frame->windows->actions().at(own + 2)->trigger();
     EXPECT_FALSE(second->IsMinimised()) << "choosing a minimised child restores it";
     EXPECT_EQ(frame->ActiveForm(), second);
+
+    FrameOf(second)->showMinimized();
+    hidden->Show();
+    hidden->SetVisible(false);
+    EXPECT_EQ(frame->ActiveForm(), first) << "a minimised child comes last";
 
     for (const auto& form : {first, second, hidden})
         form->Unload();
@@ -174,5 +182,14 @@ TEST_F(MdiFormTest, ClosingTheFrameUnloadsEveryChildFirst) {
     EXPECT_EQ(TakeTold(), QStringLiteral("a.unload a.terminate b.unload c.unload c.terminate frmMain.unload"))
         << "hidden ones too, and none is activated on the way";
     EXPECT_EQ(MdiForm::Current(), nullptr);
+    EXPECT_TRUE(Form::Loaded().empty());
+}
+
+TEST_F(MdiFormTest, TheFrameMayBeClosedWhileAChildGoes) {
+    const auto a = Open(QStringLiteral("a"));
+    Open(QStringLiteral("b"));
+    a->inUnload = [this] { frame->Window()->close(); };
+    a->Unload();
+    EXPECT_EQ(TakeTold(), QStringLiteral("a.unload b.unload b.terminate frmMain.unload"));
     EXPECT_TRUE(Form::Loaded().empty());
 }

@@ -5,6 +5,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMdiSubWindow>
 
 namespace {
@@ -243,4 +244,20 @@ TEST_F(frmRecordsTest, AWrongStatementLeavesTheGridAndFailsAgainOnRefresh) {
     EXPECT_FALSE(filter->Visible()) << "the filter hides all the same";
     ChooseInMenu(list, Refresh, expectBox);
     EXPECT_EQ(Column(list), QStringList{QStringLiteral("1")});
+}
+
+TEST_F(frmRecordsTest, TheExportAsksInTheMiddleOfTheScreen) {
+    const auto list = OpenFilledList();
+    Frame().Window()->move(0, 0);
+    ChooseInMenu(list, "mnuRecordsExtractToCSV", [&](test::Answers& answers) {
+        answers.File(Path() + QStringLiteral(".csv"))
+            .Modal(QStringLiteral("frmSelectDelimiter"),
+                   [](QWidget& dialog) {
+                       const QPoint middle = dialog.screen()->availableGeometry().center();
+                       EXPECT_LT((dialog.frameGeometry().center() - middle).manhattanLength(), 8);
+                       QTest::keyClick(&dialog, Qt::Key_Escape);
+                   })
+            .Question(QStringLiteral("Вы действительно хотите прервать процесс экспорта данных в файл CSV?"),
+                      true, false);
+    });
 }

@@ -2,7 +2,6 @@
 #include "platform/forms/Twips.h"
 #include "tests/support/WindowTest.h"
 
-#include <QFontInfo>
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
@@ -47,7 +46,8 @@ TEST_F(frmUserEditorTest, OpensEmptyWithAFixedWidthFont) {
     EXPECT_EQ(window->Caption(), QStringLiteral("SQL наблюдатель"));
     EXPECT_EQ(Grid().Cols(), 0);
     EXPECT_EQ(Grid().Rows(), 2);
-    EXPECT_TRUE(QFontInfo(Editor().font()).fixedPitch());
+    const QFontMetrics font(Editor().font());
+    EXPECT_EQ(font.horizontalAdvance(QStringLiteral("iiii")), font.horizontalAdvance(QStringLiteral("WWЩЩ")));
     Choose("mnuSettingsSQLVIEW");
     EXPECT_EQ(Windows("frmUserEditor").size(), 2U);
 }

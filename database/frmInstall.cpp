@@ -85,6 +85,7 @@ void frmInstall::CreateControls(QWidget* surface) {
     welcome->setWordWrap(true);
     welcome->setMinimumWidth(welcome->fontMetrics().averageCharWidth() * CharactersInLine);
     txtDBPath = forms::MakeTextBox(QStringLiteral("txtDBPath"), 0, surface);
+    txtDBPath->HoldPath();
     txtDBPath->setAccessibleName(QStringLiteral("Файл базы данных"));
     QPushButton* cmdSelect =
         forms::MakeButton(QStringLiteral("cmdSelect"), QStringLiteral("Выбрать..."), surface);

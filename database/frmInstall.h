@@ -3,7 +3,9 @@
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/Form.h"
 
-class QLineEdit;
+namespace forms {
+class TextBox;
+}
 
 /// The master for users without a database: creates a file or picks one. Tag "1" on hiding says that
 /// gWorkspace, gDatabase and the stored path are set.
@@ -23,6 +25,6 @@ private:
     /// Stores the path and ends the modal show with the answer "1".
     void Finish(const QString& path);
 
-    QLineEdit* txtDBPath = nullptr;
+    forms::TextBox* txtDBPath = nullptr;
     forms::CommonDialog cdlInstall{QStringLiteral("cdlInstall")};
 };

@@ -75,6 +75,7 @@ QWidget* frmImportMasterStep1::MakeFilePage() {
         forms::MakeLabel(QStringLiteral("Label2"),
                          QStringLiteral("Выберите файл, из которого Вы хотите импортировать данные:"));
     txtFile = forms::MakeTextBox(QStringLiteral("txtFile"), 150);
+    txtFile->HoldPath();
     forms::NameField(txtFile, txtFile->objectName(), label2);
     txtFile->setMinimumWidth(txtFile->fontMetrics().averageCharWidth() * CharactersOfPath);
     auto* cmdSelect = forms::MakeButton(QStringLiteral("cmdSelect"), QStringLiteral("Выбрать..."));
@@ -87,7 +88,7 @@ QWidget* frmImportMasterStep1::MakeFilePage() {
     layout->addLayout(line);
     layout->addStretch();
 
-    OnGotFocus(txtFile, [this] { forms::SelectAll(txtFile); });
+    OnGotFocus(txtFile, [this] { txtFile->selectAll(); });
     On(cmdSelect, &QPushButton::clicked, [this] { cmdSelect_Click(); });
     return page;
 }

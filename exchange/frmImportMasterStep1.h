@@ -8,7 +8,6 @@
 #include <vector>
 
 class QLayout;
-class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
 class QPushButton;
@@ -16,6 +15,9 @@ class QTabWidget;
 
 namespace exchange {
 class DelimiterChoice;
+}
+namespace forms {
+class TextBox;
 }
 
 /// The master that imports a delimited text file: file, delimiter, columns.
@@ -53,7 +55,7 @@ private:
     static void Guard(const QString& routine, const std::function<void()>& handler);
 
     QTabWidget* tabImport = nullptr;
-    QLineEdit* txtFile = nullptr;
+    forms::TextBox* txtFile = nullptr;
     exchange::DelimiterChoice* optDelimiter = nullptr;
     QListWidget* lstParameter = nullptr;
     QPushButton* cmdImport = nullptr;

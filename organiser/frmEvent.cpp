@@ -103,7 +103,7 @@ void frmEvent::LoadEvent() {
     if (event.RecordCount() == 0)
         return;
     dtpEventDate->SetValue(runtime::TextToDate(event.Fields(u"a03evdt").Text()).date());
-    txtEventName->setText(event.Fields(u"a03evnm").Text());
+    txtEventName->ShowStored(event.Fields(u"a03evnm").Text());
     const bool oneOff = event.Fields(u"a03evpr").Value().Long() == 0;
     optEventPeriod[oneOff ? 0 : 1]->setChecked(true);
 }
@@ -142,9 +142,13 @@ void frmEvent::SaveEvent() {
             throw;
         }
     } else {
-        gDatabase->Execute(QStringLiteral("UPDATE a03 SET a03evnm = '") + name +
-                               QStringLiteral("', a03evdt = '") + date + QStringLiteral("', a03evpr = ") +
-                               period + QStringLiteral(" WHERE a03evid = ") + Tag(),
+        // A name of which only a part was seen stays in the file as it is.
+        const QString newName = txtEventName->ShowsPart()
+                                    ? QString()
+                                    : QStringLiteral("a03evnm = '") + name + QStringLiteral("', ");
+        gDatabase->Execute(QStringLiteral("UPDATE a03 SET ") + newName + QStringLiteral("a03evdt = '") +
+                               date + QStringLiteral("', a03evpr = ") + period +
+                               QStringLiteral(" WHERE a03evid = ") + Tag(),
                            engine::dbFailOnError);
         forms::MsgBox(QStringLiteral("Событие успешно обновлено."), forms::Icon::Information);
     }

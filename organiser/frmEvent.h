@@ -4,12 +4,12 @@
 
 #include <QDate>
 
-class QLineEdit;
 class QRadioButton;
 
 namespace forms {
 class DTPicker;
-}
+class TextBox;
+} // namespace forms
 
 /// The dialog of one event. Its Tag tells what to do: -1 a new event, else the number of the event to change.
 class frmEvent : public forms::Form {
@@ -31,6 +31,6 @@ private:
     void SaveEvent();
 
     forms::DTPicker* dtpEventDate = nullptr;
-    QLineEdit* txtEventName = nullptr;
+    forms::TextBox* txtEventName = nullptr;
     QRadioButton* optEventPeriod[2] = {};
 };

@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/forms/MsgBox.h"
+#include "platform/forms/Texts.h"
 #include "platform/runtime/Dates.h"
 #include "shell/Declaration.h"
 
@@ -45,10 +46,10 @@ QString SeveralRecords() {
     return QStringLiteral("в базе данных присутствует несколько записей по данному клиенту.");
 }
 
-void ShowFilled(QLineEdit* field, const engine::Recordset& record, QStringView column) {
+void ShowFilled(forms::TextBox* field, const engine::Recordset& record, QStringView column) {
     const engine::Value value = record.Fields(column).Value();
     if (value.IsFilled())
-        field->setText(value.Text());
+        field->ShowStored(value.Text());
 }
 
 void Execute(const QString& sql) {
@@ -59,20 +60,35 @@ QString Quoted(const QString& text) {
     return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
+/// The condition that a column holds the text. Of one longer than any field takes its length and its
+/// beginning are compared: the whole would make the statement too long.
+QString Holds(const QString& column, const std::optional<QString>& text) {
+    if (!text)
+        return column + QStringLiteral(" IS NULL");
+    QString part = forms::Beginning(*text, RemarkLength).toString();
+    const qsizetype length = part.size();
+    part.replace(QLatin1Char('\''), QLatin1String("''"));
+    if (length == text->size())
+        return column + QStringLiteral(" = ") + Quoted(part);
+    return QStringLiteral("LEN(%1) = %2 AND LEFT(%1, %3) = ").arg(column).arg(text->size()).arg(length) +
+           Quoted(part);
+}
+
 QString Contents(const std::array<std::optional<QString>, 5>& texts) {
     static const std::array columns{"a01last", "a01frst", "a01midl", "a01memo", "a01bith"};
     QStringList parts;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        QString text = texts[i].value_or(QString());
-        text.replace(QLatin1Char('\''), QLatin1String("''"));
-        parts += QLatin1String(columns[i]) +
-                 (texts[i] ? QStringLiteral(" = ") + Quoted(text) : QStringLiteral(" IS NULL"));
-    }
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        parts += Holds(QLatin1String(columns[i]), texts[i]);
     return QLatin1Char('(') + parts.join(QLatin1String(" AND ")) + QLatin1Char(')');
 }
 
 bool IsBlank(const QLineEdit* field) {
     return runtime::Trim(field->text()).isEmpty();
+}
+
+/// Longer than any number that can be typed: of a file from elsewhere, and not seen whole.
+bool IsLong(const QString& number) {
+    return number.size() > NumberLength;
 }
 
 } // namespace
@@ -195,6 +211,7 @@ void frmEditRecords::SetTabOrder() {
 void frmEditRecords::ConnectControls() {
     for (QLineEdit* field : {txtLastName, txtFirstName, txtMiddleName, txtRemark})
         OnLostFocus(field, [field] { forms::ReplaceApostrophes(field); });
+    On(txtTelefonNumber, &forms::TextBox::Edited, [this] { txtTelefonNumber_Change(); });
     OnLostFocus(txtTelefonNumber, [this] { txtTelefonNumber_LostFocus(); });
     On(lstTelefonType, &forms::ListBox::Click, [this] { lstTelefonType_Click(); });
     On(lstTelefonType, &forms::ListBox::KeyPress,
@@ -208,6 +225,7 @@ void frmEditRecords::ConnectControls() {
 
 void frmEditRecords::Form_Load() {
     strTelefonNumbers.clear();
+    m_codes.clear();
     nTelefonIndex = -1;
     m_read = false;
     m_contents.clear();
@@ -266,6 +284,7 @@ void frmEditRecords::LoadTypes(engine::Recordset& types, SlotTable& slots) {
         const runtime::Int16 slot(lstTelefonType->ListCount());
         lstTelefonType->AddItem(name.Text());
         strTelefonNumbers.emplace_back();
+        m_codes.append(types.Fields(u"t01code").Text());
         slots.Set(types.Fields(u"t01code").Value().Long(), slot.value());
     }
 }
@@ -313,7 +332,7 @@ void frmEditRecords::LoadTelefonNumbers(const SlotTable& slots) {
         }
         const engine::Value number = numbers.Fields(u"a02cval").Value();
         if (number.IsFilled())
-            strTelefonNumbers[*slot] = number.Text();
+            strTelefonNumbers[*slot] = runtime::Trim(number.Text());
     }
 }
 
@@ -334,22 +353,30 @@ void frmEditRecords::DisableAfterFailedLoad() {
 void frmEditRecords::lstTelefonType_Click() {
     txtTelefonNumber_LostFocus(); // a pick by other means than mouse and keys comes without a change of focus
     nTelefonIndex = runtime::Int16(lstTelefonType->ListIndex()).value();
-    txtTelefonNumber->setText(nTelefonIndex < 0 ? QString()
-                                                : runtime::Trim(strTelefonNumbers[nTelefonIndex]));
+    txtTelefonNumber->ShowStored(nTelefonIndex < 0 ? QString()
+                                                   : runtime::Trim(strTelefonNumbers[nTelefonIndex]));
 }
 
+/// What is typed stands in place of the number, as behind Tab.
 void frmEditRecords::lstTelefonType_KeyPress(const QString& text) {
     txtTelefonNumber->setFocus();
+    txtTelefonNumber->selectAll();
     QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, text);
     QApplication::sendEvent(txtTelefonNumber, &press);
+}
+
+void frmEditRecords::txtTelefonNumber_Change() {
+    if (nTelefonIndex >= 0)
+        strTelefonNumbers[nTelefonIndex] = txtTelefonNumber->text();
 }
 
 void frmEditRecords::txtTelefonNumber_LostFocus() {
     if (txtTelefonNumber->isReadOnly())
         return;
     forms::ReplaceApostrophes(txtTelefonNumber);
-    if (nTelefonIndex >= 0)
-        strTelefonNumbers[nTelefonIndex] = txtTelefonNumber->text();
+    for (QString& number : strTelefonNumbers) // those that the file held, too: they are written anew
+        if (!IsLong(number))
+            number.replace(u'\'', u'^');
 }
 
 // writing
@@ -372,7 +399,7 @@ void frmEditRecords::cmdSave_Click() {
 }
 
 bool frmEditRecords::CheckBith() {
-    if (txtBith->text().isEmpty() || runtime::IsDate(txtBith->text()))
+    if (txtBith->text().isEmpty() || txtBith->ShowsPart() || runtime::IsDate(txtBith->text()))
         return true;
     forms::MsgBox(QStringLiteral("Не правильный формат даты."), forms::Icon::Exclamation);
     txtBith->setFocus();
@@ -423,10 +450,7 @@ std::optional<QString> frmEditRecords::UpdateRecord() {
         return std::nullopt;
     }
     const QString id = Tag();
-    Execute(QStringLiteral("UPDATE a01 SET a01last = ") + Quoted(txtLastName->text()) +
-            QStringLiteral(", a01frst = ") + Quoted(txtFirstName->text()) + QStringLiteral(", a01midl = ") +
-            Quoted(txtMiddleName->text()) + QStringLiteral(", a01memo = ") + Quoted(txtRemark->text()) +
-            QStringLiteral(", a01bith = ") + Quoted(txtBith->text()) + OwnRecord());
+    Execute(QStringLiteral("UPDATE a01 SET ") + Assignments() + OwnRecord());
     if (gDatabase->RecordsAffected() == 0) {
         ShowIntegrityBox(NoRecord());
         return std::nullopt;
@@ -435,11 +459,40 @@ std::optional<QString> frmEditRecords::UpdateRecord() {
     KnowAs(content);
     TellOtherCards([&](frmEditRecords& card) { card.KnowAs(content); });
     QString removal = QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + id;
-    if (!m_foreignCodes.isEmpty())
-        removal += QStringLiteral(" AND a02code NOT IN (") + m_foreignCodes.join(QStringLiteral(", ")) +
-                   QStringLiteral(")");
+    if (const QStringList spared = SparedCodes(); !spared.isEmpty())
+        removal +=
+            QStringLiteral(" AND a02code NOT IN (") + spared.join(QStringLiteral(", ")) + QStringLiteral(")");
     Execute(removal);
     return id;
+}
+
+/// The columns with what their fields hold. One of which only a part was seen stays in the file as it is.
+QString frmEditRecords::Assignments() const {
+    const struct {
+        const forms::TextBox* field;
+        const char* column;
+    } columns[] = {{txtLastName, "a01last"},
+                   {txtFirstName, "a01frst"},
+                   {txtMiddleName, "a01midl"},
+                   {txtRemark, "a01memo"},
+                   {txtBith, "a01bith"}};
+    QStringList assignments;
+    for (const auto& column : columns)
+        if (!column.field->ShowsPart())
+            assignments.append(QLatin1String(column.column) + QStringLiteral(" = ") +
+                               Quoted(column.field->text()));
+    return assignments.isEmpty() ? QStringLiteral("a01clid = a01clid")
+                                 : assignments.join(QStringLiteral(", "));
+}
+
+/// The codes of the phones that a save leaves alone: their type does not exist, or not all of their number
+/// was seen.
+QStringList frmEditRecords::SparedCodes() const {
+    QStringList codes = m_foreignCodes;
+    for (std::size_t slot = 0; slot < strTelefonNumbers.size(); ++slot)
+        if (IsLong(strTelefonNumbers[slot]))
+            codes.append(m_codes[static_cast<qsizetype>(slot)]);
+    return codes;
 }
 
 /// Writes a new record under the highest number plus one, which it returns.
@@ -462,8 +515,8 @@ QString frmEditRecords::InsertRecord() {
 }
 
 QString frmEditRecords::ShownContents() const {
-    return Contents({txtLastName->text(), txtFirstName->text(), txtMiddleName->text(), txtRemark->text(),
-                     txtBith->text()});
+    return Contents({txtLastName->Value(), txtFirstName->Value(), txtMiddleName->Value(), txtRemark->Value(),
+                     txtBith->Value()});
 }
 
 /// One row for each number. False, after a box, if a type is no longer there.
@@ -472,7 +525,7 @@ bool frmEditRecords::InsertTelefonNumbers(const QString& id) {
         gDatabase->OpenRecordset(QStringLiteral("SELECT t01code, t01cval FROM t01 WHERE t01type = 0"));
     for (int i = 0; i < lstTelefonType->ListCount(); ++i) {
         const QString number = runtime::Trim(strTelefonNumbers[static_cast<std::size_t>(i)]);
-        if (number.isEmpty())
+        if (number.isEmpty() || IsLong(number))
             continue;
         types.FindFirst(QStringLiteral("t01cval= ") + Quoted(lstTelefonType->List(i)));
         if (types.NoMatch()) {

@@ -49,6 +49,7 @@ private:
 
     void lstTelefonType_Click();
     void lstTelefonType_KeyPress(const QString& text);
+    void txtTelefonNumber_Change();
     void txtTelefonNumber_LostFocus();
     void cmdSave_Click();
     void cmdDelete_Click();
@@ -57,6 +58,8 @@ private:
     bool ConfirmNameless();
     bool Save();
     std::optional<QString> UpdateRecord();
+    QString Assignments() const;
+    QStringList SparedCodes() const;
     QString InsertRecord();
     bool DeleteRecord();
     QString OwnRecord();
@@ -67,18 +70,19 @@ private:
     /// A new record becomes the list's current one.
     void RefreshListAndUnload(const QString& newId);
 
-    QLineEdit* txtLastName = nullptr;
-    QLineEdit* txtFirstName = nullptr;
-    QLineEdit* txtMiddleName = nullptr;
-    QLineEdit* txtBith = nullptr;
-    QLineEdit* txtRemark = nullptr;
+    forms::TextBox* txtLastName = nullptr;
+    forms::TextBox* txtFirstName = nullptr;
+    forms::TextBox* txtMiddleName = nullptr;
+    forms::TextBox* txtBith = nullptr;
+    forms::TextBox* txtRemark = nullptr;
     forms::ListBox* lstTelefonType = nullptr;
-    QLineEdit* txtTelefonNumber = nullptr;
+    forms::TextBox* txtTelefonNumber = nullptr;
     QPushButton* cmdSave = nullptr;
     QPushButton* cmdCancel = nullptr;
     QPushButton* cmdDelete = nullptr;
 
     std::vector<QString> strTelefonNumbers; ///< one for each place of lstTelefonType
+    QStringList m_codes;                    ///< of these types
     std::int16_t nTelefonIndex = -1;        ///< whose number txtTelefonNumber shows; -1: nobody's
     std::shared_ptr<forms::ListForm> frmRecordsPtr;
     bool m_read = false;

@@ -39,18 +39,18 @@ void frmEditTelefonTypeDialog::CreateControls(QWidget* surface) {
 
     SetDefaultButton(cmdSave);
     SetCancelButton(cmdCancel);
-    OnGotFocus(txtNewValue, [this] { forms::SelectAll(txtNewValue); });
+    OnGotFocus(txtNewValue, [this] { txtNewValue->selectAll(); });
     OnLostFocus(txtNewValue, [this] { forms::ReplaceApostrophes(txtNewValue); });
     On(cmdSave, &QPushButton::clicked, [this] { cmdSave_Click(); });
     On(cmdCancel, &QPushButton::clicked, [this] { cmdCancel_Click(); });
 }
 
 QString frmEditTelefonTypeDialog::NewValue() const {
-    return txtNewValue->text();
+    return txtNewValue->Value();
 }
 
 void frmEditTelefonTypeDialog::SetNewValue(const QString& value) {
-    txtNewValue->setText(value);
+    txtNewValue->ShowStored(value);
 }
 
 void frmEditTelefonTypeDialog::cmdSave_Click() {

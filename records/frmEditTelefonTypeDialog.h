@@ -21,5 +21,5 @@ private:
     void cmdSave_Click();
     void cmdCancel_Click();
 
-    QLineEdit* txtNewValue = nullptr;
+    forms::TextBox* txtNewValue = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "Product.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/MsgBox.h"
+#include "platform/forms/Texts.h"
 #include "shell/Declaration.h"
 #include "shell/LinkLabel.h"
 
@@ -29,10 +30,10 @@ frmAbout::frmAbout()
             .tag = {}}) {
 }
 
-QLineEdit* frmAbout::AddRow(QGridLayout* grid, const QString& labelName, const QString& caption,
-                            const QString& fieldName) {
+forms::TextBox* frmAbout::AddRow(QGridLayout* grid, const QString& labelName, const QString& caption,
+                                 const QString& fieldName) {
     QLabel* label = forms::MakeLabel(labelName, caption);
-    QLineEdit* field = forms::MakeTextBox(fieldName);
+    forms::TextBox* field = forms::MakeTextBox(fieldName);
     forms::Lock(field);
     forms::NameField(field, fieldName, label);
     const int row = grid->rowCount();
@@ -103,8 +104,8 @@ void frmAbout::Form_Load() {
             return tellBroken();
         txtVersionBase->setText(version.Fields(u"v00vrid").Value().Text());
         version.Close();
-        txtUseBase->setText(gRegister().GetKeyVal(QStringLiteral("DB_Path")));
-        txtUseBase->setToolTip(txtUseBase->text().toHtmlEscaped());
+        txtUseBase->ShowStored(gRegister().GetKeyVal(QStringLiteral("DB_Path")));
+        forms::SetPlainToolTip(txtUseBase, txtUseBase->text());
         txtUseBase->setCursorPosition(0);
         txtCompileDate->setText(QStringLiteral("02.08.2006"));
     } catch (const runtime::Failure& failure) {

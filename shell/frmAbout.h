@@ -4,7 +4,10 @@
 #include "platform/runtime/Mail.h"
 
 class QGridLayout;
-class QLineEdit;
+
+namespace forms {
+class TextBox;
+}
 
 /// Versions, file in use, date of the build, and a mail to the author.
 class frmAbout final : public forms::Form {
@@ -21,14 +24,14 @@ protected:
 
 private:
     /// A label and its read-only text box as the next row of the grid.
-    static QLineEdit* AddRow(QGridLayout* grid, const QString& labelName, const QString& caption,
-                             const QString& fieldName);
+    static forms::TextBox* AddRow(QGridLayout* grid, const QString& labelName, const QString& caption,
+                                  const QString& fieldName);
     void lblMailTo_Click();
 
-    QLineEdit* txtVersion = nullptr;
-    QLineEdit* txtVersionBase = nullptr;
-    QLineEdit* txtUseBase = nullptr;
-    QLineEdit* txtCompileDate = nullptr;
+    forms::TextBox* txtVersion = nullptr;
+    forms::TextBox* txtVersionBase = nullptr;
+    forms::TextBox* txtUseBase = nullptr;
+    forms::TextBox* txtCompileDate = nullptr;
     runtime::MapiSession mpsConnect;
     runtime::MapiMessage mpmMessage;
 };

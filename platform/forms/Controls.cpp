@@ -49,8 +49,8 @@ QHBoxLayout* ButtonRow(const QList<QPushButton*>& buttons) {
     return row;
 }
 
-QLineEdit* MakeTextBox(const QString& name, int maxLength, QWidget* parent) {
-    auto* box = Named(new QLineEdit(parent), name);
+TextBox* MakeTextBox(const QString& name, int maxLength, QWidget* parent) {
+    auto* box = Named(new TextBox(parent), name);
     if (maxLength > 0)
         box->setMaxLength(maxLength);
     return box;
@@ -121,15 +121,12 @@ void RepaintFields() {
 
 void ReplaceApostrophes(QLineEdit* field) {
     QString text = field->text();
-    if (!text.contains(u'\''))
+    const auto* box = qobject_cast<const TextBox*>(field);
+    if (!text.contains(u'\'') || (box && box->ShowsPart()))
         return;
     const int cursor = field->cursorPosition();
     field->setText(text.replace(u'\'', u'^'));
     field->setCursorPosition(cursor);
-}
-
-void SelectAll(QLineEdit* field) {
-    field->selectAll();
 }
 
 } // namespace forms

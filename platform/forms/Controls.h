@@ -2,10 +2,10 @@
 
 #include "platform/forms/BusyPointer.h"
 #include "platform/forms/ListBox.h"
+#include "platform/forms/TextBox.h"
 
 #include <QCheckBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
@@ -28,7 +28,7 @@ QPushButton* MakeButton(const QString& name, const QString& caption, QWidget* pa
 /// The buttons of a window in their order, at the right, all as wide as the widest.
 QHBoxLayout* ButtonRow(const QList<QPushButton*>& buttons);
 /// A one-line text box; maxLength 0 sets no limit.
-QLineEdit* MakeTextBox(const QString& name, int maxLength = 0, QWidget* parent = nullptr);
+TextBox* MakeTextBox(const QString& name, int maxLength = 0, QWidget* parent = nullptr);
 
 /// A list of texts with ticks.
 QListWidget* MakeTickList(const QString& name, QLabel* label);
@@ -48,10 +48,7 @@ void PaintField(QWidget* field, bool white);
 /// Paints all such fields anew after a change of the theme.
 void RepaintFields();
 
-/// The apostrophe rule: every ' of the field becomes ^.
+/// The apostrophe rule: every ' of the field becomes ^. A part of a stored text stays what it is.
 void ReplaceApostrophes(QLineEdit* field);
-
-/// The whole text of the field selected.
-void SelectAll(QLineEdit* field);
 
 } // namespace forms

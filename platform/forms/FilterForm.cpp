@@ -18,11 +18,15 @@ FilterForm::FilterForm(Design design, std::function<std::shared_ptr<engine::Data
 Criterion* FilterForm::AddTextCriterion(QWidget* parent, const QString& boxName, const QString& caption,
                                         const QString& fieldName, int maxLength, const QString& column) {
     auto* box = Named(new QCheckBox(caption, parent), boxName);
-    QLineEdit* field = MakeTextBox(fieldName, maxLength, parent);
+    TextBox* field = MakeTextBox(fieldName, maxLength, parent);
     Criterion* criterion = AddCriterion(std::make_unique<Criterion>(box, field, column));
     On(field, &QLineEdit::textChanged,
        [this, criterion, field] { Tick(*criterion, !field->text().isEmpty()); });
-    OnLostFocus(field, [field] { ReplaceApostrophes(field); });
+    OnLostFocus(field, [this, criterion, field] {
+        const bool ticked = criterion->IsTicked(); // the rule may run behind a box that was unticked by hand
+        ReplaceApostrophes(field);
+        Tick(*criterion, ticked);
+    });
     return criterion;
 }
 
@@ -99,7 +103,7 @@ void FilterForm::Form_Terminate() {
 
 void FilterForm::cmdFind_Click() {
     const QString sql = Statement();
-    PrepareList();
+    AttachIfNew();
     List().DoNotFillGrid(true);
     List().FillGrid(sql);
     SetTag(QStringLiteral("1"));
@@ -107,7 +111,7 @@ void FilterForm::cmdFind_Click() {
 }
 
 void FilterForm::cmdCancel_Click() {
-    PrepareList();
+    AttachIfNew();
     SetTag(QStringLiteral("1"));
     SetVisible(false);
     List().DoNotFillGrid(false);
@@ -132,10 +136,7 @@ void FilterForm::Attach() {
     List().SetFilterPtr(std::static_pointer_cast<FilterForm>(shared_from_this()), false);
 }
 
-void FilterForm::PrepareList() {
-    // A filter whose load failed has no list yet; it gets one that the user sees.
-    if (!List().IsLoaded())
-        List().Show();
+void FilterForm::AttachIfNew() {
     if (runtime::Val(Tag()) != 1)
         Attach();
 }

@@ -50,7 +50,7 @@ private:
     engine::Database& Database() const; ///< failure 91 while none is bound
     ListForm& List();                   ///< made at its first use
     void Attach();
-    void PrepareList();
+    void AttachIfNew();
 
     std::function<std::shared_ptr<engine::Database>()> m_database;
     std::vector<std::unique_ptr<Criterion>> m_criteria;

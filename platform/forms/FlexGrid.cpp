@@ -2,6 +2,7 @@
 
 #include "platform/forms/FlexGridModel.h"
 #include "platform/forms/RowDelegate.h"
+#include "platform/forms/Texts.h"
 #include "platform/forms/Twips.h"
 #include "platform/runtime/Failure.h"
 
@@ -136,7 +137,7 @@ QString FlexGrid::TextMatrix(int row, int col) const {
 
 void FlexGrid::SetTextMatrix(int row, int col, QStringView text) {
     CheckCell(row, col);
-    m_model->Set(row, col, text);
+    m_model->Set(row, col, text.size() <= MostShown ? text : QStringView(Shown(text)));
 }
 
 void FlexGrid::SetColAlignment(int col, Alignment alignment) {

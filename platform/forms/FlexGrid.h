@@ -7,7 +7,8 @@
 namespace forms {
 
 /// A read-only table of texts under one fixed row. Rows and columns count from 0; row 0 is the fixed row,
-/// shown as the horizontal header. The cells are a plain copy of texts, kept compactly.
+/// shown as the horizontal header. The cells are a plain copy of texts, kept compactly; of a text longer than
+/// MostShown the beginning and an ellipsis.
 ///
 /// Failures: 381 for a cell or column outside the grid, 30009 for an impossible current row, 380 for fewer
 /// than two rows or a negative number of columns.

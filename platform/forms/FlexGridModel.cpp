@@ -9,7 +9,6 @@ namespace forms {
 
 namespace {
 
-constexpr char16_t LongText = 0xffff; ///< the length stands in the next two units
 constexpr std::size_t WorthCompacting = 64 * 1024;
 
 bool IsNumber(QStringView text) {
@@ -74,9 +73,7 @@ void FlexGrid::Model::SetCols(int cols) {
 
 QStringView FlexGrid::Model::TextAt(Place place) const {
     const char16_t* at = m_pool.data() + place;
-    if (*at != LongText)
-        return {at + 1, *at};
-    return {at + 3, static_cast<qsizetype>(at[1]) << 16 | at[2]};
+    return {at + 1, *at};
 }
 
 QStringView FlexGrid::Model::At(int row, int col) const {
@@ -88,15 +85,9 @@ FlexGrid::Model::Place FlexGrid::Model::Append(QStringView text) {
         return 0;
     const std::size_t place = m_pool.size();
     const std::size_t length = text.size();
-    if (place + length + 3 > std::numeric_limits<Place>::max())
+    if (place + length + 1 > std::numeric_limits<Place>::max())
         runtime::Raise(runtime::OutOfMemory);
-    if (length < LongText) {
-        m_pool.push_back(static_cast<char16_t>(length));
-    } else {
-        m_pool.push_back(LongText);
-        m_pool.push_back(static_cast<char16_t>(length >> 16));
-        m_pool.push_back(static_cast<char16_t>(length & 0xffff));
-    }
+    m_pool.push_back(static_cast<char16_t>(length));
     m_pool.insert(m_pool.end(), text.utf16(), text.utf16() + length);
     return static_cast<Place>(place);
 }
@@ -127,9 +118,7 @@ void FlexGrid::Model::DropGarbage() {
         if (cell == 0)
             continue;
         const char16_t* at = old.data() + cell;
-        const bool isLong = *at == LongText;
-        const std::size_t length = isLong ? std::size_t{at[1]} << 16 | at[2] : *at;
-        cell = Append(QStringView(at + (isLong ? 3 : 1), static_cast<qsizetype>(length)));
+        cell = Append(QStringView(at + 1, *at));
     }
     m_garbage = 0;
 }

@@ -1,6 +1,7 @@
 #include "platform/forms/ListBox.h"
 
 #include "platform/forms/RowDelegate.h"
+#include "platform/forms/Texts.h"
 #include "platform/runtime/Failure.h"
 
 #include <QKeyEvent>
@@ -10,6 +11,8 @@
 namespace forms {
 
 namespace {
+
+constexpr int WholeText = Qt::UserRole; ///< of an entry that shows only the beginning of it
 
 bool IsPrintable(const QKeyEvent& key) {
     return !key.text().isEmpty() && key.text().at(0).isPrint() &&
@@ -31,7 +34,9 @@ ListBox::ListBox(QWidget* parent)
 }
 
 void ListBox::AddItem(const QString& text) {
-    addItem(text);
+    addItem(Shown(text));
+    if (const int last = count() - 1; item(last)->text() != text)
+        item(last)->setData(WholeText, text);
 }
 
 void ListBox::Clear() {
@@ -55,7 +60,10 @@ void ListBox::SetListIndex(int index) {
 
 QString ListBox::List(int index) const {
     const QListWidgetItem* entry = item(index);
-    return entry ? entry->text() : QString();
+    if (!entry)
+        return {};
+    const QVariant whole = entry->data(WholeText);
+    return whole.isValid() ? whole.toString() : entry->text();
 }
 
 void ListBox::focusInEvent(QFocusEvent* event) {

@@ -2,12 +2,16 @@
 
 #include "platform/forms/Controls.h"
 
+#include "platform/forms/Texts.h"
 #include "platform/runtime/Failure.h"
 #include "tests/support/Keys.h"
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
+#include <QClipboard>
+#include <QInputMethodEvent>
 #include <QTest>
 
 using forms::ListBox;
@@ -115,6 +119,133 @@ TEST(ControlsTest, ApostropheRuleAndNames) {
     forms::ReplaceApostrophes(field);
     EXPECT_EQ(field->text(), QStringLiteral("^а^^"));
     EXPECT_EQ(field->cursorPosition(), 2);
+}
+
+class TextBoxTest : public testing::Test {
+protected:
+    TextBoxTest() {
+        box->setMaxLength(10);
+        form.show();
+        box->setFocus();
+    }
+
+    using Way = std::function<void(const QString&)>;
+    /// The ways by which a text comes into the box at its cursor, or in place of all of it.
+    std::vector<std::pair<const char*, Way>> Ways() {
+        return {
+            {"paste",
+             [this](const QString& text) {
+                 QGuiApplication::clipboard()->setText(text);
+                 QTest::keySequence(box, QKeySequence::Paste);
+             }},
+            {"menu",
+             [this](const QString& text) {
+                 QGuiApplication::clipboard()->setText(text);
+                 box->paste();
+             }},
+            {"drop",
+             [this](const QString& text) {
+                 test::Drop(*box, QPoint(box->width() - 2, box->height() / 2), text);
+             }},
+            {"input method",
+             [this](const QString& text) {
+                 QInputMethodEvent input;
+                 input.setCommitString(text);
+                 QApplication::sendEvent(box, &input);
+             }},
+            {"assistive tool",
+             [this](const QString& text) {
+                 auto* interface = QAccessible::queryAccessibleInterface(box);
+                 interface->setText(QAccessible::Value, box->text() + text);
+             }},
+        };
+    }
+
+    QWidget form;
+    forms::TextBox* box = forms::MakeTextBox(QStringLiteral("txt"), 0, &form);
+};
+
+TEST_F(TextBoxTest, WhateverComesInIsOneLineOfWholeCharacters) {
+    struct Case {
+        QString before;
+        QString text;
+        QString after;
+    };
+    const Case cases[] = {
+        {"", "Иванов\r\n", "Иванов"},
+        {"", "\n\tИванов", "Иванов"},
+        {"", QStringLiteral("а\r\nб\tв\u2028г\u0085"), "а б в г"},
+        {"", "а \n \n б", "а б"},
+        {"", " а  б ", " а  б "}, // blanks are left alone
+        {"", "а'\"б", "а'\"б"},
+        {"а ", "б", "а б"},
+        {"", "123456789😀", "123456789"},
+        {"", "12345678😀", "12345678😀"},
+        {"123456789", "😀", "123456789"},
+        {"", QStringLiteral("а") + QChar(0xd83d) + u'б' + QChar(0xde00), "аб"},
+        {"", "😀😀", "😀😀"},
+        {"", "\n", ""},
+    };
+    for (const auto& [name, bring] : Ways()) {
+        for (const Case& c : cases) {
+            box->setText(c.before);
+            bring(c.text);
+            EXPECT_EQ(box->text(), c.after) << name << ": " << c.text.toStdString();
+        }
+    }
+    box->clear();
+    Ways().front().second(QStringLiteral("\n12345\r\n7890\n"));
+    EXPECT_EQ(box->text(), QStringLiteral("12345 7890")) << "on one line before it is cut";
+    box->undo();
+    EXPECT_EQ(box->text(), QString());
+}
+
+TEST_F(TextBoxTest, APathKeepsTheLineEndsOfAChosenFileAlone) {
+    box->HoldPath();
+    box->setText(QStringLiteral("/а\nб"));
+    EXPECT_EQ(box->text(), QStringLiteral("/а\nб"));
+    for (const auto& [name, bring] : Ways()) {
+        if (name == std::string("assistive tool"))
+            continue;
+        box->clear();
+        bring(QStringLiteral("/а\nб\n"));
+        EXPECT_EQ(box->text(), QStringLiteral("/а б")) << name;
+    }
+}
+
+TEST_F(TextBoxTest, WhatTheFileHoldsStaysUntilItIsEdited) {
+    int edited = 0;
+    QObject::connect(box, &forms::TextBox::Edited, [&edited] { ++edited; });
+    struct Case {
+        QString stored;
+        QString shown;
+    };
+    const Case cases[] = {
+        {"а\nб", "а\nб"},
+        {"123456789'1", "123456789'"},
+        {"123456789😀", "123456789"},
+        {QString(10'000'000, u'x'), QString(10, u'x')},
+    };
+    for (const Case& c : cases) {
+        box->ShowStored(c.stored);
+        forms::ReplaceApostrophes(box);
+        EXPECT_EQ(box->text(), c.shown);
+        EXPECT_EQ(box->Value(), c.stored);
+        EXPECT_EQ(box->ShowsPart(), c.stored != c.shown);
+        EXPECT_EQ(std::exchange(edited, 0), 0);
+        box->setCursorPosition(box->text().size());
+        QTest::keyClick(box, Qt::Key_Backspace);
+        EXPECT_FALSE(box->ShowsPart());
+        EXPECT_EQ(box->Value(), box->text());
+        EXPECT_EQ(std::exchange(edited, 0), 1);
+    }
+}
+
+TEST_F(ListBoxTest, OfALongEntryTheBeginningIsShown) {
+    const QString text(10'000'000, u'x');
+    list.AddItem(text);
+    EXPECT_EQ(list.item(3)->text(), QString(forms::MostShown, u'x') + u'…');
+    EXPECT_EQ(list.List(3), text);
 }
 
 TEST(ControlsTest, BusyPointerEndsOnEveryWay) {

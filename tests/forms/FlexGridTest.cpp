@@ -2,6 +2,7 @@
 
 #include "platform/forms/FlexGrid.h"
 
+#include "platform/forms/Texts.h"
 #include "platform/forms/Twips.h"
 #include "platform/runtime/Failure.h"
 
@@ -94,8 +95,12 @@ TEST_F(FlexGridTest, RowsAndColsKeepWhatRemains) {
     }
 }
 
-TEST_F(FlexGridTest, TextsSurviveManyChangesAndAnyLength) {
-    const QString longText(70000, u'ж');
+TEST_F(FlexGridTest, TextsSurviveManyChangesAndLongOnesAreCut) {
+    const QString longText = QString(forms::MostShown - 1, u'ж');
+    grid.SetTextMatrix(1, 3, longText + QString(10'000'000, u'x'));
+    EXPECT_EQ(grid.model()->index(0, 3).data(), longText + QStringLiteral("x…")) << "as much as can be seen";
+    grid.SetTextMatrix(1, 3, longText + QStringLiteral("😀"));
+    EXPECT_EQ(grid.TextMatrix(1, 3), longText + u'…') << "no half of a pair";
     grid.SetTextMatrix(1, 0, longText);
     for (int i = 0; i < 100000; ++i)
         grid.SetTextMatrix(1, 1, QString::number(i));
@@ -204,6 +209,10 @@ TEST_F(FlexGridTest, Alignment) {
     EXPECT_EQ(alignment(0), Qt::AlignLeft | Qt::AlignBottom);
     EXPECT_EQ(alignment(1), Qt::AlignRight | Qt::AlignVCenter) << "numbers right";
     EXPECT_EQ(alignment(2), Qt::AlignLeft | Qt::AlignVCenter) << "texts left";
+    grid.SetTextMatrix(1, 1, u"-17,5");
+    EXPECT_EQ(alignment(1), Qt::AlignRight | Qt::AlignVCenter);
+    grid.SetTextMatrix(1, 1, u"495-17");
+    EXPECT_EQ(alignment(1), Qt::AlignLeft | Qt::AlignVCenter);
     grid.Clear();
     grid.SetTextMatrix(1, 0, u"17");
     EXPECT_EQ(alignment(0), Qt::AlignLeft | Qt::AlignBottom) << "stays over Clear";

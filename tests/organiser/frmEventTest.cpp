@@ -132,6 +132,17 @@ TEST_F(frmEventTest, AnEventIsLoadedAndChanged) {
                                      QStringLiteral("2|Прочее|01.01.2001|7")}));
 }
 
+TEST_F(frmEventTest, ANameTooLongToBeSeenStaysInTheFile) {
+    Run(QStringLiteral("ALTER TABLE a03 ALTER COLUMN a03evnm LONGTEXT"));
+    AddEvent(QString(100'000, u'ж'), QStringLiteral("01.01.2001"), 0);
+    WithDialog(
+        1, [](QWidget& dialog) { Click(ControlOf<QPushButton>(dialog, "cmdSaveEvent")); },
+        [](test::Answers& answers) {
+            answers.Box(QStringLiteral("Событие успешно обновлено."), forms::Icon::Information);
+        });
+    EXPECT_EQ(Rows(QStringLiteral("SELECT length(a03evnm) FROM a03")), QStringList{"100000"});
+}
+
 TEST_F(frmEventTest, AnEventThatIsGoneIsUpdatedWithoutEffect) {
     WithDialog(
         5,

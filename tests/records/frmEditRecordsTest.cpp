@@ -1,6 +1,7 @@
 #include "platform/engine/DBEngine.h"
 #include "platform/engine/EngineError.h"
 #include "tests/records/RecordsTest.h"
+#include "tests/support/Keys.h"
 
 #include <QLineEdit>
 #include <QListWidget>
@@ -127,6 +128,58 @@ TEST_F(frmEditRecordsTest, EditShowsAndWritesBackEveryField) {
     EXPECT_EQ(Rows(CardsInFile), QStringList({"4|Иванов|Иван|" + QString(50, QLatin1Char('x')) + "||1.2.80",
                                               "5|Петров|NULL|NULL|NULL|NULL"}));
     EXPECT_EQ(Rows(PhonesInFile), QStringList({"4|1|111", "4|4|4 4", "5|1|555"}));
+}
+
+TEST_F(frmEditRecordsTest, WhatIsSeenIsSavedWhereverTheFocusIs) {
+    AddCard(1, QStringLiteral("Иванов"));
+    AddPhone(1, 1, QStringLiteral("11"));
+    AddPhone(1, 2, QStringLiteral("22"));
+    const auto card = OpenOnly(EditEntry);
+    const auto drop = [&](const char* name, const QString& text) {
+        auto& field = Control<QLineEdit>(card, name);
+        test::Drop(field, QPoint(1, field.height() / 2), text);
+        EXPECT_FALSE(field.hasFocus());
+    };
+    PickType(card, 1);
+    Type(QStringLiteral("495"));
+    Type(QStringLiteral("-777"));
+    EXPECT_EQ(Number(card), QStringLiteral("495-777")) << "typed on the list in place of what stood there";
+    PickType(card, 0);
+    drop("txtTelefonNumber", QStringLiteral("777-"));
+    drop("txtRemark", QStringLiteral("д'Артаньян"));
+    Fill(card, "txtFirstName", QStringLiteral("O'Neil"));
+    QWidget otherProgram;
+    otherProgram.show();
+    QApplication::setActiveWindow(&otherProgram);
+    test::Answers answers;
+    ExpectSaved(answers);
+    QTest::mouseClick(&Control<QWidget>(card, "cmdSave"), Qt::LeftButton);
+    EXPECT_EQ(Rows(CardsInFile), QStringList{"1|Иванов|O^Neil||д^Артаньян|"});
+    EXPECT_EQ(Rows(PhonesInFile), QStringList({"1|1|777-11", "1|2|495-777"}));
+}
+
+TEST_F(frmEditRecordsTest, WhatIsTooLongToBeSeenStaysInTheFile) {
+    for (const char* column :
+         {"a01 ALTER COLUMN a01last", "a01 ALTER COLUMN a01bith", "a02 ALTER COLUMN a02cval"})
+        Run(QStringLiteral("ALTER TABLE ") + QString::fromLatin1(column) + QStringLiteral(" LONGTEXT"));
+    const QString text(20'000, u'ж');
+    AddCard(1, text, QStringLiteral("Иван"), {}, {}, text);
+    AddPhone(1, 1, text);
+    AddPhone(1, 2, QStringLiteral("2''2")); // a file from elsewhere
+    const QString lengths =
+        QStringLiteral("SELECT length(a01last), a01frst, length(a01bith), (SELECT "
+                       "group_concat(a02code || ':' || length(a02cval)) FROM a02) FROM a01");
+    const auto list = OpenFilledList();
+    EXPECT_LT(Column(list, 1).value(0).size(), 10'000);
+    Fill(OpenCard(list, EditEntry), "txtFirstName", QStringLiteral("Пётр"));
+    Save(Last(Card), ExpectSaved);
+    EXPECT_EQ(Rows(lengths), QStringList{"20000|Пётр|20000|1:20000,2:3"});
+
+    const auto card = OpenCard(list, EditEntry);
+    for (const char* field : {"txtLastName", "txtTelefonNumber"})
+        Fill(card, field, QStringLiteral("1"));
+    Save(card, ExpectSaved);
+    EXPECT_EQ(Rows(lengths), QStringList{"1|Пётр|20000|1:1,2:3"}) << "what was edited is written";
 }
 
 TEST_F(frmEditRecordsTest, ViewLocksTheCardAndShowsOnlyTypesWithANumber) {

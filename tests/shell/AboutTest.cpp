@@ -87,13 +87,15 @@ TEST_F(About, TellsVersionsFileAndDateAfreshAtEachOpening) {
     EXPECT_EQ(surface.findChild<QLabel*>(QStringLiteral("Label2"))->text(),
               QString::fromUtf16(product::LegalLine));
 
-    Store(QStringLiteral("/elsewhere.mdb"));
+    Store(QStringLiteral("/a&b.mdb"));
     gDatabase->Execute(QStringLiteral("UPDATE v00 SET v00vrid = 2"));
     Choose("mnuHelpAbout");
     EXPECT_EQ(Text("txtVersionBase"), QStringLiteral("3")) << "an open window is only shown again";
     forms::Form::Default<frmAbout>()->Unload();
     Choose("mnuHelpAbout");
-    EXPECT_EQ(Texts(), QStringList({"1.2.4", "2", "/elsewhere.mdb", "02.08.2006"}));
+    EXPECT_EQ(Texts(), QStringList({"1.2.4", "2", "/a&b.mdb", "02.08.2006"}));
+    const auto* path = forms::Form::Default<frmAbout>()->Surface()->findChild<QWidget*>("txtUseBase");
+    EXPECT_EQ(path->toolTip(), QStringLiteral("/a&b.mdb"));
 }
 
 TEST_F(About, ABrokenVersionTableLeavesTheLaterFieldsEmpty) {

@@ -1,7 +1,9 @@
 #include "tests/support/Keys.h"
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QPointer>
 #include <QWidget>
 
@@ -17,6 +19,15 @@ void Type(QWidget* widget, const QString& text) {
             qApp->notify(target, &key);
         }
     }
+}
+
+void Drop(QWidget& widget, QPoint place, const QString& text) {
+    QMimeData data;
+    data.setText(text);
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &enter);
+    QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &drop);
 }
 
 } // namespace test

@@ -1,11 +1,12 @@
 #include "platform/forms/MessageWindow.h"
 
-#include <QCloseEvent>
-#include <QKeyEvent>
+#include "platform/forms/Texts.h"
 
 namespace forms {
 
 namespace {
+
+constexpr qsizetype MostInBox = 2048; ///< characters; more would not fit on a screen
 
 QMessageBox::Icon BoxIcon(Icon icon) {
     switch (icon) {
@@ -30,7 +31,7 @@ MessageWindow::MessageWindow(QWidget* owner, const QString& text, forms::Icon ic
     setObjectName(QStringLiteral("MsgBox"));
     setWindowTitle(QStringView(AppTitle).toString());
     setTextFormat(Qt::PlainText);
-    setText(text);
+    setText(Shown(text, MostInBox));
     setIcon(BoxIcon(icon));
     if (!IsQuestion()) {
         setStandardButtons(QMessageBox::Ok);
@@ -39,33 +40,13 @@ MessageWindow::MessageWindow(QWidget* owner, const QString& text, forms::Icon ic
     }
     setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     setDefaultButton(preselected == Answer::No ? QMessageBox::No : QMessageBox::Yes);
-    setWindowFlags((windowFlags() | Qt::CustomizeWindowHint | Qt::WindowTitleHint) &
-                   ~(Qt::WindowCloseButtonHint | Qt::WindowSystemMenuHint));
+    setEscapeButton(QMessageBox::No);
 }
 
 Answer MessageWindow::Chosen() const {
     if (!IsQuestion())
         return Answer::Ok;
     return result() == QMessageBox::Yes ? Answer::Yes : Answer::No;
-}
-
-void MessageWindow::reject() {
-    if (!IsQuestion())
-        QMessageBox::reject();
-}
-
-void MessageWindow::closeEvent(QCloseEvent* event) {
-    if (IsQuestion())
-        event->ignore();
-    else
-        QMessageBox::closeEvent(event);
-}
-
-void MessageWindow::keyPressEvent(QKeyEvent* event) {
-    if (IsQuestion() && event->matches(QKeySequence::Cancel))
-        event->accept();
-    else
-        QMessageBox::keyPressEvent(event);
 }
 
 } // namespace forms

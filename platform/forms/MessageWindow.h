@@ -6,8 +6,8 @@
 
 namespace forms {
 
-/// The window of a message box. The text is shown as it is: no markup, no letters underlined. A question can
-/// be left by its two buttons alone.
+/// The window of a message box. The text is shown as it is: no markup, no letters underlined. Esc and the
+/// close box of a question mean No.
 class MessageWindow final : public QMessageBox {
     Q_OBJECT
 
@@ -16,12 +16,6 @@ public:
                   Answer preselected);
 
     Answer Chosen() const;
-
-    void reject() override;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     bool IsQuestion() const { return m_buttons == forms::Buttons::YesNo; }

@@ -15,8 +15,7 @@ enum class Answer { Ok, Yes, No };
 
 /// Shows a message box titled AppTitle over the active window and waits for the answer. All finished
 /// statements are made durable first; if that fails, the failure is raised and no box is shown, so that no
-/// success is reported before the data is on the disk. In a YesNo box Esc does nothing and there is no close
-/// button.
+/// success is reported before the data is on the disk. In a YesNo box Esc and the close button mean No.
 Answer MsgBox(const QString& text, Icon icon, Buttons buttons = Buttons::Ok, Answer preselected = Answer::Ok);
 
 /// Yes-or-no questions. `AskYes` has Yes preselected; `AskNo`, for what can lose data, No. True on Yes.

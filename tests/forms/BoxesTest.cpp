@@ -1,8 +1,11 @@
 // Message boxes and file dialogs, answered as a user does.
 
+#include "platform/engine/DBEngine.h"
+#include "platform/engine/EngineError.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/MsgBox.h"
 #include "tests/support/Answers.h"
+#include "tests/support/FaultyFiles.h"
 #include "tests/support/TestBook.h"
 
 #include <gtest/gtest.h>
@@ -53,23 +56,30 @@ TEST(MsgBoxTest, IconsButtonsAndAnswers) {
     }
     answers.Question(text, true, false, Icon::Critical);
     EXPECT_TRUE(forms::AskNo(text, Icon::Critical));
+    answers.BoxStarting(text, Icon::Critical, [](const QString& shown) { EXPECT_LT(shown.size(), 10'000); });
+    forms::MsgBox(text + QString(10'000'000, u'x'), Icon::Critical);
 }
 
-TEST(MsgBoxTest, QuestionIsLeftByItsButtonsAlone) {
+TEST(MsgBoxTest, EscAndTheCloseBoxOfAQuestionMeanNo) {
     test::Answers answers;
-    answers.Modal(QStringLiteral("MsgBox"), [](QWidget& window) {
-        auto& box = dynamic_cast<QMessageBox&>(window);
-        EXPECT_EQ(ButtonText(box, QMessageBox::Yes), QStringLiteral("Да"));
-        EXPECT_EQ(ButtonText(box, QMessageBox::No), QStringLiteral("Нет"));
-        EXPECT_FALSE(box.windowFlags() & Qt::WindowCloseButtonHint);
-        QTest::keyClick(&box, Qt::Key_Escape);
-        EXPECT_TRUE(box.isVisible());
-        box.close();
-        EXPECT_TRUE(box.isVisible());
-        QTest::keyClick(&box, Qt::Key_Return);
-        EXPECT_FALSE(box.isVisible());
-    });
-    EXPECT_FALSE(forms::AskNo(QStringLiteral("Вопрос?"))) << "Enter takes the default button";
+    const auto ask = [&](bool yesPreselected, const std::function<void(QWidget&)>& leave) {
+        answers.Modal(QStringLiteral("MsgBox"), [&](QWidget& window) {
+            auto& box = dynamic_cast<QMessageBox&>(window);
+            EXPECT_EQ(ButtonText(box, QMessageBox::Yes), QStringLiteral("Да"));
+            EXPECT_EQ(ButtonText(box, QMessageBox::No), QStringLiteral("Нет"));
+            EXPECT_TRUE(box.windowFlags() & Qt::WindowCloseButtonHint);
+            leave(window);
+            EXPECT_FALSE(box.isVisible());
+        });
+        const QString text = QStringLiteral("Вопрос?");
+        return yesPreselected ? forms::AskYes(text) : forms::AskNo(text);
+    };
+    const auto press = [](Qt::Key key) { return [key](QWidget& box) { QTest::keyClick(&box, key); }; };
+    for (const bool yesPreselected : {false, true}) {
+        EXPECT_FALSE(ask(yesPreselected, press(Qt::Key_Escape)));
+        EXPECT_FALSE(ask(yesPreselected, [](QWidget& box) { box.close(); }));
+        EXPECT_EQ(ask(yesPreselected, press(Qt::Key_Return)), yesPreselected);
+    }
 }
 
 TEST(MsgBoxTest, OkBoxIsLeftByEscToo) {
@@ -107,6 +117,30 @@ TEST(MsgBoxTest, ErrorBox) {
     forms::ShowErrorBox(QStringLiteral("Глава"), failure, Icon::Exclamation);
     answers.Box(QStringLiteral("произошла ошибка №3044 Путь не найден"), Icon::Critical);
     forms::ShowEscapedFailure(failure);
+}
+
+TEST(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {
+    const test::TestFolder folder;
+    bool full = false;
+    const test::FaultyFiles files([&](test::FaultyFiles::Call call) {
+        return full && call == test::FaultyFiles::Call::Write ? SQLITE_FULL : SQLITE_OK;
+    });
+    const auto book = engine::DBEngine::Workspaces(0)->CreateDatabase(
+        folder.Path(QStringLiteral("book.mdb")), QString::fromUtf16(engine::dbLangGeneral));
+    book->Execute(QStringLiteral("CREATE TABLE t (a INTEGER)"), engine::dbFailOnError);
+    for (const int told : {3044, 3026}) {
+        engine::DBEngine::Commit();
+        book->Execute(QStringLiteral("INSERT INTO t (a) VALUES (1)"), engine::dbFailOnError);
+        full = true;
+        test::Answers answers;
+        answers.BoxStarting(QStringLiteral("Глава\r\nпроизошла ошибка №%1 ").arg(told), Icon::Critical);
+        if (told != 3026)
+            answers.BoxStarting(QStringLiteral("Глава\r\nпроизошла ошибка №3026 "), Icon::Critical);
+        forms::ShowErrorBox(QStringLiteral("Глава"), runtime::Failure(told, engine::EngineText(told)));
+        EXPECT_TRUE(answers.Done()) << told;
+        full = false;
+    }
+    book->Close();
 }
 
 /// Lets a test ask a delegate what it would draw.

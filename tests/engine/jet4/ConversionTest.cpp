@@ -200,8 +200,13 @@ TEST_F(OldFormatConversion, NothingIsLostThatTheNewFileHasNoLikeOf) {
          {QStringLiteral("-657434.75")}},
         {"v1-old.mdb",
          [](test::OldBytes& bytes) {
-             for (const char16_t mark : {u'\xFEFF', u'\xFFFE'})
-                 bytes.Put<std::uint16_t>(bytes.Row(u"a02", mark == u'\xFEFF' ? 0 : 1) + 2 + 10, mark);
+             // A mark at the start would say that the text is compressed; so it is, but for the mark.
+             const QByteArray marked("\xFF\xFE\0\xFF\xFE\0"
+                                     "2233445566",
+                                     16);
+             for (qsizetype i = 0; i < marked.size(); ++i)
+                 bytes.Put(bytes.Row(u"a02", 0) + 2 + 10 + i, marked[i]);
+             bytes.Put<std::uint16_t>(bytes.Row(u"a02", 1) + 2 + 10, 0xFFFE);
          },
          "SELECT substr(hex(CAST(a02cval AS BLOB)), 1, 4), length(a02cval) > 5 FROM a02 ORDER BY a02rcid "
          "LIMIT 2",

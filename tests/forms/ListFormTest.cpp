@@ -287,8 +287,8 @@ TEST_F(ListFormTest, SixteenBitCounterEndsTheFill) {
             .arg(Grid().Rows())
             .arg(Grid().TextMatrix(1, 0), Grid().TextMatrix(rows, 0));
     };
-    EXPECT_EQ(fill(32767), QStringLiteral("32767 32768 1 32767"));
     test::Answers answers;
+    EXPECT_EQ(fill(32767), QStringLiteral("32767 32768 1 32767"));
     answers.Box(QStringLiteral("frmTowns функция FillGrid:\r\nпроизошла ошибка №6 Переполнение"),
                 forms::Icon::Critical);
     EXPECT_EQ(fill(32768), QStringLiteral("32768 32769  ")) << "no data row";

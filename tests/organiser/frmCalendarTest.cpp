@@ -312,21 +312,21 @@ TEST_F(frmCalendarTest, TablesPast16BitsAreAnOverflow) {
 TEST_F(frmCalendarTest, ADeletionThatDoesNotReachTheDiskIsToldByItsRoutine) {
     AddEvent(QStringLiteral("Событие"), QStringLiteral("15.05.2006"), 0);
     gDatabase->Close();
-    bool full = false;
-    const test::FaultyFiles files([&full](test::FaultyFiles::Call call) {
-        return full && call == test::FaultyFiles::Call::Write ? SQLITE_FULL : SQLITE_OK;
+    bool fails = false; // at the commit: the statement itself syncs nothing
+    const test::FaultyFiles files([&fails](test::FaultyFiles::Call call) {
+        return fails && call == test::FaultyFiles::Call::Sync ? SQLITE_IOERR_FSYNC : SQLITE_OK;
     });
     gDatabase = gWorkspace->OpenDatabase(Path());
     Open();
-    full = true;
+    fails = true;
     {
         test::Answers answers;
         answers.Question(QStringLiteral("Вы действительно хотите удалить это событие?"), true, false)
-            .BoxStarting(QStringLiteral("frmCalendar функция DeleteEvent:\r\nпроизошла ошибка №3026 "),
+            .BoxStarting(QStringLiteral("frmCalendar функция DeleteEvent:\r\nпроизошла ошибка №3043 "),
                          forms::Icon::Critical);
         Frame().CallActive("DeleteEvent");
     }
-    full = false;
+    fails = false;
     EXPECT_EQ(Listed(), QStringList(QStringLiteral("1|Событие|Разовое")));
     EXPECT_EQ(Rows(QStringLiteral("SELECT a03evid FROM a03")), QStringList(QStringLiteral("1")));
 }

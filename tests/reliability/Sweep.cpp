@@ -81,7 +81,11 @@ QStringList FilesOf(const QString& path, bool cutsPower) {
     QStringList names{file.completeBaseName() + u'*'};
     if (!cutsPower)
         names += QStringLiteral(".zavelik*");
-    return file.dir().entryList(names, QDir::Files | QDir::Hidden);
+    QStringList found = file.dir().entryList(names, QDir::Files | QDir::Hidden);
+    found.removeIf([&](const QString& name) { // an empty journal is as good as none
+        return name.endsWith(QLatin1String("-journal")) && QFileInfo(file.dir(), name).size() == 0;
+    });
+    return found;
 }
 
 void SweepWork(Work& work, const std::string& name, int samples) {

@@ -35,6 +35,7 @@ struct Change {
 /// What the disk holds of a file, and what it has been told since.
 struct OnDisk {
     bool exists = false;
+    bool removed = false; ///< but the folder has not been given to the disk: it may come back
     std::string bytes;
     std::vector<Change> changes;
 };
@@ -65,6 +66,7 @@ void Sync(OnDisk& file) {
         Apply(change, file.bytes);
     file.changes.clear();
     file.exists = true;
+    file.removed = false;
 }
 
 int Judge(FaultyFiles::Call call) {
@@ -183,8 +185,11 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* room, int flags, int* out
     file->onDisk = nullptr;
     if (const int code = Judge(FaultyFiles::Call::Open); code != SQLITE_OK)
         return code;
-    if (name != nullptr)
+    if (name != nullptr) {
         file->onDisk = &FindOnDisk(name);
+        if (file->onDisk->removed) // a new one of that name
+            *file->onDisk = {};
+    }
     const int code = realLayer->xOpen(realLayer, name, file->Real(), flags, outFlags);
     if (file->Real()->pMethods != nullptr)
         file->pMethods = &methods;
@@ -200,8 +205,9 @@ int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
     if (syncFolder != 0 && code == SQLITE_OK) {
         onDisk = {};
         renamings.clear();
-    } else
-        onDisk.changes.push_back({}); // until the folder is on the disk the file may come back
+    } else {
+        onDisk.removed = true;
+    }
     const int removal = realLayer->xDelete(realLayer, name, 0);
     return removal != SQLITE_OK ? removal : code;
 }
@@ -227,7 +233,7 @@ class FaultyDisk final : public runtime::Disk {
         for (const Call call : {Call::Open, Call::Write, Call::Sync})
             if (const auto error = ErrorOf(Judge(call)))
                 return error;
-        disk[QFile::encodeName(path).toStdString()] = {true, bytes.toStdString(), {}};
+        disk[QFile::encodeName(path).toStdString()] = {true, false, bytes.toStdString(), {}};
         return Disk::Write(path, bytes);
     }
     std::error_code Sync(const QString& path) override {
@@ -304,7 +310,9 @@ void FaultyFiles::PowerOn(Remains remains) {
                 change.bytes.resize(std::min(change.bytes.size(), sectorSize));
             Apply(change, onDisk.bytes);
         }
-        if (onDisk.exists || (touched && remains != Remains::Nothing))
+        if (onDisk.removed && remains != Remains::Nothing)
+            std::filesystem::remove(name);
+        else if (onDisk.exists || (touched && remains != Remains::Nothing))
             std::ofstream(name, std::ios::binary | std::ios::trunc) << onDisk.bytes;
         else
             std::filesystem::remove(name);

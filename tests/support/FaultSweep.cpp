@@ -89,6 +89,8 @@ public:
                 At(place);
         if (m_goesOn && m_hits == 0) // the number of calls is a matter of time
             At(1);
+        if (m_goesOn && m_kind.remains) // right behind the work: what it has reported is on the disk
+            At(calls + 1);
     }
 
     int Hits() const { return m_hits; }

@@ -81,11 +81,7 @@ QStringList FilesOf(const QString& path, bool cutsPower) {
     QStringList names{file.completeBaseName() + u'*'};
     if (!cutsPower)
         names += QStringLiteral(".zavelik*");
-    QStringList found = file.dir().entryList(names, QDir::Files | QDir::Hidden);
-    found.removeIf([&](const QString& name) { // an empty journal is as good as none
-        return name.endsWith(QLatin1String("-journal")) && QFileInfo(file.dir(), name).size() == 0;
-    });
-    return found;
+    return file.dir().entryList(names, QDir::Files | QDir::Hidden);
 }
 
 void SweepWork(Work& work, const std::string& name, int samples) {

@@ -102,6 +102,8 @@ void FilterForm::Form_Terminate() {
 }
 
 void FilterForm::cmdFind_Click() {
+    if (!m_list) // its load has failed
+        return Unload();
     const QString sql = Statement();
     AttachIfNew();
     List().DoNotFillGrid(true);
@@ -111,6 +113,8 @@ void FilterForm::cmdFind_Click() {
 }
 
 void FilterForm::cmdCancel_Click() {
+    if (!m_list)
+        return Unload();
     AttachIfNew();
     SetTag(QStringLiteral("1"));
     SetVisible(false);

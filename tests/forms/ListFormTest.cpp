@@ -365,8 +365,7 @@ TEST_F(ListFormTest, FilterWithoutItsEntries) {
     EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
     EXPECT_FALSE(list);
     Press("cmdFind");
-    EXPECT_EQ(filter->Tag(), QStringLiteral("1"));
-    EXPECT_FALSE(filter->Visible());
+    EXPECT_FALSE(filter->IsLoaded()) << "without a list there is nothing to come back for";
 
     Run("DROP TABLE regions");
     answers.BoxStarting(QStringLiteral("frmTownsFilter функция Form_Load:\r\nпроизошла ошибка №3078 "),
@@ -374,7 +373,7 @@ TEST_F(ListFormTest, FilterWithoutItsEntries) {
     Open();
     EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
     QTest::keyClick(Town(), Qt::Key_Escape);
-    EXPECT_FALSE(filter->Visible());
+    EXPECT_FALSE(filter->IsLoaded());
     EXPECT_FALSE(Loaded("frmTowns")) << "neither shows the list that did not come";
 }
 

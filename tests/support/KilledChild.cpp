@@ -35,7 +35,10 @@ QByteArray KillWhileRunning(const QString& disabledTest, const QString& handed,
     while (!said.contains(start) && child.waitForReadyRead(LongestStart))
         said += child.readAllStandardOutput();
     EXPECT_TRUE(said.contains(start)) << said.constData();
-    QThread::usleep(static_cast<unsigned long>(moment.count()));
+    if (moment == ToTheEnd)
+        child.waitForFinished();
+    else
+        QThread::usleep(static_cast<unsigned long>(moment.count()));
     child.kill();
     child.waitForFinished();
     said += child.readAllStandardOutput();

@@ -9,6 +9,9 @@
 
 namespace test {
 
+/// A moment that lets the child come to its end, however slow the machine is.
+inline constexpr std::chrono::microseconds ToTheEnd = std::chrono::microseconds::max();
+
 /// Runs a disabled test of this program in a child process and kills it hard so long after it has said
 /// "working". Returns the lines that it said behind that. The child finds `handed` by HandedOver.
 QByteArray KillWhileRunning(const QString& disabledTest, const QString& handed,

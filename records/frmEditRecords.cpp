@@ -60,26 +60,34 @@ QString Quoted(const QString& text) {
     return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
-/// The condition that a column holds the text. Of one longer than any field takes its length and its
-/// beginning are compared: the whole would make the statement too long.
-QString Holds(const QString& column, const std::optional<QString>& text) {
-    if (!text)
-        return column + QStringLiteral(" IS NULL");
-    QString part = forms::Beginning(*text, RemarkLength).toString();
+/// The condition that a column holds the text; NULL is as empty as the empty text. Of one longer than any
+/// field takes its length and its beginning are compared: the whole would make the statement too long.
+QString Holds(const QString& column, const QString& text) {
+    QString part = forms::Beginning(text, RemarkLength).toString();
     const qsizetype length = part.size();
     part.replace(QLatin1Char('\''), QLatin1String("''"));
-    if (length == text->size())
-        return column + QStringLiteral(" = ") + Quoted(part);
-    return QStringLiteral("LEN(%1) = %2 AND LEFT(%1, %3) = ").arg(column).arg(text->size()).arg(length) +
+    if (length == text.size())
+        return column + QStringLiteral(" & '' = ") + Quoted(part);
+    return QStringLiteral("LEN(%1) = %2 AND LEFT(%1, %3) = ").arg(column).arg(text.size()).arg(length) +
            Quoted(part);
 }
 
-QString Contents(const std::array<std::optional<QString>, 5>& texts) {
-    static const std::array columns{"a01last", "a01frst", "a01midl", "a01memo", "a01bith"};
-    QStringList parts;
-    for (std::size_t i = 0; i < columns.size(); ++i)
-        parts += Holds(QLatin1String(columns[i]), texts[i]);
-    return QLatin1Char('(') + parts.join(QLatin1String(" AND ")) + QLatin1Char(')');
+/// The condition that a record is of this person: all three names are the same, or the birthday and one name
+/// are, as far as there are any.
+QString IsPerson(const std::array<QString, 3>& names, const QString& bith) {
+    static const std::array columns{"a01last", "a01frst", "a01midl"};
+    QStringList all;
+    QStringList filled;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        all += Holds(QLatin1String(columns[i]), names[i]);
+        if (!names[i].isEmpty())
+            filled += all.back();
+    }
+    QString condition = all.join(QLatin1String(" AND "));
+    if (!bith.isEmpty() && !filled.isEmpty())
+        condition += QStringLiteral(" OR ") + Holds(QStringLiteral("a01bith"), bith) +
+                     QStringLiteral(" AND (") + filled.join(QLatin1String(" OR ")) + QStringLiteral(")");
+    return condition;
 }
 
 bool IsBlank(const QLineEdit* field) {
@@ -228,7 +236,7 @@ void frmEditRecords::Form_Load() {
     m_codes.clear();
     nTelefonIndex = -1;
     m_read = false;
-    m_contents.clear();
+    m_persons.clear();
     m_newId.clear();
     m_foreignCodes.clear();
 }
@@ -308,12 +316,8 @@ bool frmEditRecords::LoadRecord() {
     ShowFilled(txtMiddleName, record, u"a01midl");
     ShowFilled(txtRemark, record, u"a01memo");
     ShowFilled(txtBith, record, u"a01bith");
-    const auto text = [&record](QStringView column) -> std::optional<QString> {
-        const engine::Value value = record.Fields(column).Value();
-        return value.IsNull() ? std::nullopt : std::optional(value.Text());
-    };
-    KnowAs(
-        Contents({text(u"a01last"), text(u"a01frst"), text(u"a01midl"), text(u"a01memo"), text(u"a01bith")}));
+    const auto text = [&record](QStringView column) { return record.Fields(column).Text(); };
+    KnowAs(IsPerson({text(u"a01last"), text(u"a01frst"), text(u"a01midl")}, text(u"a01bith")));
     return true;
 }
 
@@ -421,23 +425,23 @@ bool frmEditRecords::Save() {
 }
 
 /// Behind FROM or SET: the record that the card was opened for. Its number alone may belong to somebody else
-/// by now. What another program has changed cannot be told from a new person, and is taken for one. The
-/// condition is part of the statement that writes, so nobody comes in between.
+/// by now. Whether it does behind a change of another program is told by names and birthday. The condition is
+/// part of the statement that writes, so nobody comes in between.
 QString frmEditRecords::OwnRecord() {
     return QStringLiteral(" WHERE a01clid = ") + Tag() + QStringLiteral(" AND (") +
-           m_contents.join(QLatin1String(" OR ")) + QStringLiteral(")");
+           m_persons.join(QLatin1String(" OR ")) + QStringLiteral(")");
 }
 
-void frmEditRecords::KnowAs(const QString& content) {
-    if (!m_contents.contains(content))
-        m_contents += content;
+void frmEditRecords::KnowAs(const QString& person) {
+    if (!m_persons.contains(person))
+        m_persons += person;
 }
 
 /// Calls for the other cards of this program on the same record.
 void frmEditRecords::TellOtherCards(const std::function<void(frmEditRecords&)>& tell) {
     for (const auto& form : Loaded()) {
         auto* card = dynamic_cast<frmEditRecords*>(form.get());
-        if (card && card != this && card->Tag() == Tag() && !card->m_contents.isEmpty())
+        if (card && card != this && card->Tag() == Tag() && !card->m_persons.isEmpty())
             tell(*card);
     }
 }
@@ -445,7 +449,7 @@ void frmEditRecords::TellOtherCards(const std::function<void(frmEditRecords&)>& 
 /// Writes the record and takes its phones out, to be written anew. Nothing, after a box, if the record is no
 /// longer there: phones written then would belong to no card, or to another one.
 std::optional<QString> frmEditRecords::UpdateRecord() {
-    if (m_contents.isEmpty()) {
+    if (m_persons.isEmpty()) {
         ShowIntegrityBox(NoRecord());
         return std::nullopt;
     }
@@ -455,9 +459,9 @@ std::optional<QString> frmEditRecords::UpdateRecord() {
         ShowIntegrityBox(NoRecord());
         return std::nullopt;
     }
-    const QString content = ShownContents();
-    KnowAs(content);
-    TellOtherCards([&](frmEditRecords& card) { card.KnowAs(content); });
+    const QString person = ShownPerson();
+    KnowAs(person);
+    TellOtherCards([&](frmEditRecords& card) { card.KnowAs(person); });
     QString removal = QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + id;
     if (const QStringList spared = SparedCodes(); !spared.isEmpty())
         removal +=
@@ -510,13 +514,12 @@ QString frmEditRecords::InsertRecord() {
         QStringLiteral(", ") + Quoted(txtRemark->text()) + QStringLiteral(", ") + Quoted(txtBith->text()) +
         QStringLiteral(")"));
     m_newId = id;
-    m_contents = {ShownContents()};
+    m_persons = {ShownPerson()};
     return id;
 }
 
-QString frmEditRecords::ShownContents() const {
-    return Contents({txtLastName->Value(), txtFirstName->Value(), txtMiddleName->Value(), txtRemark->Value(),
-                     txtBith->Value()});
+QString frmEditRecords::ShownPerson() const {
+    return IsPerson({txtLastName->Value(), txtFirstName->Value(), txtMiddleName->Value()}, txtBith->Value());
 }
 
 /// One row for each number. False, after a box, if a type is no longer there.
@@ -546,7 +549,7 @@ void frmEditRecords::cmdDelete_Click() {
         if (!DeleteRecord())
             return;
         forms::MsgBox(QStringLiteral("Запись успешно удалена из базы данных."), forms::Icon::Information);
-        TellOtherCards([](frmEditRecords& card) { card.m_contents.clear(); });
+        TellOtherCards([](frmEditRecords& card) { card.m_persons.clear(); });
         RefreshListAndUnload({});
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdDelete_Click:"), failure);
@@ -557,7 +560,7 @@ void frmEditRecords::cmdDelete_Click() {
 /// cut-off deletion has left go all the same.
 bool frmEditRecords::DeleteRecord() {
     const QString record = QStringLiteral("SELECT a01clid FROM a01 WHERE a01clid = ") + Tag();
-    if (!m_contents.isEmpty())
+    if (!m_persons.isEmpty())
         Execute(QStringLiteral("DELETE FROM a01") + OwnRecord());
     if (gDatabase->OpenRecordset(record, engine::dbOpenDynaset).RecordCount() != 0) {
         ShowIntegrityBox(NoRecord());

@@ -63,8 +63,8 @@ private:
     QString InsertRecord();
     bool DeleteRecord();
     QString OwnRecord();
-    QString ShownContents() const;
-    void KnowAs(const QString& content);
+    QString ShownPerson() const;
+    void KnowAs(const QString& person);
     void TellOtherCards(const std::function<void(frmEditRecords&)>& tell);
     bool InsertTelefonNumbers(const QString& id);
     /// A new record becomes the list's current one.
@@ -86,9 +86,9 @@ private:
     std::int16_t nTelefonIndex = -1;        ///< whose number txtTelefonNumber shows; -1: nobody's
     std::shared_ptr<forms::ListForm> frmRecordsPtr;
     bool m_read = false;
-    /// Conditions that tell the record of this card from another one under its number: what it holds, as it
-    /// was read and as the cards of this program have written it since. None: it is deleted.
-    QStringList m_contents;
+    /// Conditions that tell the record of this card from another one under its number: whose it is, as it was
+    /// read and as the cards of this program have written it since. None: it is deleted.
+    QStringList m_persons;
     QString m_newId;            ///< of the record that a new card has written
     QStringList m_foreignCodes; ///< of phones whose type does not exist: not shown, spared by a save
 };

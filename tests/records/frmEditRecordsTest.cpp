@@ -305,16 +305,18 @@ TEST_F(frmEditRecordsTest, ARecordThatIsGoneIsToldByLoadAndSave) {
 /// The card of Петров, number 2, stays open while that happens to its record.
 TEST_F(frmEditRecordsTest, ACardTouchesNobodyElseUnderItsNumber) {
     const auto list = OpenFilledList();
-    const auto otherProgram = [this](const char* sql) {
+    const auto otherProgram = [this](const std::string& sql) {
         engine::DBEngine::Commit();
         engine::DBEngine::CreateWorkspace({}, {}, {})
             ->OpenDatabase(Path())
-            ->Execute(QString::fromUtf8(sql), engine::dbFailOnError);
+            ->Execute(QString::fromStdString(sql), engine::dbFailOnError);
+    };
+    const auto set = [&](const std::string& values) {
+        otherProgram("UPDATE a01 SET " + values + " WHERE a01clid = 2");
     };
     const auto change = [&](const char* name) {
         const auto other = OpenCard(list, EditEntry, 2);
         Fill(other, "txtLastName", QString::fromUtf8(name));
-        Fill(other, "txtRemark", QString());
         Save(other, ExpectSaved);
     };
     const auto replace = [&](const char* name) {
@@ -336,6 +338,7 @@ TEST_F(frmEditRecordsTest, ACardTouchesNobodyElseUnderItsNumber) {
         const char* what;
         std::function<void()> happens;
         bool same;
+        const char* bith = "05.12.1980";
     } cases[] = {
         {"nothing", [] {}, true},
         {"changed in another window, twice", [&] { change("Сидоров"), change("Яковлев"); }, true},
@@ -343,10 +346,19 @@ TEST_F(frmEditRecordsTest, ACardTouchesNobodyElseUnderItsNumber) {
         {"deleted in another window, a namesake", [&] { replace("Петров"); }, false},
         {"other program: another number",
          [&] { otherProgram("UPDATE a02 SET a02cval = '333' WHERE a02clid = 2"); }, true},
-        {"other program: another person",
-         [&] { otherProgram("UPDATE a01 SET a01last = 'Сидоров' WHERE a01clid = 2"); }, false},
-        {"other program: a namesake with another birthday",
-         [&] { otherProgram("UPDATE a01 SET a01bith = '1.2.80' WHERE a01clid = 2"); }, false},
+        {"other program: another remark", [&] { set("a01memo = 'x'"); }, true},
+        {"other program: another birthday", [&] { set("a01bith = '1.2.80'"); }, true},
+        {"other program: no first name, but NULL", [&] { set("a01frst = NULL, a01bith = NULL"); }, true},
+        {"other program: another last name", [&] { set("a01last = 'Сидоров', a01frst = 'Ян'"); }, true},
+        {"other program: another last and middle name", [&] { set("a01last = 'Сидоров', a01midl = 'Ян'"); },
+         false},
+        {"other program: another last name and birthday",
+         [&] { set("a01last = 'Сидоров', a01bith = '1.2.80'"); }, false},
+        {"other program: no name", [&] { set("a01last = '', a01midl = NULL"); }, false},
+        {"no birthday, other program: a birthday", [&] { set("a01bith = '1.2.80'"); }, true, ""},
+        {"no birthday, other program: another last name", [&] { set("a01last = 'Сидоров'"); }, false, ""},
+        {"changed in another window, then other program",
+         [&] { change("Сидоров"), set("a01midl = 'Ян', a01memo = 'x'"); }, true},
     };
     for (const auto& c : cases) {
         for (const bool saves : {true, false}) {
@@ -355,11 +367,11 @@ TEST_F(frmEditRecordsTest, ACardTouchesNobodyElseUnderItsNumber) {
             Run(QStringLiteral("DELETE FROM a02"));
             AddCard(1, QStringLiteral("Иванов"));
             Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo, a01bith) "
-                               "VALUES (2, 'Петров', '', '', 'д''Артаньян', '')"));
+                               "VALUES (2, 'Петров', '', 'д''Артаньян', '', '%1')")
+                    .arg(QLatin1String(c.bith)));
             AddPhone(2, 1, QStringLiteral("222"));
             ChooseInMenu(list, "mnuRecordsRefresh");
             const auto card = OpenCard(list, EditEntry, 2);
-            Fill(card, "txtRemark", QString());
             c.happens();
             const QStringList before = Rows(CardsInFile) + Rows(PhonesInFile);
             test::Answers answers;

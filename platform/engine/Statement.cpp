@@ -1,6 +1,7 @@
 #include "platform/engine/Statement.h"
 
 #include "platform/engine/functions/Functions.h"
+#include "platform/engine/functions/Text.h"
 #include "platform/runtime/Dates.h"
 
 #include <sqlite3.h>
@@ -63,15 +64,10 @@ int Statement::BindNumber(int place, std::int64_t number) {
 }
 
 int Statement::BindText(int place, QStringView text) {
-    // SQLite takes a mark of the byte order at the start away, or obeys it. With one of its own in front the
-    // text stays as it is.
-    constexpr char16_t mark = 0xFEFF;
-    if (text.startsWith(QChar(mark)) || text.startsWith(QChar(0xFFFE))) {
-        const QString marked = QChar(mark) + text.toString();
+    if (const QString marked = functions::Marked(text); !marked.isNull())
         return sqlite3_bind_text64(m_statement, place, reinterpret_cast<const char*>(marked.utf16()),
                                    static_cast<sqlite3_uint64>(marked.size()) * 2, SQLITE_TRANSIENT,
                                    SQLITE_UTF16);
-    }
     // A null pointer would bind NULL, and the empty text is not NULL.
     static constexpr char16_t nothing[] = u"";
     const void* start = text.isNull() ? static_cast<const void*>(nothing) : text.utf16();

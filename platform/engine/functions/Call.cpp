@@ -1,5 +1,6 @@
 #include "platform/engine/functions/Call.h"
 
+#include "platform/engine/functions/Text.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Failure.h"
 #include "platform/runtime/Numbers.h"
@@ -29,7 +30,9 @@ bool IsLong(std::int64_t whole) {
 }
 
 void SetText(sqlite3_context* context, const QString& text) {
-    sqlite3_result_text16(context, text.utf16(), static_cast<int>(text.size() * 2), SQLITE_TRANSIENT);
+    const QString marked = Marked(text);
+    const QString& given = marked.isNull() ? text : marked;
+    sqlite3_result_text16(context, given.utf16(), static_cast<int>(given.size() * 2), SQLITE_TRANSIENT);
 }
 
 } // namespace

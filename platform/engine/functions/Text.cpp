@@ -14,4 +14,11 @@ QString ToLower(QString text) {
     return text;
 }
 
+QString Marked(QStringView text) {
+    constexpr char16_t mark = 0xFEFF;
+    if (text.startsWith(QChar(mark)) || text.startsWith(QChar(0xFFFE)))
+        return QChar(mark) + text.toString();
+    return {};
+}
+
 } // namespace engine::functions

@@ -101,6 +101,8 @@ TEST(Functions, Texts) {
         {"zv_ascw(char(65533))", "-3"},
         {"zv_chrw(1040)", "А"},
         {"zv_ascw(zv_chrw(-3))", "-3"},
+        {"zv_ascw(zv_chrw(-257))", "-257"}, // marks of the byte order
+        {"zv_ascw(zv_chrw(-2))", "-2"},
         {"zv_chrw(65536)", "#5"},
         {"zv_hex(255)", "FF"},
         {"zv_hex(-1)", "FFFFFFFF"},

@@ -173,23 +173,27 @@ void ActionWriter::AddUntold(const TableInfo& table, NewRow& row) const {
     }
 }
 
+/// The condition under which a row with that value is not left out: only with all of its key, if at all.
+QStringList ActionWriter::KeyStays(const TableInfo& table, int column, const QString& value) const {
+    return m_context.lenient && IsKey(table, column) ? QStringList{value + u" IS NOT NULL"_s} : QStringList();
+}
+
 QString ActionWriter::InsertRows(const TableInfo& table, NewRow row, const QString& from) const {
     AddUntold(table, row);
     QString names;
     QString values;
-    QString keys;
+    QStringList keys;
     for (const NewValue& value : row) {
         names += (names.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(table, value.column).name);
         values += (values.isEmpty() ? QString() : u", "_s) + value.text;
-        // A row without its key is left out.
-        if (m_context.lenient && IsKey(table, value.column))
-            keys += (keys.isEmpty() ? u" WHERE "_s : u" AND "_s) + value.text + u" IS NOT NULL"_s;
+        keys += KeyStays(table, value.column, value.text);
     }
     const QString start = (m_context.lenient ? u"INSERT OR IGNORE INTO "_s : u"INSERT INTO "_s) +
                           Quoted(table.name) + u" ("_s + names + u") "_s;
     if (from.isEmpty() && keys.isEmpty())
         return start + u"VALUES ("_s + values + u')';
-    return start + u"SELECT "_s + values + from + keys;
+    return start + u"SELECT "_s + values + from +
+           (keys.isEmpty() ? QString() : u" WHERE "_s + keys.join(u" AND "_s));
 }
 
 void ActionWriter::WriteUpdate(const Update& update, Plan& plan) {
@@ -236,22 +240,28 @@ QString ActionWriter::UpdateText(const Update& update, Plan& plan, Rows rows) {
         return UpdateJoinText(update, scope, target, from.text);
     ExpressionWriter writer(m_context, &m_catalog, scope, AggregateRule::InExpression);
     QString sets;
+    QStringList conditions;
     for (const Assignment& assignment : update.assignments) {
         const int column = target.table->Find(assignment.column);
         if (column < 0)
             continue; // told already
+        const QString value = Assigned(*assignment.value, writer, *target.table, column);
         sets += (sets.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(*target.table, column).name) +
-                u" = "_s + Assigned(*assignment.value, writer, *target.table, column);
+                u" = "_s + value;
+        conditions += KeyStays(*target.table, column, value);
     }
     QString text =
         (m_context.lenient ? u"UPDATE OR IGNORE "_s : u"UPDATE "_s) + from.text + u" SET "_s + sets;
-    if (update.where) {
-        const Written where =
-            ExpressionWriter(m_context, &m_catalog, scope, AggregateRule::InWhere).Condition(*update.where);
-        text += u" WHERE "_s + (rows == Rows::All ? where.text : where.At(AndPrecedence));
-    }
+    if (update.where)
+        conditions.prepend(ExpressionWriter(m_context, &m_catalog, scope, AggregateRule::InWhere)
+                               .Condition(*update.where)
+                               .At(AndPrecedence)); // the value of a row that is not meant may fail
     if (rows != Rows::All)
-        return text + u" AND "_s + KeyText(*from.table, m_context.ParameterCount() + 1, rows);
+        conditions += KeyText(*from.table, m_context.ParameterCount() + 1, rows);
+    if (!conditions.isEmpty())
+        text += u" WHERE "_s + conditions.join(u" AND "_s);
+    if (rows != Rows::All)
+        return text;
     plan.keys = FindKeys(update.where.get(), scope);
     plan.keyTable = plan.keys.empty() ? QString() : target.table->name;
     return text;
@@ -263,6 +273,9 @@ QString ActionWriter::UpdateJoinText(const Update& update, const Scope& scope, c
     ExpressionWriter writer(m_context, &m_catalog, scope, AggregateRule::InExpression);
     QString values;
     QString sets;
+    ScopeSource changed = *target.source;
+    changed.alias = u"changed"_s;
+    QStringList conditions{changed.RowId() + u" = news.row"_s};
     int number = 0;
     for (const Assignment& assignment : update.assignments) {
         const int column = target.table->Find(assignment.column);
@@ -272,17 +285,16 @@ QString ActionWriter::UpdateJoinText(const Update& update, const Scope& scope, c
         values += u", "_s + Assigned(*assignment.value, writer, *target.table, column) + u" AS "_s + name;
         sets += (sets.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(*target.table, column).name) +
                 u" = news."_s + name;
+        conditions += KeyStays(*target.table, column, u"news."_s + name);
     }
     QString rows = u"SELECT "_s + target.source->RowId() + u" AS row"_s + values + u" FROM "_s + from;
     if (update.where)
         rows += u" WHERE "_s + ExpressionWriter(m_context, &m_catalog, scope, AggregateRule::InWhere)
                                    .Condition(*update.where)
                                    .text;
-    ScopeSource changed = *target.source;
-    changed.alias = u"changed"_s;
     return (m_context.lenient ? u"UPDATE OR IGNORE "_s : u"UPDATE "_s) + Quoted(target.table->name) +
-           u" AS changed SET "_s + sets + u" FROM ("_s + rows + u") AS news WHERE "_s + changed.RowId() +
-           u" = news.row"_s;
+           u" AS changed SET "_s + sets + u" FROM ("_s + rows + u") AS news WHERE "_s +
+           conditions.join(u" AND "_s);
 }
 
 void ActionWriter::WriteDelete(const Delete& remove, Plan& plan) {

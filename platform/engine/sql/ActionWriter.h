@@ -42,6 +42,7 @@ private:
     QString Assigned(const Node& node, ExpressionWriter& writer, const TableInfo& table, int column);
     QString Converted(const Written& value, const TableInfo& table, int column, int size) const;
     static bool IsKey(const TableInfo& table, int column);
+    QStringList KeyStays(const TableInfo& table, int column, const QString& value) const;
     QString MissingKey(const TableInfo& table, int column) const;
     QString FullName(const TableInfo& table, int column) const;
 

@@ -67,11 +67,14 @@ QString NoPosition(const Written& constant) {
     return u'(' + constant.At(ConcatPrecedence) + u" || '')"_s;
 }
 
-/// The number of a position in ORDER BY, or 0.
-int PositionOf(const Node& node) {
+/// The place of the column, counted from 0, that a whole number in ORDER BY means; 3138 if there is none.
+std::optional<std::size_t> PlaceOf(const Node& node, std::size_t columns) {
     if (node.kind != NodeKind::Literal || node.token.kind != TokenKind::Integer)
-        return 0;
-    return Lexer::LiteralValue(node.token).Long();
+        return std::nullopt;
+    const double position = Lexer::LiteralValue(node.token).Number();
+    if (position < 1 || position > static_cast<double>(columns))
+        RaiseEngine(SyntaxInOrderBy);
+    return static_cast<std::size_t>(position) - 1;
 }
 
 const Node* PlainName(const SelectItem& item) {
@@ -176,10 +179,8 @@ QString QueryWriter::WriteUnionOrder(const Query& query, const std::vector<Writt
     std::vector<QString> items;
     for (const OrderItem& item : query.orderBy) {
         std::size_t place = columns.size();
-        if (const int position = PositionOf(*item.expression)) {
-            if (position > static_cast<int>(columns.size()))
-                RaiseEngine(SyntaxInOrderBy);
-            place = static_cast<std::size_t>(position - 1);
+        if (const auto told = PlaceOf(*item.expression, columns.size())) {
+            place = *told;
         } else if (item.expression->kind == NodeKind::Name) {
             const auto found = std::ranges::find_if(
                 columns, [&](const WrittenColumn& c) { return SameName(c.name, item.expression->name); });
@@ -381,10 +382,8 @@ void QueryWriter::WriteOrder(const Select& select, const std::vector<OrderItem>&
                             grouped ? AggregateRule::Allowed : AggregateRule::InOrderBy);
     for (const OrderItem& item : orderBy) {
         Written value;
-        if (const int position = PositionOf(*item.expression)) {
-            if (position > static_cast<int>(parts.columns.size()))
-                RaiseEngine(SyntaxInOrderBy);
-            value = parts.columns[static_cast<std::size_t>(position - 1)].value;
+        if (const auto place = PlaceOf(*item.expression, parts.columns.size())) {
+            value = parts.columns[*place].value;
         } else {
             value = writer.Value(*item.expression);
             if (writer.SawOuter())

@@ -65,6 +65,8 @@ TEST_F(DialectActionTest, WithoutTheOptionFailingRowsAreLeftOut) {
         {u"INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (1, 1, '')", u"rows=0"},
         {u"INSERT INTO [n 01] (id, dbl) VALUES (9, 'abc')", u"rows=1"},
         {u"UPDATE a01 SET a01clid = 1 WHERE a01clid = 2", u"rows=0"},
+        {u"UPDATE [n 01] SET id = IIF(id = 2, NULL, id + 10 / (id - 4)) WHERE id < 3 OR id = 3", u"rows=2"},
+        {u"UPDATE [n 01], v00 SET id = IIF(id = 9, NULL, id + 100) WHERE id > 3", u"rows=1"},
     };
     for (const DialectCase& one : cases) {
         EXPECT_EQ(Execute(QString::fromUtf16(one.statement), 0), QString::fromUtf16(one.result))
@@ -72,7 +74,8 @@ TEST_F(DialectActionTest, WithoutTheOptionFailingRowsAreLeftOut) {
     }
     EXPECT_EQ(Open(QStringLiteral("SELECT a01clid FROM a01 WHERE a01last = 'neu' ORDER BY 1")),
               QStringLiteral("6 / 7"));
-    EXPECT_EQ(Open(QStringLiteral("SELECT dbl FROM [n 01] WHERE id = 9")), QStringLiteral("NULL"));
+    EXPECT_EQ(Open(QStringLiteral("SELECT id, dbl FROM [n 01] ORDER BY 1")),
+              QStringLiteral("-7|NULL / -2|1,5 / 2|2,5 / 9|NULL / 104|-2,5"));
     EXPECT_TRUE(
         Execute(QStringLiteral("INSERT INTO a01 (q) VALUES (1)"), 0).startsWith(QStringLiteral("#3127 ")));
     EXPECT_TRUE(

@@ -117,6 +117,8 @@ TEST_F(DialectFailureTest, WrongClauses) {
         {u"SELECT * FROM a01 ORDER a01clid", u"#3138 "},
         {u"SELECT * FROM a01 ORDER BY", u"#3138 "},
         {u"SELECT * FROM a01 ORDER BY 77", u"#3138 "},
+        {u"SELECT * FROM a01 ORDER BY 0", u"#3138 "},
+        {u"SELECT 1 UNION SELECT 2 ORDER BY 0", u"#3138 "},
         {u"SELECT TOP a01clid FROM a01", u"#3308 "},
         {u"SELECT TOP 0 * FROM a01", u"#3308 "},
         {u"SELECT TOP 101 PERCENT * FROM a01", u"#3308 "},

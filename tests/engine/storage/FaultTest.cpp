@@ -153,6 +153,34 @@ TEST_F(Faults, OfTheDisk) {
     test::SweepFaults("engine", 20, [this](test::Fault& fault) { return Survives(fault); });
 }
 
+// Such a commit is in the file: it is told for what it is, once, and leaves nothing to be undone.
+TEST_F(Faults, ACommitThatLacksTheSyncOfItsFolderStands) {
+    const QString copy = Copy();
+    bool fails = false;
+    const test::FaultyFiles faulty([&fails](test::FaultyFiles::Call call) {
+        return fails && call == test::FaultyFiles::Call::SyncFolder ? SQLITE_IOERR_DIR_FSYNC : SQLITE_OK;
+    });
+    const auto book = workspace->OpenDatabase(copy);
+    const auto insert = [&book](int card) {
+        book->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (%1)").arg(card),
+                      engine::dbFailOnError);
+    };
+    insert(1);
+    fails = true;
+    EXPECT_THROW(engine::DBEngine::Commit(), engine::UnsyncedCommit);
+    fails = false;
+    EXPECT_EQ(test::FailureOf([] { engine::DBEngine::Commit(); }), 0);
+    workspace->BeginTrans();
+    insert(2);
+    fails = true;
+    EXPECT_THROW(workspace->CommitTrans(), engine::UnsyncedCommit);
+    fails = false;
+    workspace->Rollback(); // as everybody does behind a failure
+    book->Close();
+    EXPECT_EQ(test::ReadRows(copy, QStringLiteral("SELECT a01clid FROM a01 ORDER BY 1")).join(u' '),
+              QStringLiteral("1 2"));
+}
+
 TEST_F(Faults, WhatTheyHaveLeftDoesNotMeetANewFile) {
     const QString copy = Copy();
     {

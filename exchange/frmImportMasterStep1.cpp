@@ -188,6 +188,7 @@ void frmImportMasterStep1::FillParameters() {
         lstParameter->addItem(item);
         bytColumnMap.at(items++) = static_cast<std::uint8_t>(place);
     }
+    lstParameter->setCurrentRow(0); // the keyboard's place is seen
 }
 
 void frmImportMasterStep1::lstParameter_ItemCheck(const QListWidgetItem& item) {

@@ -108,6 +108,7 @@ void frmEditTelefonType::FillList() {
 /// Behind the statement of a change: no box follows that would make it durable or tell that it met no row.
 /// What is not in the file is not shown.
 void frmEditTelefonType::ShowChange() {
+    lstTelefonType->setFocus(); // the button is disabled behind this
     try {
         if (gDatabase->RecordsAffected() == 0)
             ShowIntegrityBox();

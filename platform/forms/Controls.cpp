@@ -74,13 +74,26 @@ QTabWidget* MakeTabs(const QString& name, QWidget* window) {
         shortcut->setContext(Qt::WidgetWithChildrenShortcut);
         QObject::connect(shortcut, &QShortcut::activated, tabs, [tabs, pages] {
             const int page = tabs->currentIndex() + pages;
-            if (page >= 0 && page < tabs->count())
-                tabs->setCurrentIndex(page);
+            if (page < 0 || page >= tabs->count())
+                return;
+            tabs->setCurrentIndex(page);
+            FocusFirstIn(*tabs->currentWidget());
         });
     };
     turnOn(Qt::Key_PageUp, -1);
     turnOn(Qt::Key_PageDown, 1);
     return tabs;
+}
+
+void FocusFirstIn(QWidget& ground) {
+    for (QWidget* next = ground.nextInFocusChain(); next && next != &ground;
+         next = next->nextInFocusChain()) {
+        if (next->isEnabled() && (next->focusPolicy() & Qt::TabFocus) && ground.isAncestorOf(next) &&
+            next->isVisibleTo(&ground) && !next->focusProxy()) {
+            next->setFocus();
+            return;
+        }
+    }
 }
 
 void GroupOptions(const QList<QRadioButton*>& options) {

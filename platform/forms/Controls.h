@@ -34,8 +34,12 @@ TextBox* MakeTextBox(const QString& name, int maxLength = 0, QWidget* parent = n
 QListWidget* MakeTickList(const QString& name, QLabel* label);
 /// Height of a list that shows so many rows whole.
 int HeightForRows(const QListWidget& list, int rows);
-/// Pages that the arrow keys turn on their tabs, and Ctrl+PgUp and Ctrl+PgDn anywhere in the window.
+/// Pages that the arrow keys turn on their tabs, and Ctrl+PgUp and Ctrl+PgDn anywhere in the window; a page
+/// turned by these starts in its first field.
 QTabWidget* MakeTabs(const QString& name, QWidget* window);
+
+/// Gives the focus to the first field of the window or page in the tab order.
+void FocusFirstIn(QWidget& ground);
 
 /// Option buttons of one group: Tab goes to the chosen one, the arrow keys choose.
 void GroupOptions(const QList<QRadioButton*>& options);

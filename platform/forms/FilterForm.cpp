@@ -6,6 +6,8 @@
 
 #include <QHBoxLayout>
 
+#include <map>
+
 namespace forms {
 
 FilterForm::FilterForm(Design design, std::function<std::shared_ptr<engine::Database>()> database)
@@ -52,6 +54,20 @@ Criterion* FilterForm::AddCriterion(std::unique_ptr<Criterion> made) {
     return criterion;
 }
 
+void FilterForm::OrderFields() {
+    std::map<const QWidget*, std::pair<QList<QWidget*>, QList<QWidget*>>> pages;
+    for (const auto& criterion : m_criteria) {
+        auto& [fields, boxes] = pages[criterion->Box()->parentWidget()];
+        fields += criterion->Field();
+        boxes += criterion->Box();
+    }
+    for (const auto& [page, controls] : pages) {
+        const QList<QWidget*> order = controls.first + controls.second;
+        for (qsizetype i = 1; i < order.size(); ++i)
+            QWidget::setTabOrder(order[i - 1], order[i]);
+    }
+}
+
 void FilterForm::Tick(Criterion& criterion, bool ticked) {
     criterion.Box()->setChecked(ticked);
     PaintField(criterion.Field(), criterion.IsTicked());
@@ -75,6 +91,7 @@ QWidget* FilterForm::MakeButtonRow(QWidget* parent) {
 // --- Events
 
 void FilterForm::Form_Load() {
+    OrderFields();
     engine::Recordset rows;
     try {
         const ListSource source = Source();

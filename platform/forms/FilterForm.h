@@ -45,6 +45,8 @@ protected:
     void cmdCancel_Click();
 
 private:
+    /// Tab goes through the fields of a page first, then through their boxes.
+    void OrderFields();
     Criterion* AddCriterion(std::unique_ptr<Criterion> made);
     void Tick(Criterion& criterion, bool ticked);
     engine::Database& Database() const; ///< failure 91 while none is bound

@@ -1,6 +1,7 @@
 #include "platform/forms/Form.h"
 
 #include "platform/forms/ChildSurface.h"
+#include "platform/forms/Controls.h"
 #include "platform/forms/DialogWindow.h"
 #include "platform/forms/EventDelivery.h"
 #include "platform/forms/FormState.h"
@@ -191,16 +192,8 @@ void Form::MakeVisible() {
 }
 
 void Form::TakeFirstFocus() {
-    if (m_surface->focusWidget())
-        return;
-    for (QWidget* next = m_surface->nextInFocusChain(); next && next != m_surface;
-         next = next->nextInFocusChain()) {
-        if (next->isEnabled() && (next->focusPolicy() & Qt::TabFocus) && m_surface->isAncestorOf(next) &&
-            next->isVisibleTo(m_surface) && !next->focusProxy()) {
-            next->setFocus();
-            return;
-        }
-    }
+    if (!m_surface->focusWidget())
+        FocusFirstIn(*m_surface);
 }
 
 void Form::Unload() {

@@ -75,14 +75,14 @@ TEST_F(AccessibilityTest, EveryWindowSaysWhatItsFieldsAreInTheirOrder) {
         const char* round; ///< what is said from the first focus on, by Tab
     } rows[] = {
         {"frmRecordsFilter", [this] { Choose("mnuBookRecords"); },
-         "text Фамилия; box Имя; text Имя; box Отчество; text Отчество; box Заметка; text Заметка; "
-         "box День рожд.; text День рожд.; button Найти; button Отмена; tabs Параметры записи; box Фамилия"},
+         "text Фамилия; text Имя; text Отчество; text Заметка; text День рожд.; box Фамилия; box Имя; "
+         "box Отчество; box Заметка; box День рожд.; button Найти; button Отмена; tabs Параметры записи"},
         {"frmRecordsFilter",
          [this] {
              Choose("mnuBookRecords");
              Press(Qt::Key_PageDown, Qt::ControlModifier);
          },
-         "box Тип телефона; list Тип телефона; box Номер телефона; text Номер телефона; button Найти; "
+         "list Тип телефона; text Номер телефона; box Тип телефона; box Номер телефона; button Найти; "
          "button Отмена; tabs Парам. тел. номеров"},
         {"frmRecords", [this] { OpenRecords(); }, "table Записи; text Количество записей"},
         {"frmEditRecords", [this] { OpenCard("mnuRecordsAdd"); },
@@ -104,8 +104,8 @@ TEST_F(AccessibilityTest, EveryWindowSaysWhatItsFieldsAreInTheirOrder) {
          "date Дата события; text Название события; option Повторять раз в год; button Сохранить; "
          "button Отменить"},
         {"frmTelKodFilter", [this] { Choose("mnuBookTelKod"); },
-         "text Название города; box Код города; text Код города; box Регион; list Регион; button Найти; "
-         "button Отмена; box Название города"},
+         "text Название города; text Код города; list Регион; box Название города; box Код города; "
+         "box Регион; button Найти; button Отмена"},
         {"frmTelKod",
          [this] {
              Choose("mnuBookTelKod");

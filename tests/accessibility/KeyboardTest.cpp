@@ -8,6 +8,7 @@
 #include "platform/runtime/Dates.h"
 #include "tests/support/WindowTest.h"
 
+#include <QFile>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -134,6 +135,28 @@ TEST_F(KeyboardTest, TheCalendarGoesByDaysWeeksMonthsAndYears) {
     EXPECT_EQ(calendar.Value(), QDate(9999, 6, 1)) << "the last year";
 }
 
+TEST_F(KeyboardTest, PagesStartInTheirFirstField) {
+    Choose("mnuBookRecords");
+    Control<QWidget>(Last("frmRecordsFilter"), "cmdCancel").setFocus();
+    Press(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), QStringLiteral("lstTelefonType"));
+    Press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), QStringLiteral("txtTelefonNumber"));
+    Press(Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), QStringLiteral("txtLastName"));
+
+    Choose("mnuBookImport");
+    const auto master = Last("frmImportMasterStep1");
+    QFile file(Path() + QStringLiteral(".csv"));
+    ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("Name,Home Phone\r\n") > 0);
+    file.close();
+    Type(file.fileName());
+    Press(Qt::Key_PageDown, Qt::ControlModifier);
+    Press(Qt::Key_PageDown, Qt::ControlModifier);
+    Press(Qt::Key_Space);
+    EXPECT_TRUE(Control<QWidget>(master, "cmdImport").isEnabled()) << "the first parameter is ticked";
+}
+
 TEST_F(KeyboardTest, TheFrameHasTheUsualKeys) {
     Choose("mnuHelpAbout");
     Choose("mnuBookCalendar");
@@ -151,7 +174,7 @@ TEST_F(KeyboardTest, TheFrameHasTheUsualKeys) {
         {Qt::Key_F6, Qt::ControlModifier | Qt::ShiftModifier, "", "frmUserEditor"},
         {Qt::Key_F4, Qt::ControlModifier, "", "frmAbout"},
         {Qt::Key_Tab, Qt::ControlModifier, "", "frmCalendar"},
-        {Qt::Key_F4, Qt::ControlModifier, "", "frmAbout"},
+        {Qt::Key_W, Qt::ControlModifier, "", "frmAbout"},
         {Qt::Key_Escape, {}, "", ""},
     };
     for (const auto& row : rows) {

@@ -4,10 +4,11 @@
 #include "platform/forms/Controls.h"
 #include "platform/forms/EscapeWatch.h"
 #include "platform/forms/EventDelivery.h"
-#include "platform/forms/Form.h"
+#include "platform/forms/FormState.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/ProgramStyle.h"
 
+#include <QAbstractButton>
 #include <QAbstractEventDispatcher>
 #include <QKeyEvent>
 #include <QLibraryInfo>
@@ -98,13 +99,22 @@ bool Application::notify(QObject* receiver, QEvent* event) {
     return handled;
 }
 
+/// Enter belongs to the form's buttons. Some platform themes let check boxes and options act on it.
+bool Application::PressesButton(const QObject& receiver, QKeyEvent& key, Form& form) {
+    if (!qobject_cast<const QAbstractButton*>(&receiver) || !IsEnter(key))
+        return false;
+    key.setAccepted(form.PressButtonFor(key));
+    return true;
+}
+
 bool Application::Deliver(QObject* receiver, QEvent* event) {
     if (EscapeWatch::Takes(receiver, event))
         return true;
     try {
         if (event->type() == QEvent::KeyPress && receiver->isWidgetType()) {
             const std::shared_ptr<Form> form = Form::Of(static_cast<QWidget*>(receiver));
-            if (form && form->PreviewKey(*static_cast<QKeyEvent*>(event)))
+            auto& key = *static_cast<QKeyEvent*>(event);
+            if (form && (form->PreviewKey(key) || PressesButton(*receiver, key, *form)))
                 return true;
         }
         return QApplication::notify(receiver, event);

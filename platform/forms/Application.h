@@ -2,11 +2,15 @@
 
 #include <QApplication>
 
+class QKeyEvent;
+
 namespace runtime {
 class Failure;
 }
 
 namespace forms {
+
+class Form;
 
 /// The application object: Russian locale and Russian texts of the toolkit, and the event dispatcher that
 /// shows failures which no handler took and tells the engine when control returns to the event loop. Its end
@@ -25,6 +29,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    static bool PressesButton(const QObject& receiver, QKeyEvent& key, Form& form);
     bool Deliver(QObject* receiver, QEvent* event);
     void LoadToolkitTexts();
     void CommitWhenIdle();

@@ -53,12 +53,12 @@ bool KeepsTheFocus(const QFocusEvent& event, const QWidget& field) {
     }
 }
 
+} // namespace
+
 bool IsEnter(const QKeyEvent& key) {
     return (key.key() == Qt::Key_Return && key.modifiers() == Qt::NoModifier) ||
            (key.key() == Qt::Key_Enter && !(key.modifiers() & ~Qt::KeypadModifier));
 }
-
-} // namespace
 
 Form::Form(Design design)
     : m_design(std::move(design)) {

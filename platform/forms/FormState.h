@@ -9,7 +9,11 @@
 
 #include <vector>
 
+class QKeyEvent;
+
 namespace forms {
+
+bool IsEnter(const QKeyEvent& key);
 
 struct FieldRule {
     const QObject* field;

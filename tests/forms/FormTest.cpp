@@ -12,6 +12,8 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -257,10 +259,25 @@ TEST_F(FormTest, ModalShowEndsWhenTheWindowIsHiddenAndKeepsWhatItHolds) {
     }
 }
 
+/// What a platform theme may let a check box do with Enter.
+class Theme final : public QObject {
+protected:
+    bool eventFilter(QObject* box, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Return)
+            return false;
+        static_cast<QCheckBox*>(box)->click();
+        return true;
+    }
+};
+
 TEST_F(FormTest, EnterAndEscPressTheButtons) {
+    Theme theme;
     for (const Kind kind : {Kind::Child, Kind::Dialog}) {
         const auto form = Make(QStringLiteral("a"), kind);
         form->Show();
+        auto* box = new QCheckBox(form->Surface());
+        box->installEventFilter(&theme);
+        box->show();
         EXPECT_TRUE(form->cmdFind->isDefault()) << "marked";
         EXPECT_TRUE(form->txtFirst->hasFocus() || form->Surface()->focusWidget() == form->txtFirst);
 
@@ -274,7 +291,7 @@ TEST_F(FormTest, EnterAndEscPressTheButtons) {
             {form->txtFirst, Qt::Key_Escape, "cancel"}, {form->txtLines, Qt::Key_Escape, "cancel"},
             {form->txtLines, Qt::Key_Return, ""},       {form->cmdOther, Qt::Key_Return, "other"},
             {form->cmdOther, Qt::Key_Escape, "cancel"}, {form->cmdCancel, Qt::Key_Enter, "cancel"},
-            {form->cmdOther, Qt::Key_Space, "other"},
+            {form->cmdOther, Qt::Key_Space, "other"},   {box, Qt::Key_Return, "find"},
         };
         for (const Case& c : cases) {
             c.focus->setFocus();
@@ -285,10 +302,13 @@ TEST_F(FormTest, EnterAndEscPressTheButtons) {
             EXPECT_EQ(told.toStdString(), c.told) << c.focus->objectName().toStdString() << " " << c.key;
         }
         form->cmdFind->setEnabled(false);
-        form->txtFirst->setFocus();
-        TakeTold();
-        QTest::keyClick(form->txtFirst, Qt::Key_Return);
-        EXPECT_EQ(TakeTold(), QString()) << "a disabled default button is not pressed";
+        for (QWidget* field : std::initializer_list<QWidget*>{form->txtFirst, box}) {
+            field->setFocus();
+            TakeTold();
+            QTest::keyClick(field, Qt::Key_Return);
+            EXPECT_EQ(WithoutLeft(TakeTold()), QString()) << "a disabled default button is not pressed";
+        }
+        EXPECT_FALSE(box->isChecked());
         form->Unload();
     }
 }

@@ -1,9 +1,9 @@
 #include "platform/forms/DialogWindow.h"
 
+#include "platform/forms/Asking.h"
+
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QScreen>
 #include <QWindow>
 
 namespace forms {
@@ -30,13 +30,10 @@ void DialogWindow::Place(QWidget* owner, bool onScreen) {
     adjustSize();
     winId(); // a dialog is no child of its owner's: it may live on, hidden; so the windows are tied instead
     windowHandle()->setTransientParent(owner ? owner->windowHandle() : nullptr);
-    const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen();
-    const QRect limits = screen->availableGeometry();
-    QRect place(QPoint(), size());
-    place.moveCenter(owner && !onScreen ? owner->frameGeometry().center() : limits.center());
-    place.moveLeft(std::max(limits.left(), std::min(place.left(), limits.right() - place.width())));
-    place.moveTop(std::max(limits.top(), std::min(place.top(), limits.bottom() - place.height())));
-    move(place.topLeft());
+    if (onScreen)
+        Asking::CentreOnScreen(*this, owner);
+    else
+        Asking::Centre(*this, owner);
 }
 
 void DialogWindow::closeEvent(QCloseEvent* event) {

@@ -1,5 +1,6 @@
 #include "platform/forms/Form.h"
 
+#include "platform/forms/Asking.h"
 #include "platform/forms/ChildSurface.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/DialogWindow.h"
@@ -323,6 +324,7 @@ void Form::SetBusy(bool busy) {
 
 void Form::Dispatch(const std::function<void()>& handler) {
     const std::shared_ptr<Form> self = weak_from_this().lock();
+    const Asking asking(IsLoaded() ? OuterWindow() : nullptr);
     try {
         handler();
     } catch (const runtime::Failure& failure) {

@@ -1,5 +1,6 @@
 #include "platform/forms/MdiForm.h"
 
+#include "platform/forms/Asking.h"
 #include "platform/forms/ChildFrame.h"
 #include "platform/forms/FormState.h"
 #include "platform/forms/FrameWindow.h"
@@ -231,6 +232,7 @@ void MdiForm::CallWith(const char* operation, const QVariant* argument) {
     if (!form)
         return;
     form->ApplyLeavingRules();
+    const Asking asking(form->IsLoaded() ? form->OuterWindow() : nullptr);
     const QMetaObject* type = form->metaObject();
     for (int i = type->methodCount() - 1; i >= 0; --i) {
         const QMetaMethod method = type->method(i);

@@ -1,6 +1,9 @@
 #include "platform/forms/MessageWindow.h"
 
+#include "platform/forms/Asking.h"
 #include "platform/forms/Texts.h"
+
+#include <QShowEvent>
 
 namespace forms {
 
@@ -41,6 +44,12 @@ MessageWindow::MessageWindow(QWidget* owner, const QString& text, forms::Icon ic
     setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     setDefaultButton(preselected == Answer::No ? QMessageBox::No : QMessageBox::Yes);
     setEscapeButton(QMessageBox::No);
+}
+
+void MessageWindow::showEvent(QShowEvent* event) {
+    QMessageBox::showEvent(event);
+    if (!event->spontaneous())
+        Asking::Centre(*this, parentWidget());
 }
 
 Answer MessageWindow::Chosen() const {

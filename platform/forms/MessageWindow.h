@@ -17,6 +17,9 @@ public:
 
     Answer Chosen() const;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     bool IsQuestion() const { return m_buttons == forms::Buttons::YesNo; }
 

@@ -1,6 +1,7 @@
 // The frame: commands on the active child, menus, window list, arrangements, the end.
 
 #include "SampleForms.h"
+#include "platform/forms/MsgBox.h"
 #include "platform/runtime/Failure.h"
 #include "tests/support/Answers.h"
 
@@ -170,6 +171,38 @@ TEST_F(MdiFormTest, Arrangements) {
     EXPECT_EQ(frame->ActiveForm(), c);
     EXPECT_FALSE(TakeTold().contains(QStringLiteral("activate"))) << "arranging activates nobody";
     EXPECT_EQ(c->Surface()->focusWidget(), c->txtFirst);
+
+    std::vector<std::shared_ptr<SampleForm>> more{fixed};
+    for (const char* name : {"d", "e", "f", "g"})
+        more.push_back(Open(QString::fromLatin1(name), forms::Border::Fixed));
+    FrameOf(a)->move(2000, 2000); // scroll bars come, which tiling takes away
+    for (const auto arrangement : {MdiForm::TileHorizontally, MdiForm::TileVertically}) {
+        frame->Arrange(arrangement);
+        EXPECT_EQ(frame->Area()->viewport()->rect(), ground);
+        for (const auto& form : more)
+            EXPECT_TRUE(ground.contains(place(form))) << "with its close box";
+        EXPECT_TRUE(ground.contains(place(a)) && ground.contains(place(c)));
+    }
+}
+
+TEST_F(MdiFormTest, BoxesStandOverTheChildThatAsks) {
+    const auto first = Open(QStringLiteral("a"), forms::Border::Fixed);
+    const auto second = Open(QStringLiteral("b"), forms::Border::Fixed);
+    FrameOf(second)->move(frame->Area()->viewport()->rect().bottomRight() -
+                          FrameOf(second)->rect().bottomRight());
+    for (const auto& form : {first, second}) {
+        form->Show();
+        form->inFind = [] { forms::MsgBox(QStringLiteral("?"), forms::Icon::Information); };
+        QPoint centre;
+        test::Answers answers;
+        answers.Modal(QStringLiteral("MsgBox"), [&centre](QWidget& box) {
+            centre = box.geometry().center();
+            box.close();
+        });
+        form->cmdFind->click();
+        const QWidget& child = *FrameOf(form);
+        EXPECT_LE((centre - child.mapToGlobal(child.rect().center())).manhattanLength(), 4);
+    }
 }
 
 TEST_F(MdiFormTest, ClosingTheFrameUnloadsEveryChildFirst) {

@@ -24,6 +24,7 @@ forms::ListDesign TownList() {
     list.columns = {{QStringLiteral("Регион"), QStringLiteral("t02cval"), NameWidth},
                     {QStringLiteral("Город"), QStringLiteral("t03cval"), NameWidth},
                     {QStringLiteral("Код"), QStringLiteral("t03numb")}};
+    list.searchColumn = 1;
     return list;
 }
 

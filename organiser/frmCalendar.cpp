@@ -95,6 +95,7 @@ void frmCalendar::CreateControls(QWidget* surface) {
     gridEvent = forms::Named(new forms::FlexGrid(2, 3, surface), QStringLiteral("gridEvent"));
     gridEvent->setAccessibleName(QStringLiteral("События выбранного дня"));
     m_gridWidth = std::max(GridWidth, forms::ToTwips(calendar.width() + Gap + hintWidth));
+    gridEvent->SetSearchCol(ColName);
     gridEvent->setFixedWidth(forms::ToPixels(m_gridWidth));
     gridEvent->setMinimumHeight(gridEvent->fontMetrics().height() * 11);
 

@@ -31,6 +31,7 @@ forms::ListDesign Columns() {
         {QStringLiteral("Имя"), QStringLiteral("a01frst"), NameWidth},
         {QStringLiteral("Отчество"), QStringLiteral("a01midl")},
     };
+    list.searchColumn = 1;
     return list;
 }
 

@@ -63,6 +63,7 @@ void frmUserEditor::CreateControls(QWidget* surface) {
     txtSQLEditor->setTabChangesFocus(true);
 
     gridSQLEditor = new forms::FlexGrid(2, 0, surface);
+    gridSQLEditor->AllowSelectAll();
     forms::NameField(gridSQLEditor, QStringLiteral("gridSQLEditor"), Label1);
 
     for (QLabel* label : {Label1, Label2, Label3})

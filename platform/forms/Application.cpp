@@ -19,6 +19,8 @@ namespace forms {
 
 namespace {
 
+constexpr int TypedTogether = 1000; ///< milliseconds between the letters of one text that is looked for
+
 /// The file dialog writes dates and sizes by the system's locale, which is read from the environment at its
 /// first use: here, and Russian. The environment itself stays as the user set it.
 int& WithRussianLocale(int& argc) {
@@ -66,6 +68,7 @@ Application::Application(int& argc, char** argv)
     setApplicationName(QStringView(AppTitle).toString());
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();
+    setKeyboardInputInterval(TypedTogether);
     if (const QString name = style()->name(); name == u"fusion")
         setStyle(new ProgramStyle(name));
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,

@@ -6,11 +6,15 @@
 #include "platform/forms/Twips.h"
 #include "platform/runtime/Failure.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include <algorithm>
 #include <numeric>
@@ -26,6 +30,13 @@ int ViewWidth(int twips) {
     return std::max(1, ToPixels(twips));
 }
 
+bool IsBlank(const QModelIndex& index) {
+    for (int col = 0; col < index.model()->columnCount(); ++col)
+        if (!index.siblingAtColumn(col).data().toString().isEmpty())
+            return false;
+    return true;
+}
+
 /// Shows the current row marked, unless it is blank: the row under the header of an empty list is no record.
 class GridDelegate final : public RowDelegate {
 public:
@@ -39,14 +50,6 @@ public:
             painter->fillRect(cell.rect, cell.palette.base()); // the view has marked the ground already
         }
         RowDelegate::paint(painter, cell, index);
-    }
-
-private:
-    static bool IsBlank(const QModelIndex& index) {
-        for (int col = 0; col < index.model()->columnCount(); ++col)
-            if (!index.siblingAtColumn(col).data().toString().isEmpty())
-                return false;
-        return true;
     }
 };
 
@@ -220,6 +223,7 @@ void FlexGrid::currentChanged(const QModelIndex& now, const QModelIndex& before)
     QTableView::currentChanged(now, before);
     if (m_settling || m_fillings > 0 || !now.isValid())
         return;
+    m_allChosen = false;
     m_row = now.row() + 1;
     m_col = now.column();
 }
@@ -282,6 +286,7 @@ bool FlexGrid::Filling::FindEntry() {
 }
 
 void FlexGrid::StartFilling() {
+    m_allChosen = false;
     if (m_fillings++ == 0)
         m_model->StartFilling();
 }
@@ -309,6 +314,7 @@ void FlexGrid::EndFilling(bool showCurrent) {
 
 void FlexGrid::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && indexAt(event->pos()).isValid()) {
+        m_allChosen = false;
         QTableView::mousePressEvent(event);
         return;
     }
@@ -329,21 +335,48 @@ void FlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 bool FlexGrid::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == horizontalHeader()->viewport() &&
-        (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)) {
-        const auto* mouse = static_cast<QMouseEvent*>(event);
-        if (mouse->button() == Qt::RightButton) {
-            Q_EMIT ContextMenuRequested(mouse->globalPosition().toPoint());
-            return true;
-        }
-        // On the edge between two columns a double click fits the column.
-        const bool onEdge = horizontalHeader()->cursor().shape() == Qt::SplitHCursor;
-        if (event->type() == QEvent::MouseButtonDblClick && mouse->button() == Qt::LeftButton && !onEdge) {
-            Q_EMIT DblClick();
-            return true;
-        }
+    if (watched != horizontalHeader()->viewport())
+        return QTableView::eventFilter(watched, event);
+    if (event->type() == QEvent::ToolTip) {
+        TellHeader(*static_cast<QHelpEvent*>(event));
+        return true;
     }
-    return QTableView::eventFilter(watched, event);
+    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick)
+        return QTableView::eventFilter(watched, event);
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() == Qt::RightButton) {
+        Q_EMIT ContextMenuRequested(mouse->globalPosition().toPoint());
+        return true;
+    }
+    if (event->type() != QEvent::MouseButtonDblClick || mouse->button() != Qt::LeftButton)
+        return QTableView::eventFilter(watched, event);
+    if (const int col = ColOfEdgeAt(mouse->position().toPoint().x()); col >= 0)
+        resizeColumnToContents(col);
+    else
+        Q_EMIT DblClick();
+    return true;
+}
+
+/// Whose right edge is under the place of the header; -1 if none is.
+int FlexGrid::ColOfEdgeAt(int x) const {
+    const QHeaderView* header = horizontalHeader();
+    const int grip = header->style()->pixelMetric(QStyle::PM_HeaderGripMargin, nullptr, header);
+    for (int col = Cols() - 1; col >= 0; --col) {
+        const int edge = header->sectionViewportPosition(col) + header->sectionSize(col);
+        if (!header->isSectionHidden(col) && std::abs(x - edge) <= grip)
+            return col;
+    }
+    return -1;
+}
+
+void FlexGrid::TellHeader(const QHelpEvent& event) const {
+    const QHeaderView* header = horizontalHeader();
+    const int col = header->logicalIndexAt(event.pos());
+    const QString text = col < 0 ? QString() : m_model->At(0, col).toString();
+    const int margin = header->style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
+    const bool isCut =
+        col >= 0 && header->fontMetrics().horizontalAdvance(text) + 2 * margin > header->sectionSize(col);
+    QToolTip::showText(event.globalPos(), isCut ? PlainToolTip(text) : QString(), header->viewport());
 }
 
 void FlexGrid::contextMenuEvent(QContextMenuEvent* event) {
@@ -356,11 +389,63 @@ void FlexGrid::keyPressEvent(QKeyEvent* event) {
     if (wantsMenu) {
         event->accept();
         AskForMenu();
+    } else if (event->matches(QKeySequence::SelectAll)) {
+        event->accept();
+        ChooseAll();
+    } else if (event->matches(QKeySequence::Copy)) {
+        event->accept();
+        Copy();
     } else if (ResizeByKey(*event)) {
         event->accept();
     } else {
         QTableView::keyPressEvent(event);
     }
+}
+
+/// One letter, also typed again and again, goes on to the next entry; more of them are looked for together.
+void FlexGrid::keyboardSearch(const QString& text) {
+    if (text.isEmpty())
+        return;
+    const bool goesOn =
+        m_sinceLetter.isValid() && !m_sinceLetter.hasExpired(QApplication::keyboardInputInterval());
+    m_sinceLetter.start();
+    m_letters = goesOn ? m_letters + text : text;
+    const bool sameLetter = m_letters == text.repeated(m_letters.size());
+    const int col = m_searchCol >= 0 ? m_searchCol : VisibleCol();
+    const int count = Rows() - 1;
+    for (int step = sameLetter ? 1 : 0; step <= count && col < Cols(); ++step) {
+        const int row = (m_row - 1 + step) % count + 1;
+        if (m_model->At(row, col).startsWith(sameLetter ? text : m_letters, Qt::CaseInsensitive))
+            return setCurrentIndex(m_model->index(row - 1, col));
+    }
+}
+
+void FlexGrid::ChooseAll() {
+    if (!m_allowsAll || !currentIndex().isValid())
+        return;
+    const QItemSelection all(m_model->index(0, 0), m_model->index(Rows() - 2, Cols() - 1));
+    selectionModel()->select(all, QItemSelectionModel::ClearAndSelect);
+    m_allChosen = true;
+}
+
+void FlexGrid::Copy() const {
+    if (!currentIndex().isValid() || (!m_allChosen && IsBlank(currentIndex())))
+        return;
+    QStringList lines;
+    for (int row = m_allChosen ? 0 : Row(); row <= (m_allChosen ? Rows() - 1 : Row()); ++row)
+        lines += LineOf(row);
+    QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+}
+
+/// The columns in sight, parted by tabs.
+QString FlexGrid::LineOf(int row) const {
+    QStringList cells;
+    for (int col = 0; col < Cols(); ++col) {
+        qsizetype cursor = 0;
+        if (!isColumnHidden(col))
+            cells += OneLine(m_model->At(row, col), cursor);
+    }
+    return cells.join(u'\t');
 }
 
 /// What the mouse does on the edge of a header: Ctrl+Shift+arrow moves it, Ctrl+Plus fits the column.

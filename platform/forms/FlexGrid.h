@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QTableView>
 
 #include <vector>
@@ -45,6 +46,13 @@ public:
     int Row() const;
     void SetRow(int row);
     int Col() const;
+
+    /// The column that letters typed on the grid are looked for in; -1, as at the start: the current one.
+    void SetSearchCol(int col) { m_searchCol = col; }
+    void keyboardSearch(const QString& text) override;
+    /// Lets Ctrl+A choose all rows: Ctrl+C then copies them with the fixed row, else the current row. Columns
+    /// are parted by tabs.
+    void AllowSelectAll() { m_allowsAll = true; }
 
     /// Free text of the owner.
     QString Tag() const { return m_tag; }
@@ -99,8 +107,13 @@ private:
     void ApplyCurrent();
     /// The current column, or the next one if it is hidden: the focus has to be seen and read out.
     int VisibleCol() const;
+    void ChooseAll();
+    void Copy() const;
+    QString LineOf(int row) const;
     bool ResizeByKey(const QKeyEvent& event);
     void AskForMenu();
+    int ColOfEdgeAt(int x) const;
+    void TellHeader(const QHelpEvent& event) const;
     void StartFilling();
     void EndFilling(bool showCurrent);
 
@@ -109,6 +122,11 @@ private:
     std::vector<int> m_colWidths; ///< twips
     int m_row = 1;
     int m_col = 0;
+    int m_searchCol = -1;
+    QString m_letters; ///< typed within the time for one text
+    QElapsedTimer m_sinceLetter;
+    bool m_allowsAll = false;
+    bool m_allChosen = false; ///< by Ctrl+A, until the next move or fill
     int m_fillings = 0;
     bool m_settling = false; ///< the view is being set by program
 };

@@ -140,6 +140,7 @@ void ListForm::CreateControls(QWidget* surface) {
     m_grid = Named(new FlexGrid(2, static_cast<int>(m_list.columns.size()), surface), m_list.gridName);
     m_grid->setAccessibleName(Caption());
     m_grid->SetTag(QStringLiteral("0"));
+    m_grid->SetSearchCol(m_list.searchColumn);
     lblRecordsNumber =
         MakeLabel(QStringLiteral("lblRecordsNumber"), QStringLiteral("Количество записей:"), surface);
     txtRecordsNumber = MakeTextBox(QStringLiteral("txtRecordsNumber"), 0, surface);

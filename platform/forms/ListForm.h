@@ -29,6 +29,7 @@ struct ListDesign {
     QString contextMenu;      ///< menu of the frame that the right mouse button pops up
     QString defaultStatement; ///< what a refresh of a list that was never filled shows
     std::vector<ListColumn> columns;
+    int searchColumn = 0; ///< where the list looks for what is typed on it
 };
 
 /// The list of one statement: a grid, the number of its rows, a filter that it is paired with. Fill, freeze,

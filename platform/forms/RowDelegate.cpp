@@ -1,6 +1,11 @@
 #include "platform/forms/RowDelegate.h"
 
-#include <QWidget>
+#include "platform/forms/Texts.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QHelpEvent>
+#include <QToolTip>
 
 namespace forms {
 
@@ -12,6 +17,10 @@ void MakePale(QPalette& palette) {
         palette.setColor(group, QPalette::Highlight, PaleSelection(palette, group));
         palette.setColor(group, QPalette::HighlightedText, palette.color(group, QPalette::Text));
     }
+}
+
+bool HasKeyboard(const QWidget& view) {
+    return view.hasFocus() || (QApplication::activePopupWidget() && view.window()->focusWidget() == &view);
 }
 
 } // namespace
@@ -33,11 +42,21 @@ QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelInde
     return size;
 }
 
+bool RowDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                            const QModelIndex& index) {
+    if (event->type() != QEvent::ToolTip || !index.isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const bool isCut = sizeHint(option, index).width() > option.rect.width();
+    const QString text = isCut ? PlainToolTip(index.data().toString()) : QString();
+    QToolTip::showText(event->globalPos(), text, view->viewport(), option.rect);
+    return true;
+}
+
 void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     // A row is one line high: all its texts stand on the same one.
     option->displayAlignment = (option->displayAlignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter;
-    if (option->state.testFlag(QStyle::State_Selected) && option->widget && !option->widget->hasFocus())
+    if (option->state.testFlag(QStyle::State_Selected) && option->widget && !HasKeyboard(*option->widget))
         MakePale(option->palette);
 }
 

@@ -72,10 +72,15 @@ QString WithoutHalves(QStringView text) {
     return whole;
 }
 
-void SetPlainToolTip(QWidget* widget, const QString& text) {
+QString PlainToolTip(const QString& text) {
+    constexpr qsizetype MostOnOneLine = 100;
     const QString shown = Shown(text);
-    widget->setToolTip(
-        Qt::mightBeRichText(shown) ? QStringLiteral("<span>%1</span>").arg(shown.toHtmlEscaped()) : shown);
+    const bool asRichText = shown.size() > MostOnOneLine || Qt::mightBeRichText(shown);
+    return asRichText ? QStringLiteral("<span>%1</span>").arg(shown.toHtmlEscaped()) : shown;
+}
+
+void SetPlainToolTip(QWidget* widget, const QString& text) {
+    widget->setToolTip(PlainToolTip(text));
 }
 
 } // namespace forms

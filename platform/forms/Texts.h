@@ -24,6 +24,8 @@ QString OneLine(QStringView text, qsizetype& cursor);
 /// The text without halves of surrogate pairs.
 QString WithoutHalves(QStringView text);
 
+/// What a tooltip is given to show the text as it is, broken into lines if it is long.
+QString PlainToolTip(const QString& text);
 /// A tooltip that shows the text as it is, whatever it looks like.
 void SetPlainToolTip(QWidget* widget, const QString& text);
 

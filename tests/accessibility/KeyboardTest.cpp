@@ -157,6 +157,27 @@ TEST_F(KeyboardTest, PagesStartInTheirFirstField) {
     EXPECT_TRUE(Control<QWidget>(master, "cmdImport").isEnabled()) << "the first parameter is ticked";
 }
 
+TEST_F(KeyboardTest, LettersGoToTheNextSurname) {
+    const QStringList names{QStringLiteral("'Агеев', 'Вера'"), QStringLiteral("'Белов', 'Анна'"),
+                            QStringLiteral("'Беляев', 'Олег'"), QStringLiteral("'Власов', 'Борис'")};
+    for (int i = 0; i < names.size(); ++i)
+        Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst) VALUES (%1, %2)")
+                .arg(i)
+                .arg(names[i]));
+    Choose("mnuBookRecords");
+    Press(Qt::Key_Return);
+    auto& grid = Control<forms::FlexGrid>(Last("frmRecords"), "gridRecords");
+    const auto type = [&](const char* letters) {
+        Type(QString::fromUtf8(letters));
+        return grid.TextMatrix(grid.Row(), 1);
+    };
+    grid.setFocus();
+    Press(Qt::Key_Right);
+    Press(Qt::Key_Right); // the first names are not what is looked for
+    EXPECT_EQ(type("б"), QStringLiteral("Белов"));
+    EXPECT_EQ(type("б"), QStringLiteral("Беляев"));
+}
+
 TEST_F(KeyboardTest, TheFrameHasTheUsualKeys) {
     Choose("mnuHelpAbout");
     Choose("mnuBookCalendar");

@@ -10,9 +10,14 @@
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QClipboard>
 #include <QHeaderView>
+#include <QHelpEvent>
+#include <QMenu>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
 #include <QTest>
+#include <QToolTip>
 
 using forms::FlexGrid;
 
@@ -250,6 +255,78 @@ TEST_F(FlexGridTest, Mouse) {
     EXPECT_EQ(doubleClicks, 3);
     QTest::mouseDClick(ground, Qt::RightButton, {}, PlaceOf(4));
     EXPECT_EQ(doubleClicks, 3);
+
+    const QString longText(60, u'x');
+    grid.SetTextMatrix(2, 1, longText);
+    grid.SetTextMatrix(0, 2, longText);
+    const auto tip = [](QWidget* part, QPoint place) {
+        QToolTip::hideText();
+        EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+        QHelpEvent event(QEvent::ToolTip, place, part->mapToGlobal(place));
+        QApplication::sendEvent(part, &event);
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    };
+    const auto placeIn = [this](int col) { return grid.visualRect(grid.model()->index(1, col)).center(); };
+    EXPECT_EQ(tip(ground, placeIn(1)), longText);
+    EXPECT_EQ(tip(ground, placeIn(3)), QString());
+    EXPECT_EQ(tip(header, QPoint(placeIn(2).x(), 5)), longText);
+    EXPECT_EQ(tip(header, QPoint(placeIn(1).x(), 5)), QString());
+    QTest::mouseDClick(header, Qt::LeftButton, {},
+                       QPoint(grid.columnViewportPosition(1) + grid.columnWidth(1), 5));
+    EXPECT_EQ(doubleClicks, 3);
+    EXPECT_EQ(tip(ground, grid.visualRect(grid.model()->index(1, 1)).topLeft() + QPoint(5, 5)), QString())
+        << "the column fits its texts";
+}
+
+TEST_F(FlexGridTest, TheCurrentRowStaysStrongUnderItsMenu) {
+    Fill(3);
+    grid.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&grid));
+    grid.setFocus();
+    struct Reader : QStyledItemDelegate {
+        using QStyledItemDelegate::initStyleOption;
+    };
+    const auto ground = [this] {
+        QStyleOptionViewItem option;
+        option.widget = &grid;
+        option.palette = grid.palette();
+        option.state = QStyle::State_Selected;
+        (qobject_cast<QStyledItemDelegate*>(grid.itemDelegate())->*&Reader::initStyleOption)(
+            &option, grid.currentIndex());
+        return option.palette.color(QPalette::Active, QPalette::Highlight);
+    };
+    const QColor strong = ground();
+    EXPECT_EQ(strong, grid.palette().color(QPalette::Active, QPalette::Highlight));
+    QMenu menu(&grid);
+    menu.setActiveAction(menu.addAction(QStringLiteral("x")));
+    menu.popup(grid.mapToGlobal(QPoint(20, 20)));
+    menu.setFocus(); // as an entry under the pointer does
+    EXPECT_EQ(ground(), strong);
+    menu.close();
+    grid.clearFocus();
+    EXPECT_NE(ground(), strong);
+}
+
+TEST_F(FlexGridTest, Copy) {
+    const auto copied = [this] {
+        QGuiApplication::clipboard()->setText(QStringLiteral("before"));
+        Key(Qt::Key_C, Qt::ControlModifier);
+        return QGuiApplication::clipboard()->text();
+    };
+    EXPECT_EQ(copied(), QStringLiteral("before")) << "a blank row is no entry";
+    grid.SetCols(3);
+    Fill(2);
+    grid.SetColWidth(1, 0);
+    grid.SetTextMatrix(2, 2, u"a\tb\r\nc");
+    EXPECT_EQ(copied(), QStringLiteral("1/0\t1/2")) << "what is seen";
+    Key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(copied(), QStringLiteral("1/0\t1/2")) << "commands on a list are about one row";
+    grid.AllowSelectAll();
+    Key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_TRUE(grid.selectionModel()->isRowSelected(1, {}));
+    EXPECT_EQ(copied(), QStringLiteral("0/0\t0/2\n1/0\t1/2\n2/0\ta b c"));
+    Key(Qt::Key_Down);
+    EXPECT_EQ(copied(), QStringLiteral("2/0\ta b c"));
 }
 
 TEST_F(FlexGridTest, Keyboard) {

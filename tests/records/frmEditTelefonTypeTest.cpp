@@ -147,6 +147,8 @@ TEST_F(frmEditTelefonTypeTest, EditRenamesAndCancelDoesNot) {
     Change("cmdEdit", QStringLiteral("Сад"), Qt::Key_Return);
     EXPECT_EQ(Rows(TypesInFile).last(), QStringLiteral("10|Сад"));
     EXPECT_EQ(Listed().last(), QStringLiteral("Сад"));
+    TakeKeyboard();
+    EXPECT_EQ(QApplication::focusWidget(), &Control<QWidget>(m_form, "lstTelefonType"));
     EXPECT_EQ(Rows(QStringLiteral("SELECT a02code FROM a02")), QStringList{"10"});
 }
 

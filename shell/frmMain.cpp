@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr int WidthForTheCodeList = 850; ///< logical pixels; in a narrower frame its last column is cut
+
 /// Most of the screen, but no more than the windows of the program can use.
 QSize StartingSize() {
     constexpr QSize Largest(1440, 960);
@@ -48,6 +50,8 @@ void frmMain::CreateControls(QWidget* /*surface*/) {
 }
 
 void frmMain::Form_Load() {
+    if (Window()->width() < WidthForTheCodeList)
+        Window()->setWindowState(Window()->windowState() | Qt::WindowMaximized);
     SetCaption(Caption() + QStringLiteral(" - ") + gRegister().GetKeyVal(QStringLiteral("DB_Path")));
 }
 

@@ -275,13 +275,17 @@ QRect FreeGround(const QMdiArea& area) {
     return ground.height() > ground.width() / 8 ? ground : area.viewport()->rect();
 }
 
-void Place(ChildFrame& frame, const QRect& place) {
+/// A fixed child keeps its size, and its close box in sight.
+void Place(ChildFrame& frame, const QRect& place, const QRect& ground) {
     if (frame.isMaximized())
         frame.showNormal();
-    if (frame.IsFixed())
-        frame.move(place.topLeft());
-    else
-        frame.setGeometry(place);
+    if (!frame.IsFixed())
+        return frame.setGeometry(place);
+    const auto within = [](int at, int length, int from, int room) {
+        return from + std::max(0, std::min(at - from, room - length));
+    };
+    frame.move(within(place.left(), frame.width(), ground.left(), ground.width()),
+               within(place.top(), frame.height(), ground.top(), ground.height()));
 }
 
 /// So far apart that the title bar of the child behind stays in sight.
@@ -297,23 +301,62 @@ void PlaceInCascade(const std::vector<ChildFrame*>& frames, const QRect& ground)
     int number = 0;
     for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame, ++number) {
         const int offset = number % places * step;
-        Place(**frame, QRect(ground.topLeft() + QPoint(offset, offset), size));
+        Place(**frame, QRect(ground.topLeft() + QPoint(offset, offset), size), ground);
     }
 }
 
+constexpr QSize LeastTile(200, 160);
+
+/// With the sides exchanged.
+QRect Turned(const QRect& place) {
+    return {place.y(), place.x(), place.height(), place.width()};
+}
+
+/// Puts fixed children side by side, in as many lines as it takes, or one under the other, and tells where
+/// `others` more find room: behind them in the line, or under the lines. If there is none they cover the foot
+/// of the ground, where they hide no title bar.
+QRect PlaceFixed(const std::vector<ChildFrame*>& fixed, const QRect& ground, bool sideBySide, int others) {
+    const auto turned = [sideBySide](const QRect& place) { return sideBySide ? place : Turned(place); };
+    const QRect room = turned(ground);
+    const QSize least = turned(QRect(QPoint(), LeastTile)).size();
+    QPoint next;
+    int end = 0; // of the line
+    for (ChildFrame* frame : fixed) {
+        const QSize size = turned(QRect(QPoint(), frame->size())).size();
+        if (next.x() > 0 && next.x() + size.width() > room.width())
+            next = QPoint(0, end);
+        Place(*frame, turned(QRect(room.topLeft() + next, size)), ground);
+        next.rx() += size.width();
+        end = std::max(end, next.y() + size.height());
+    }
+    if (next.y() == 0 && room.width() - next.x() >= others * least.width())
+        return turned(room.adjusted(next.x(), 0, 0, 0));
+    if (room.height() - end >= least.height())
+        return turned(room.adjusted(0, end, 0, 0));
+    QRect foot = ground;
+    foot.setTop(std::max(ground.top(), ground.bottom() - LeastTile.height() * (sideBySide ? 1 : others)));
+    return foot;
+}
+
 void PlaceInRow(const std::vector<ChildFrame*>& frames, const QRect& ground, bool sideBySide) {
-    const int count = static_cast<int>(frames.size());
+    std::vector<ChildFrame*> fixed = frames;
+    const auto firstSizable = std::stable_partition(fixed.begin(), fixed.end(),
+                                                    [](const ChildFrame* frame) { return frame->IsFixed(); });
+    const std::vector<ChildFrame*> others(firstSizable, fixed.end());
+    fixed.erase(firstSizable, fixed.end());
+    const int count = static_cast<int>(others.size());
+    const QRect rest = PlaceFixed(fixed, ground, sideBySide, count);
     const auto part = [count](int length, int number) { return length * number / count; };
     for (int i = 0; i < count; ++i) {
-        QRect place = ground;
+        QRect place = rest;
         if (sideBySide) {
-            place.setLeft(ground.left() + part(ground.width(), i));
-            place.setRight(ground.left() + part(ground.width(), i + 1) - 1);
+            place.setLeft(rest.left() + part(rest.width(), i));
+            place.setRight(rest.left() + part(rest.width(), i + 1) - 1);
         } else {
-            place.setTop(ground.top() + part(ground.height(), i));
-            place.setBottom(ground.top() + part(ground.height(), i + 1) - 1);
+            place.setTop(rest.top() + part(rest.height(), i));
+            place.setBottom(rest.top() + part(rest.height(), i + 1) - 1);
         }
-        Place(*frames[i], place);
+        Place(*others[static_cast<std::size_t>(i)], place, ground);
     }
 }
 
@@ -337,11 +380,16 @@ void MdiForm::Arrange(Arrangement arrangement) {
     if (frames.empty())
         return;
     const Switching switching(m_frame);
-    const QRect ground = FreeGround(*m_frame->area);
-    if (arrangement == Cascade)
-        PlaceInCascade(frames, ground);
-    else
-        PlaceInRow(frames, ground, arrangement == TileVertically);
+    constexpr int MostRounds = 3;
+    for (int round = 0; round < MostRounds; ++round) {
+        const QRect ground = FreeGround(*m_frame->area);
+        if (arrangement == Cascade)
+            PlaceInCascade(frames, ground);
+        else
+            PlaceInRow(frames, ground, arrangement == TileVertically);
+        if (FreeGround(*m_frame->area) == ground)
+            break; // else scroll bars have come or gone
+    }
     m_frame->area->setActiveSubWindow(frames.front());
     m_frame->front = frames.front();
 }
@@ -376,17 +424,28 @@ void MdiForm::FillWindowList() {
     QMenu* menu = m_frame->windowMenu;
     qDeleteAll(std::exchange(m_frame->windowList, {}));
     const std::shared_ptr<Form> active = ActiveForm();
-    for (const std::shared_ptr<Form>& form : Loaded()) {
-        if (!form->m->frame || form->m->frame->isHidden())
-            continue;
-        if (m_frame->windowList.empty()) {
-            m_frame->windowList.append(menu->addSeparator());
-            m_frame->windowList.back()->setObjectName(QStringLiteral("mnuWindowsListSeparator"));
-        }
-        QString caption = form->Caption();
+    std::vector<std::shared_ptr<Form>> children = Loaded();
+    std::erase_if(children, [](const std::shared_ptr<Form>& form) {
+        return !form->m->frame || form->m->frame->isHidden();
+    });
+    if (children.empty())
+        return;
+    m_frame->windowList.append(menu->addSeparator());
+    m_frame->windowList.back()->setObjectName(QStringLiteral("mnuWindowsListSeparator"));
+    auto* marks = new QActionGroup(m_frame->windowList.back());
+    QStringList captions;
+    for (const std::shared_ptr<Form>& form : children)
+        captions += form->Caption();
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        const std::shared_ptr<Form>& form = children[i];
+        const auto place = static_cast<qsizetype>(i);
+        QString caption = captions[place];
+        if (captions.count(caption) > 1) // told apart by their numbers
+            caption += QStringLiteral(" (%1)").arg(captions.first(place + 1).count(captions[place]));
         QAction* entry = menu->addAction(caption.replace(u'&', QStringLiteral("&&")));
         entry->setObjectName(QStringLiteral("mnuWindowsList_%1").arg(m_frame->windowList.size() - 1));
         entry->setCheckable(true);
+        marks->addAction(entry);
         entry->setChecked(form == active);
         m_frame->windowList.append(entry);
         On(entry, &QAction::triggered, [weak = std::weak_ptr(form)] {

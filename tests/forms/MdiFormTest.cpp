@@ -41,7 +41,8 @@ protected:
         QStringList entries;
         for (const QAction* entry : frame->windows->actions())
             if (entry->isCheckable())
-                entries.append((entry->isChecked() ? u'*' + entry->text() : entry->text()));
+                entries.append(
+                    (entry->isChecked() && entry->actionGroup() ? u'*' + entry->text() : entry->text()));
         return entries;
     }
 
@@ -127,6 +128,9 @@ TEST_F(MdiFormTest, WindowListFollowsTheChildren) {
     hidden->SetVisible(false);
     EXPECT_EQ(frame->ActiveForm(), first) << "a minimised child comes last";
 
+    first->SetCaption(second->Caption());
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно b (1)"), QStringLiteral("Окно b (2)")}));
+
     for (const auto& form : {first, second, hidden})
         form->Unload();
     EXPECT_EQ(WindowList(), QStringList());
@@ -134,6 +138,8 @@ TEST_F(MdiFormTest, WindowListFollowsTheChildren) {
 }
 
 TEST_F(MdiFormTest, Arrangements) {
+    frame->Window()->resize(900, 1000);
+    QTest::qWait(0);
     for (const auto arrangement : {MdiForm::Cascade, MdiForm::TileHorizontally, MdiForm::TileVertically})
         frame->Arrange(arrangement); // without a child: nothing
     const auto a = Open(QStringLiteral("a"));
@@ -148,16 +154,17 @@ TEST_F(MdiFormTest, Arrangements) {
         EXPECT_EQ(place(form).left(), ground.left());
         EXPECT_EQ(place(form).right(), ground.right()) << "wide windows one under the other";
     }
-    EXPECT_EQ(place(c).top(), ground.top()) << "the active child first";
-    EXPECT_EQ(place(fixed).topLeft(), QPoint(0, place(c).bottom() + 1));
-    EXPECT_EQ(place(fixed).size(), fixedSize);
+    EXPECT_EQ(place(fixed), QRect(ground.topLeft(), fixedSize));
+    EXPECT_EQ(place(c).top(), place(fixed).bottom() + 1) << "of the others the active child first";
+    EXPECT_EQ(place(a).top(), place(c).bottom() + 1);
+    EXPECT_EQ(place(a).bottom(), ground.bottom());
 
     frame->Arrange(MdiForm::TileVertically);
     for (const auto& form : {a, c}) {
         EXPECT_EQ(place(form).top(), ground.top());
         EXPECT_EQ(place(form).bottom(), ground.bottom()) << "side by side";
     }
-    EXPECT_EQ(place(fixed).topLeft(), QPoint(place(c).right() + 1, 0));
+    EXPECT_EQ(place(c).left(), place(fixed).right() + 1);
     EXPECT_EQ(place(a).right(), ground.right());
 
     FrameOf(a)->showMaximized();

@@ -1,5 +1,6 @@
 #include "platform/forms/FileWindow.h"
 
+#include "platform/forms/Asking.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/MsgBox.h"
 
@@ -8,6 +9,8 @@
 #include <QFileSystemModel>
 #include <QHeaderView>
 #include <QScreen>
+#include <QShowEvent>
+#include <QStandardPaths>
 #include <QStyledItemDelegate>
 #include <QTreeView>
 
@@ -42,7 +45,35 @@ FileWindow::FileWindow(QWidget* owner, bool save, int flags)
     setOption(DontConfirmOverwrite);
     setAcceptMode(save ? AcceptSave : AcceptOpen);
     setFileMode(AnyFile); // what has to exist is checked here
+    AddPlaces();
     WidenColumns();
+}
+
+FileWindow::~FileWindow() {
+    QList<QUrl> places = sidebarUrls();
+    places.removeIf([this](const QUrl& place) { return m_added.contains(place); });
+    setSidebarUrls(places); // which other programs find in their dialogs
+}
+
+void FileWindow::showEvent(QShowEvent* event) {
+    QFileDialog::showEvent(event);
+    if (!event->spontaneous())
+        Asking::Centre(*this, parentWidget());
+}
+
+/// Where people keep their books and tables.
+void FileWindow::AddPlaces() {
+    QList<QUrl> places = sidebarUrls();
+    for (const auto kind : {QStandardPaths::DocumentsLocation, QStandardPaths::DesktopLocation,
+                            QStandardPaths::DownloadLocation}) {
+        const QString folder = QStandardPaths::writableLocation(kind);
+        const QUrl place = QUrl::fromLocalFile(folder);
+        if (!QFileInfo(folder).isDir() || places.contains(place))
+            continue;
+        places += place;
+        m_added += place;
+    }
+    setSidebarUrls(places);
 }
 
 void FileWindow::WidenColumns() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFileDialog>
+#include <QUrl>
 
 namespace forms {
 
@@ -11,15 +12,23 @@ class FileWindow final : public QFileDialog {
 
 public:
     FileWindow(QWidget* owner, bool save, int flags);
+    ~FileWindow() override;
 
     void accept() override;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
+    /// Documents, desktop and downloads, as long as the window lives, beside what the user keeps in the side
+    /// bar.
+    void AddPlaces();
     /// Wide enough for what the columns hold, if the user has not made them wider.
     void WidenColumns();
     bool IsAcceptable(const QString& path) const;
 
     int m_flags;
+    QList<QUrl> m_added;
 };
 
 } // namespace forms

@@ -19,6 +19,7 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QStyledItemDelegate>
 #include <QTest>
 #include <QTreeView>
@@ -206,6 +207,26 @@ TEST_F(CommonDialogTest, ListsFilesInRussian) {
         EXPECT_EQ(size.text, QStringLiteral("1,5 кБ"));
     });
     dialog.ShowOpen(nullptr);
+}
+
+TEST_F(CommonDialogTest, LeadsToTheFoldersOfTheUser) {
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", QFile::encodeName(folder.Path(QString())));
+    for (const auto kind : {QStandardPaths::DocumentsLocation, QStandardPaths::DownloadLocation})
+        ASSERT_TRUE(QDir().mkpath(QStandardPaths::writableLocation(kind)));
+    const auto leadsTo = [](const QFileDialog& window, QStandardPaths::StandardLocation kind) {
+        return window.sidebarUrls().contains(QUrl::fromLocalFile(QStandardPaths::writableLocation(kind)));
+    };
+    answers.File(QString(), [&](QFileDialog& window) {
+        EXPECT_TRUE(leadsTo(window, QStandardPaths::DocumentsLocation));
+        EXPECT_TRUE(leadsTo(window, QStandardPaths::DownloadLocation));
+        EXPECT_FALSE(leadsTo(window, QStandardPaths::DesktopLocation)) << "there is none";
+    });
+    dialog.ShowOpen(nullptr);
+    QFileDialog another;
+    another.setOption(QFileDialog::DontUseNativeDialog);
+    EXPECT_FALSE(leadsTo(another, QStandardPaths::DocumentsLocation)) << "other programs keep theirs";
+    qputenv("HOME", home);
 }
 
 TEST_F(CommonDialogTest, CancelLeavesTheNameEmpty) {

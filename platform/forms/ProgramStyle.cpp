@@ -54,6 +54,12 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
 void ProgramStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                                const QWidget* widget) const {
     const auto* entry = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element == CE_MenuBarItem && entry && entry->state.testFlag(State_Selected)) {
+        QStyleOptionMenuItem chosen(*entry);
+        chosen.state |= State_Sunken; // seen before it opens, for those who go by Alt and the arrow keys
+        QProxyStyle::drawControl(element, &chosen, painter, widget);
+        return;
+    }
     const bool isSeparator = element == CE_MenuItem && entry &&
                              entry->menuItemType == QStyleOptionMenuItem::Separator && entry->text.isEmpty();
     if (!isSeparator || !IsDark(option->palette)) {

@@ -174,7 +174,7 @@ QWidget* frmEditRecords::MakeRecordFrame(QWidget* parent) {
     txtBith->setPlaceholderText(QStringLiteral("дд.мм.гггг"));
     txtRemark = addField(QStringLiteral("lblRemark"), QStringLiteral("Заметка:"), QStringLiteral("txtRemark"),
                          RemarkLength);
-    layout->setColumnMinimumWidth(1, Frame1->fontMetrics().averageCharWidth() * 44);
+    layout->setColumnMinimumWidth(1, Frame1->fontMetrics().averageCharWidth() * 48);
     return Frame1;
 }
 
@@ -182,7 +182,7 @@ QBoxLayout* frmEditRecords::MakeTelefonRow(QWidget* parent) {
     auto* typeLabel = forms::MakeLabel(QStringLiteral("lblTelefonType"), QStringLiteral("Телефон:"), parent);
     lstTelefonType = new forms::ListBox(parent);
     forms::NameField(lstTelefonType, QStringLiteral("lstTelefonType"), typeLabel);
-    lstTelefonType->setFixedHeight(forms::HeightForRows(*lstTelefonType, 5));
+    lstTelefonType->setFixedHeight(forms::HeightForRows(*lstTelefonType, 7));
 
     auto* numberLabel =
         forms::MakeLabel(QStringLiteral("lblTelefonNumber"), QStringLiteral("Номер телефона:"), parent);
@@ -197,8 +197,8 @@ QBoxLayout* frmEditRecords::MakeTelefonRow(QWidget* parent) {
     number->addWidget(numberLabel);
     number->addWidget(txtTelefonNumber);
     number->addStretch();
-    layout->addLayout(types, 1);
-    layout->addLayout(number, 1);
+    layout->addLayout(types, 4);
+    layout->addLayout(number, 3);
     return layout;
 }
 
@@ -206,7 +206,9 @@ QBoxLayout* frmEditRecords::MakeButtonRow(QWidget* parent) {
     cmdSave = forms::MakeButton(QStringLiteral("cmdSave"), QStringLiteral("Сохранить"), parent);
     cmdCancel = forms::MakeButton(QStringLiteral("cmdCancel"), QStringLiteral("Отмена"), parent);
     cmdDelete = forms::MakeButton(QStringLiteral("cmdDelete"), QStringLiteral("Удалить"), parent);
-    return forms::ButtonRow({cmdSave, cmdCancel, cmdDelete});
+    QBoxLayout* row = forms::ButtonRow({cmdSave, cmdCancel, cmdDelete});
+    row->insertSpacing(row->indexOf(cmdDelete), cmdDelete->fontMetrics().height()); // not hit in passing
+    return row;
 }
 
 void frmEditRecords::SetTabOrder() {

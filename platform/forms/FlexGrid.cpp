@@ -173,7 +173,13 @@ void FlexGrid::ApplyColWidth(int col) {
     const int twips = m_colWidths[col];
     setColumnHidden(col, twips == 0);
     if (twips > 0)
-        setColumnWidth(col, ViewWidth(twips));
+        setColumnWidth(col, std::max(ViewWidth(twips), LeastWidth(twips)));
+}
+
+/// Nobody has chosen the default width: with large letters it is as wide as it is to be of use.
+int FlexGrid::LeastWidth(int twips) const {
+    constexpr int Letters = 7;
+    return twips == DefaultColWidth ? Letters * fontMetrics().averageCharWidth() : 0;
 }
 
 void FlexGrid::ApplyRowHeight() {
@@ -481,6 +487,9 @@ void FlexGrid::changeEvent(QEvent* event) {
     QTableView::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         ApplyRowHeight();
+    if (event->type() == QEvent::FontChange && m_fillings == 0)
+        for (int col = 0; col < Cols(); ++col)
+            ApplyColWidth(col);
 }
 
 // --- The Resize rule

@@ -102,6 +102,7 @@ private:
 
     void CheckCell(int row, int col) const;
     void ApplyColWidth(int col);
+    int LeastWidth(int twips) const;
     void ApplyRowHeight();
     /// Makes the view's current index that of Row and Col again.
     void ApplyCurrent();

@@ -181,6 +181,14 @@ TEST_F(FlexGridTest, WidthsAreKeptInTwips) {
     grid.SetCols(5);
     EXPECT_EQ(grid.ColWidth(1), forms::ToTwips(123));
     EXPECT_EQ(grid.ColWidth(4), 960);
+
+    QFont large = grid.font();
+    large.setPixelSize(40);
+    grid.setFont(large);
+    EXPECT_EQ(grid.columnWidth(1), 123);
+    EXPECT_GE(grid.columnWidth(4), grid.fontMetrics().horizontalAdvance(QStringLiteral("12345")))
+        << "a width that nobody has chosen grows with the letters";
+    EXPECT_EQ(grid.ColWidth(4), 960);
 }
 
 TEST_F(FlexGridTest, StretchOfTheLastColumn) {

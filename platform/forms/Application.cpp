@@ -2,6 +2,7 @@
 
 #include "platform/engine/DBEngine.h"
 #include "platform/forms/Controls.h"
+#include "platform/forms/DarkPreference.h"
 #include "platform/forms/EscapeWatch.h"
 #include "platform/forms/EventDelivery.h"
 #include "platform/forms/FormState.h"
@@ -69,8 +70,8 @@ Application::Application(int& argc, char** argv)
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();
     setKeyboardInputInterval(TypedTogether);
-    if (const QString name = style()->name(); name == u"fusion")
-        setStyle(new ProgramStyle(name));
+    if (ChooseStyle())
+        WatchDarkPreference(this, [this](bool dark) { PreferDark(dark); });
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             &Application::CommitWhenIdle);
     connect(this, &QCoreApplication::aboutToQuit, this, &Application::CommitAtEnd);
@@ -79,6 +80,24 @@ Application::Application(int& argc, char** argv)
 Application::~Application() {
     Form::ReleaseAll();
     sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+bool Application::ChooseStyle() {
+    if (!ProgramStyle::IsBuiltOn(*style()))
+        return false;
+    const bool coloursAreChosen = qobject_cast<const QProxyStyle*>(style()) != nullptr;
+    setStyle(new ProgramStyle(QStringLiteral("fusion")));
+    return !coloursAreChosen;
+}
+
+void Application::PreferDark(bool dark) {
+    if (!dark && m_darkened)
+        setPalette(QPalette()); // the theme's own
+    else if (dark && !ProgramStyle::IsDark(palette()))
+        setPalette(ProgramStyle::DarkPalette());
+    else
+        return;
+    m_darkened = dark;
 }
 
 void Application::LoadToolkitTexts() {

@@ -25,6 +25,14 @@ public:
     /// An exception that is no Failure passes through, also out of the loops of modal windows and boxes.
     bool notify(QObject* receiver, QEvent* event) override;
 
+    /// Puts the program's form of the toolkit's own style in place of that style, also where a settings
+    /// program has put a proxy of its own around it; other styles stay. True if the theme's colours stand as
+    /// no settings program has chosen them.
+    bool ChooseStyle();
+    /// Follows the desktop's preference where the theme does not: the toolkit's own style in dark colours, or
+    /// in those of the theme again.
+    void PreferDark(bool dark);
+
 protected:
     bool event(QEvent* event) override;
 
@@ -37,6 +45,7 @@ private:
     void TellLater(const runtime::Failure& failure);
 
     bool m_telling = false;
+    bool m_darkened = false; ///< by PreferDark
 };
 
 } // namespace forms

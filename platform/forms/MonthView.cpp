@@ -31,6 +31,23 @@ DayColours ColoursOn(const QPalette& palette) {
     return {QColor(0x0b, 0x4f, 0xc4), QColor(0xb0, 0x20, 0x10)};
 }
 
+constexpr auto BackArrow = u"qt_calendar_prevmonth";
+constexpr auto ForthArrow = u"qt_calendar_nextmonth";
+
+QPixmap Chevron(bool back, const QColor& colour, qreal ratio) {
+    constexpr int Size = 16;
+    QPixmap picture(QSize(Size, Size) * ratio);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colour, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    const qreal tip = back ? 5.5 : 10.5;
+    const qreal ends = Size - tip;
+    painter.drawPolyline(QPolygonF{QPointF(ends, 3), QPointF(tip, 8), QPointF(ends, 13)});
+    return picture;
+}
+
 QDate SameDayIn(int year, int month, int day) {
     return {year, month, std::min(day, QDate(year, month, 1).daysInMonth())};
 }
@@ -45,15 +62,16 @@ MonthView::MonthView(QWidget* parent)
     setDateEditEnabled(false);
     setDateRange(FirstControlDate(), LastControlDate());
     ApplyColours();
+    DrawArrows();
 
-    const auto nameArrow = [this](const QString& arrow, const QString& text) {
-        if (auto* button = findChild<QToolButton*>(arrow)) {
+    const auto nameArrow = [this](QStringView arrow, const QString& text) {
+        if (auto* button = findChild<QToolButton*>(arrow.toString())) {
             button->setAccessibleName(text);
             button->setToolTip(text);
         }
     };
-    nameArrow(QStringLiteral("qt_calendar_prevmonth"), QStringLiteral("Предыдущий месяц"));
-    nameArrow(QStringLiteral("qt_calendar_nextmonth"), QStringLiteral("Следующий месяц"));
+    nameArrow(BackArrow, QStringLiteral("Предыдущий месяц"));
+    nameArrow(ForthArrow, QStringLiteral("Следующий месяц"));
 
     connect(this, &QCalendarWidget::currentPageChanged, this, &MonthView::FollowPage);
     connect(this, &QCalendarWidget::selectionChanged, this, &MonthView::FollowSelection);
@@ -102,8 +120,10 @@ bool MonthView::eventFilter(QObject* watched, QEvent* event) {
 
 void MonthView::changeEvent(QEvent* event) {
     QCalendarWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
+    if (event->type() == QEvent::PaletteChange) {
         ApplyColours();
+        DrawArrows();
+    }
 }
 
 void MonthView::paintEvent(QPaintEvent* event) {
@@ -182,6 +202,26 @@ void MonthView::ApplyColours() {
     const QMap<QDate, QTextCharFormat> formats = dateTextFormat();
     for (auto day = formats.cbegin(); day != formats.cend(); ++day)
         setDateTextFormat(day.key(), BoldFormat());
+}
+
+/// As the name of the month between them: in the title's colour, under the pointer in that of a button.
+void MonthView::DrawArrows() {
+    for (const QStringView arrow : {BackArrow, ForthArrow}) {
+        auto* button = findChild<QToolButton*>(arrow.toString());
+        if (!button)
+            continue;
+        QIcon icon;
+        const bool back = arrow == BackArrow;
+        const qreal ratio = devicePixelRatioF();
+        icon.addPixmap(Chevron(back, palette().color(QPalette::HighlightedText), ratio), QIcon::Normal);
+        icon.addPixmap(Chevron(back, palette().color(QPalette::ButtonText), ratio), QIcon::Active);
+        button->setIcon(icon);
+    }
+}
+
+bool MonthView::IsTitle(const QWidget* widget) {
+    return widget && widget->objectName() == u"qt_calendar_monthbutton" &&
+           qobject_cast<const MonthView*>(widget->parentWidget()->parentWidget());
 }
 
 QTextCharFormat MonthView::BoldFormat() const {

@@ -28,6 +28,9 @@ public:
     void SetDayBold(QDate date, bool bold);
     bool DayBold(QDate date) const;
 
+    /// Whether a widget is the name of the month above a calendar.
+    static bool IsTitle(const QWidget* widget);
+
 Q_SIGNALS:
     /// The user has selected another day, by mouse, keyboard or paging.
     void SelChange();
@@ -47,6 +50,7 @@ private:
     void FollowSelection();
     bool TurnYear(const QKeyEvent& key);
     void NameValue();
+    void DrawArrows();
     void ApplyColours();
     QTextCharFormat BoldFormat() const;
 

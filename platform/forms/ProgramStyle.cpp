@@ -1,5 +1,7 @@
 #include "platform/forms/ProgramStyle.h"
 
+#include "platform/forms/MessageIcon.h"
+#include "platform/forms/MonthView.h"
 #include "platform/forms/RowDelegate.h"
 
 #include <QApplication>
@@ -14,22 +16,63 @@ namespace {
 
 constexpr int MiddleGrey = 128;
 
-bool IsDark(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < MiddleGrey;
-}
-
 /// Outlines are shades of the window's colour.
 void LightOutlines(QPalette& palette) {
     palette.setColor(QPalette::Window, palette.color(QPalette::WindowText));
+}
+
+/// The style takes them darker still: 3:1 and more to the field inside and to the window around.
+void DarkenOutlines(QPalette& palette) {
+    palette.setColor(QPalette::Window,
+                     Mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 0.4));
 }
 
 /// For what stands in numbers: seen, but quieter than a mark.
 void SoftenOutlines(QPalette& palette) {
     palette.setColor(QPalette::Window,
                      Mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 0.5));
+    palette.setColor(QPalette::Highlight, palette.color(QPalette::Highlight).lighter(150)); // of the focus
 }
 
 } // namespace
+
+bool ProgramStyle::IsBuiltOn(const QStyle& style) {
+    const QStyle* base = &style;
+    while (const auto* proxy = qobject_cast<const QProxyStyle*>(base))
+        base = proxy->baseStyle();
+    return base && base->inherits("QFusionStyle");
+}
+
+bool ProgramStyle::IsDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < MiddleGrey;
+}
+
+QPalette ProgramStyle::DarkPalette() {
+    QPalette palette(QColor(0x32, 0x32, 0x32)); // the constructor derives bevels and light letters
+    const QColor ground(0x24, 0x24, 0x24);
+    const QColor letters(0xf0, 0xf0, 0xf0);
+    const struct {
+        QPalette::ColorRole role;
+        QColor colour;
+    } colours[] = {
+        {QPalette::Base, ground},
+        {QPalette::AlternateBase, QColor(0x2b, 0x2b, 0x2b)},
+        {QPalette::Text, letters},
+        {QPalette::WindowText, letters},
+        {QPalette::ButtonText, letters},
+        {QPalette::ToolTipBase, QColor(0x3c, 0x3c, 0x3c)},
+        {QPalette::ToolTipText, letters},
+        {QPalette::Highlight, QColor(0x1f, 0x6f, 0xa8)},
+        {QPalette::HighlightedText, QColor(Qt::white)},
+        {QPalette::Link, QColor(0x8a, 0xb8, 0xff)},
+    };
+    for (const auto& [role, colour] : colours)
+        palette.setColor(role, colour);
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x96, 0x96, 0x96));
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0x50, 0x50, 0x50));
+    return palette;
+}
 
 void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                  const QWidget* widget) const {
@@ -41,8 +84,8 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
     const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
     const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
     const bool dark = IsDark(option->palette);
-    if (dark && isMark && button)
-        draw(*button, LightOutlines);
+    if (isMark && button)
+        draw(*button, dark ? LightOutlines : DarkenOutlines);
     else if (dark && element == PE_PanelMenu)
         draw(*option, LightOutlines);
     else if (dark && (element == PE_FrameLineEdit || element == PE_Frame) && frame)
@@ -74,6 +117,13 @@ void ProgramStyle::drawControl(ControlElement element, const QStyleOption* optio
 
 void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                       QPainter* painter, const QWidget* widget) const {
+    const auto* button = qstyleoption_cast<const QStyleOptionToolButton*>(option);
+    if (control == CC_ToolButton && button && MonthView::IsTitle(widget)) {
+        QStyleOptionToolButton plain(*button);
+        plain.features &= ~QStyleOptionToolButton::HasMenu; // its sign would stand under the text, half cut
+        QProxyStyle::drawComplexControl(control, &plain, painter, widget);
+        return;
+    }
     const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
     const bool active = bar && (bar->titleBarState & State_Active);
     if (control != CC_TitleBar || !bar || active || !IsDark(option->palette)) {
@@ -113,6 +163,12 @@ int ProgramStyle::styleHint(StyleHint hint, const QStyleOption* option, const QW
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
         return 0;
     return QProxyStyle::styleHint(hint, option, widget, data);
+}
+
+QIcon ProgramStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
+                                 const QWidget* widget) const {
+    const QIcon icon = MessageIcon(which);
+    return icon.isNull() ? QProxyStyle::standardIcon(which, option, widget) : icon;
 }
 
 } // namespace forms

@@ -57,6 +57,13 @@ TEST(MsgBoxTest, IconsButtonsAndAnswers) {
     }
     answers.Question(text, true, false, Icon::Critical);
     EXPECT_TRUE(forms::AskNo(text, Icon::Critical));
+    QIcon::setThemeName(QStringLiteral("none"));
+    for (const auto which : {QStyle::SP_MessageBoxCritical, QStyle::SP_MessageBoxQuestion,
+                             QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxInformation}) {
+        const QIcon drawn = QApplication::style()->standardIcon(which);
+        EXPECT_EQ(drawn.pixmap(QSize(256, 256)).size(), QSize(256, 256)) << "sharp at every size";
+        EXPECT_NE(drawn.pixmap(QSize(32, 32)).toImage().pixelColor(16, 16).alpha(), 0);
+    }
     answers.BoxStarting(text, Icon::Critical, [](const QString& shown) { EXPECT_LT(shown.size(), 10'000); });
     forms::MsgBox(text + QString(10'000'000, u'x'), Icon::Critical);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/DBEngine.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "shell/General.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "database/Schema.h"
 
-#include "platform/engine/Database.h"
+#include "platform/engine/dao/Database.h"
 #include "platform/forms/MsgBox.h"
 #include "shell/General.h"
 

@@ -1,5 +1,5 @@
 #include "database/SeedData.h"
-#include "platform/engine/Database.h"
+#include "platform/engine/dao/Database.h"
 #include "platform/forms/MsgBox.h"
 #include "shell/General.h"
 

@@ -2,7 +2,7 @@
 
 #include "exchange/CsvReader.h"
 #include "exchange/DelimiterChoice.h"
-#include "platform/engine/LockWait.h"
+#include "platform/engine/store/LockWait.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/MsgBox.h"

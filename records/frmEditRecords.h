@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/Recordset.h"
+#include "platform/engine/dao/Recordset.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/ListForm.h"

@@ -1,6 +1,6 @@
 #include "platform/forms/Application.h"
 
-#include "platform/engine/DBEngine.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/DarkPreference.h"
 #include "platform/forms/EscapeWatch.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/Database.h"
+#include "platform/engine/dao/Database.h"
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/Form.h"
 

@@ -1,6 +1,6 @@
 #include "platform/forms/MsgBox.h"
 
-#include "platform/engine/DBEngine.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "platform/forms/MdiForm.h"
 #include "platform/forms/MessageWindow.h"
 #include "platform/forms/NestedLoop.h"

@@ -1,7 +1,7 @@
 // Message boxes and file dialogs, answered as a user does.
 
-#include "platform/engine/DBEngine.h"
 #include "platform/engine/EngineError.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/MsgBox.h"
 #include "tests/support/Answers.h"

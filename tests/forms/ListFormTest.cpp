@@ -3,7 +3,7 @@
 #include "platform/forms/ListForm.h"
 
 #include "SampleForms.h"
-#include "platform/engine/DBEngine.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "platform/forms/FilterForm.h"
 #include "platform/forms/Twips.h"
 #include "tests/support/Answers.h"

@@ -1,6 +1,6 @@
 // Any text through lexer, parser and translation: it has to end in a plan or in a failure of the engine.
+#include "platform/engine/schema/Names.h"
 #include "platform/engine/sql/Plan.h"
-#include "platform/engine/sql/Words.h"
 #include "platform/runtime/Failure.h"
 #include "tests/fuzz/Fuzz.h"
 
@@ -8,8 +8,8 @@
 
 namespace {
 
+using namespace engine;
 using namespace engine::sql;
-using engine::DataType;
 using fuzz::Require;
 
 class FuzzCatalog : public Catalog {

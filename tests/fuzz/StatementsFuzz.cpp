@@ -1,7 +1,7 @@
 // Whole statements on a small database: whatever they are, they end in rows, in a change or in a failure of
 // the engine, and leave a sound file behind.
-#include "platform/engine/DBEngine.h"
 #include "platform/engine/EngineError.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "platform/runtime/Failure.h"
 #include "tests/fuzz/Fuzz.h"
 

@@ -1,5 +1,5 @@
-#include "platform/engine/DBEngine.h"
 #include "platform/engine/EngineError.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "tests/records/RecordsTest.h"
 #include "tests/support/Keys.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/LockWait.h"
+#include "platform/engine/store/LockWait.h"
 
 namespace test {
 

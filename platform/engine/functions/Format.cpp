@@ -1,6 +1,7 @@
 #include "platform/engine/functions/Call.h"
 #include "platform/engine/functions/Picture.h"
 #include "platform/engine/functions/Text.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Failure.h"
 #include "platform/runtime/Numbers.h"

@@ -1,5 +1,7 @@
 #include "platform/engine/functions/Picture.h"
 
+#include "platform/engine/schema/Types.h"
+
 #include <array>
 
 namespace engine::functions {

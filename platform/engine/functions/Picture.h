@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/engine/Value.h"
+#include "platform/engine/schema/Types.h"
 
 #include <QDateTime>
 #include <QString>

@@ -1,10 +1,10 @@
 #include "platform/engine/jet4/Conversion.h"
 
-#include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
 #include "platform/engine/jet4/OtherPrograms.h"
 #include "platform/engine/jet4/RowCheck.h"
 #include "platform/engine/jet4/RowCopy.h"
+#include "platform/engine/store/DatabaseFile.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/DBEngine.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "platform/engine/jet4/Reader.h"
 #include "platform/engine/jet4/Replacement.h"
 

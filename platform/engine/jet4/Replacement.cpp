@@ -1,7 +1,7 @@
 #include "platform/engine/jet4/Replacement.h"
 
-#include "platform/engine/DatabaseFile.h"
 #include "platform/engine/EngineError.h"
+#include "platform/engine/store/DatabaseFile.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -36,7 +36,7 @@ private:
 
 struct Rule {
     std::size_t place; ///< of the column in a row
-    sql::ColumnInfo column;
+    ColumnInfo column;
     Distinct seen;
 };
 
@@ -50,13 +50,13 @@ bool IsText(DataType type) {
 }
 
 std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QString& path) {
-    class NoTables : public sql::Catalog {
-        const sql::TableInfo* FindTable(QStringView) const override { return nullptr; }
+    class NoTables : public Catalog {
+        const TableInfo* FindTable(QStringView) const override { return nullptr; }
     };
-    const sql::TableInfo made =
+    const TableInfo made =
         sql::Translate(sql::Scan(statement), NoTables(), sql::Purpose::Execute).change.table;
     std::vector<Rule> rules;
-    for (const sql::ColumnInfo& column : made.columns) {
+    for (const ColumnInfo& column : made.columns) {
         const int place = table.Find(column.name);
         const DataType type =
             place < 0 ? DataType::Unknown : table.columns[static_cast<std::size_t>(place)].type;
@@ -69,7 +69,7 @@ std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QS
     return rules;
 }
 
-void CheckRange(const Value& value, const sql::ColumnInfo& column, const Table& table, const QString& path) {
+void CheckRange(const Value& value, const ColumnInfo& column, const Table& table, const QString& path) {
     try {
         functions::ToColumn(value, column.type, 0, column.name);
     } catch (const runtime::Failure& failure) {

@@ -1,9 +1,10 @@
 #include "platform/engine/jet4/RowCopy.h"
 
-#include "platform/engine/Catalog.h"
 #include "platform/engine/EngineError.h"
-#include "platform/engine/SqliteFailure.h"
 #include "platform/engine/functions/Functions.h"
+#include "platform/engine/schema/FileCatalog.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/store/SqliteFailure.h"
 
 #include <QFile>
 #include <sqlite3.h>

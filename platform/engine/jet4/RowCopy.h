@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/engine/Statement.h"
 #include "platform/engine/jet4/Reader.h"
+#include "platform/engine/store/Statement.h"
 
 struct sqlite3;
 

@@ -1,8 +1,9 @@
 #include "platform/engine/sql/ActionWriter.h"
 
 #include "platform/engine/EngineError.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/Keys.h"
-#include "platform/engine/sql/Words.h"
 
 #include <algorithm>
 #include <utility>
@@ -184,12 +185,12 @@ QString ActionWriter::InsertRows(const TableInfo& table, NewRow row, const QStri
     QString values;
     QStringList keys;
     for (const NewValue& value : row) {
-        names += (names.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(table, value.column).name);
+        names += (names.isEmpty() ? QString() : u", "_s) + QuoteName(ColumnAt(table, value.column).name);
         values += (values.isEmpty() ? QString() : u", "_s) + value.text;
         keys += KeyStays(table, value.column, value.text);
     }
     const QString start = (m_context.lenient ? u"INSERT OR IGNORE INTO "_s : u"INSERT INTO "_s) +
-                          Quoted(table.name) + u" ("_s + names + u") "_s;
+                          QuoteName(table.name) + u" ("_s + names + u") "_s;
     if (from.isEmpty() && keys.isEmpty())
         return start + u"VALUES ("_s + values + u')';
     return start + u"SELECT "_s + values + from +
@@ -246,7 +247,7 @@ QString ActionWriter::UpdateText(const Update& update, Plan& plan, Rows rows) {
         if (column < 0)
             continue; // told already
         const QString value = Assigned(*assignment.value, writer, *target.table, column);
-        sets += (sets.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(*target.table, column).name) +
+        sets += (sets.isEmpty() ? QString() : u", "_s) + QuoteName(ColumnAt(*target.table, column).name) +
                 u" = "_s + value;
         conditions += KeyStays(*target.table, column, value);
     }
@@ -283,7 +284,7 @@ QString ActionWriter::UpdateJoinText(const Update& update, const Scope& scope, c
             continue;
         const QString name = u'v' + QString::number(number++);
         values += u", "_s + Assigned(*assignment.value, writer, *target.table, column) + u" AS "_s + name;
-        sets += (sets.isEmpty() ? QString() : u", "_s) + Quoted(ColumnAt(*target.table, column).name) +
+        sets += (sets.isEmpty() ? QString() : u", "_s) + QuoteName(ColumnAt(*target.table, column).name) +
                 u" = news."_s + name;
         conditions += KeyStays(*target.table, column, u"news."_s + name);
     }
@@ -292,7 +293,7 @@ QString ActionWriter::UpdateJoinText(const Update& update, const Scope& scope, c
         rows += u" WHERE "_s + ExpressionWriter(m_context, &m_catalog, scope, AggregateRule::InWhere)
                                    .Condition(*update.where)
                                    .text;
-    return (m_context.lenient ? u"UPDATE OR IGNORE "_s : u"UPDATE "_s) + Quoted(target.table->name) +
+    return (m_context.lenient ? u"UPDATE OR IGNORE "_s : u"UPDATE "_s) + QuoteName(target.table->name) +
            u" AS changed SET "_s + sets + u" FROM ("_s + rows + u") AS news WHERE "_s +
            conditions.join(u" AND "_s);
 }
@@ -357,7 +358,7 @@ QString ActionWriter::DeleteText(const Delete& remove, Plan& plan, Rows rows) {
     if (!from.table) {
         ScopeSource gone = *target.source;
         gone.alias = u"gone"_s;
-        return u"DELETE FROM "_s + Quoted(target.table->name) + u" AS gone WHERE "_s + gone.RowId() +
+        return u"DELETE FROM "_s + QuoteName(target.table->name) + u" AS gone WHERE "_s + gone.RowId() +
                u" IN (SELECT "_s + target.source->RowId() + u" FROM "_s + from.text +
                (remove.where ? u" WHERE "_s + where.text : QString()) + u')';
     }
@@ -404,7 +405,7 @@ void ActionWriter::WriteInto(const Query& query, Plan& plan) {
             RaiseEngine(ColumnDefinedTwice);
         if (!IsValidName(made.name))
             RaiseEngine(SyntaxInColumnDefinition);
-        names += (names.isEmpty() ? QString() : u", "_s) + Quoted(made.name);
+        names += (names.isEmpty() ? QString() : u", "_s) + QuoteName(made.name);
         plan.intoTable.columns.push_back(std::move(made));
     }
     QString values;
@@ -414,8 +415,8 @@ void ActionWriter::WriteInto(const Query& query, Plan& plan) {
         values += (i == 0 ? QString() : u", "_s) +
                   Converted(value, plan.intoTable, static_cast<int>(i), value.size);
     }
-    plan.text = u"INSERT INTO "_s + Quoted(name) + u" ("_s + names + u") SELECT "_s + values + u" FROM ("_s +
-                written.text + u')';
+    plan.text = u"INSERT INTO "_s + QuoteName(name) + u" ("_s + names + u") SELECT "_s + values +
+                u" FROM ("_s + written.text + u')';
     plan.ignoreText = plan.text;
 }
 

@@ -1,8 +1,9 @@
 // The calls of the dialect: aggregates, choices and functions.
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Functions.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/ExpressionWriter.h"
-#include "platform/engine/sql/Words.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "platform/engine/sql/Context.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/sql/Words.h"
+#include "platform/engine/schema/Names.h"
 
 #include <algorithm>
 

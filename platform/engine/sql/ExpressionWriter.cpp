@@ -2,8 +2,9 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Functions.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/QueryWriter.h"
-#include "platform/engine/sql/Words.h"
 
 #include <algorithm>
 

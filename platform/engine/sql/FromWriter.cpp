@@ -1,4 +1,6 @@
 #include "platform/engine/EngineError.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/QueryWriter.h"
 
 using namespace Qt::StringLiterals;
@@ -43,7 +45,7 @@ void FromWriter::AddTable(const Source& source) {
     for (const ColumnInfo& column : table->columns) {
         ScopeColumn offered;
         offered.name = column.name;
-        offered.value = StoredValue(added.alias + u'.' + Quoted(column.name), column.type, column.size);
+        offered.value = StoredValue(added.alias + u'.' + QuoteName(column.name), column.type, column.size);
         // Files of before may hold NULL where No is meant; a row that an outer join leaves out holds none.
         if (column.type == DataType::Bit)
             offered.value.text = u"CASE WHEN "_s + added.RowId() + u" IS NOT NULL THEN ifnull("_s +
@@ -52,7 +54,7 @@ void FromWriter::AddTable(const Source& source) {
         offered.value.collated = KindOf(column.type) == TypeKind::Text;
         added.columns.push_back(std::move(offered));
     }
-    m_texts.push_back(Quoted(table->name) + u" AS "_s + added.alias);
+    m_texts.push_back(QuoteName(table->name) + u" AS "_s + added.alias);
     m_scope.Sources().push_back(std::move(added));
 }
 

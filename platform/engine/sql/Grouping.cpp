@@ -1,8 +1,8 @@
 #include "platform/engine/sql/Grouping.h"
 
 #include "platform/engine/EngineError.h"
+#include "platform/engine/schema/Names.h"
 #include "platform/engine/sql/ExpressionWriter.h"
-#include "platform/engine/sql/Words.h"
 
 #include <algorithm>
 

@@ -1,7 +1,8 @@
 #include "platform/engine/sql/Keys.h"
 
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/ExpressionWriter.h"
-#include "platform/engine/sql/Words.h"
 
 #include <algorithm>
 

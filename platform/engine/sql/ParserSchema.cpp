@@ -1,6 +1,7 @@
 #include "platform/engine/EngineError.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/Parser.h"
-#include "platform/engine/sql/Words.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "platform/engine/EngineError.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/Parser.h"
-#include "platform/engine/sql/Words.h"
 
 namespace engine::sql {
 

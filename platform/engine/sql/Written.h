@@ -1,20 +1,12 @@
 #pragma once
 
-#include "platform/engine/Value.h"
+#include "platform/engine/schema/Types.h"
 
 #include <QString>
 
 #include <cstdint>
 
 namespace engine::sql {
-
-/// What the types of the dialect come to when values meet.
-enum class TypeKind : std::uint8_t { Unknown, Number, Date, Text, Bytes };
-
-TypeKind KindOf(DataType type);
-bool IsWholeNumber(DataType type);
-/// The type of a column that takes values of both.
-DataType CommonType(DataType a, DataType b);
 
 /// How tight the outermost operator of a SQLite text binds.
 enum Precedence : int {
@@ -65,8 +57,5 @@ QString ComparedUnits(const Written& value);
 /// As an argument of a function, which could not tell amounts of money and numbers of type SINGLE from
 /// others.
 QString Argument(const Written& value);
-
-/// "name" as SQLite quotes it.
-QString Quoted(const QString& name);
 
 } // namespace engine::sql

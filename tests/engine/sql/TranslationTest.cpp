@@ -1,6 +1,6 @@
 // What a plan tells the connection beside its text: parameters, keys, texts of rows.
+#include "platform/engine/schema/Names.h"
 #include "platform/engine/sql/Plan.h"
-#include "platform/engine/sql/Words.h"
 #include "platform/runtime/Failure.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 
 namespace {
 
-using engine::DataType;
+using namespace engine;
 using namespace engine::sql;
 
 class SmallCatalog : public Catalog {

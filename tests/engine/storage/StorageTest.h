@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/engine/DBEngine.h"
 #include "platform/engine/EngineError.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "tests/support/TestBook.h"
 
 #include <gtest/gtest.h>

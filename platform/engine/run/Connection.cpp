@@ -1,0 +1,819 @@
+#include "platform/engine/run/Connection.h"
+
+#include "platform/engine/EngineError.h"
+#include "platform/engine/dao/RecordsetImpl.h"
+#include "platform/engine/functions/Functions.h"
+#include "platform/engine/schema/SchemaEditor.h"
+#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/LockWait.h"
+#include "platform/runtime/Files.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace engine {
+
+namespace {
+
+constexpr int maxPlans = 200;
+constexpr auto lookInterval = std::chrono::milliseconds(50);
+constexpr sqlite3_int64 heapLimit = sqlite3_int64{2} << 30;
+constexpr int longestValue = 1 << 27; ///< bytes; a definition in a strange file could ask for any length
+
+// Nothing of the file is trusted but its rows: what a strange file brings along as code never runs.
+void Harden(sqlite3* db) {
+    struct Setting {
+        int option;
+        int value;
+    };
+    constexpr auto settings = std::to_array<Setting>({
+        {SQLITE_DBCONFIG_DEFENSIVE, 1},
+        {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+        {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
+        {SQLITE_DBCONFIG_ENABLE_VIEW, 0},
+        {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
+        {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0},
+        {SQLITE_DBCONFIG_ENABLE_FKEY, 0},
+        {SQLITE_DBCONFIG_LEGACY_ALTER_TABLE, 1}, // what does not run may be broken without harm to a rename
+        {SQLITE_DBCONFIG_DQS_DDL, 0},
+        {SQLITE_DBCONFIG_DQS_DML, 0},
+    });
+    for (const Setting& setting : settings)
+        sqlite3_db_config(db, setting.option, setting.value, nullptr);
+    sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
+    sqlite3_limit(db, SQLITE_LIMIT_LENGTH, longestValue);
+}
+
+/// While alive, what SQLite runs asks now and then whether it is to stop.
+class Stoppable {
+public:
+    Stoppable(sqlite3* db, const std::function<bool()>& stop)
+        : m_db(db) {
+        if (stop)
+            sqlite3_progress_handler(m_db, instructions, &Ask, const_cast<std::function<bool()>*>(&stop));
+    }
+    ~Stoppable() { sqlite3_progress_handler(m_db, 0, nullptr, nullptr); }
+    Stoppable(const Stoppable&) = delete;
+    Stoppable& operator=(const Stoppable&) = delete;
+
+private:
+    static constexpr int instructions = 1000;
+
+    static int Ask(void* stop) {
+        try {
+            return (*static_cast<std::function<bool()>*>(stop))() ? 1 : 0;
+        } catch (...) { // no exception may pass through SQLite
+            functions::KeepFailure();
+            return 1;
+        }
+    }
+
+    sqlite3* m_db;
+};
+
+sqlite3_file* FileOf(sqlite3* db) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(db, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    return file;
+}
+
+// The check of a file tells in words alone that a page could not be read; anything else that it finds is
+// damage.
+int CodeIn(const QString& finding) {
+    constexpr auto mark = QLatin1String("error code=");
+    const qsizetype place = finding.indexOf(mark);
+    const QStringView code = QStringView(finding).mid(place + mark.size());
+    const auto end = std::ranges::find_if_not(code, [](QChar character) { return character.isDigit(); });
+    const int number = place < 0 ? 0 : code.left(end - code.begin()).toInt();
+    return (number & 0xff) == SQLITE_IOERR ? number : SQLITE_CORRUPT;
+}
+
+runtime::Failure MemoryFailure() {
+    return {runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)};
+}
+
+// Most values are what their column holds already.
+bool FitsAsItIs(const Value& value, const ColumnInfo& column) {
+    if (const auto* text = value.As<QString>())
+        return column.type == DataType::Text && text->size() <= column.size;
+    const auto* number = value.As<std::int64_t>();
+    return number != nullptr && (column.type == DataType::Long || column.type == DataType::Counter) &&
+           *number >= std::numeric_limits<std::int32_t>::min() &&
+           *number <= std::numeric_limits<std::int32_t>::max();
+}
+
+// A value that its column will certainly refuse: an UPDATE whose value cannot be converted fails only if it
+// hits a row.
+Value RefusedValue(const ColumnInfo& column) {
+    const int size = std::max(column.size, functions::guidSize) + 1;
+    return column.type == DataType::Binary ? Value(QByteArray(size, 'x')) : Value(QString(size, u'x'));
+}
+
+/// The text of a plan that suits the rows at hand.
+struct Form {
+    Statement& statement;
+    const QString& text;
+    bool listed = false; ///< takes the rows as a list
+};
+
+Form FormFor(CachedPlan& cached, const std::optional<KeyIndexes::Rows>& rows, bool failOnError) {
+    const sql::Plan& plan = cached.plan;
+    if (!rows)
+        return failOnError ? Form{cached.text, plan.text} : Form{cached.ignoreText, plan.ignoreText};
+    if (!failOnError)
+        return {cached.keyedIgnoreText, plan.keyedIgnoreText, true};
+    if (rows->size() > 1)
+        return {cached.keyedText, plan.keyedText, true};
+    return {cached.keyedRowText, plan.keyedRowText};
+}
+
+/// `list` has to live as long as the binding.
+void BindRows(const Form& form, int place, const KeyIndexes::Rows& rows, QString& list) {
+    if (form.listed) {
+        for (const std::int64_t row : rows)
+            list += (list.isEmpty() ? QChar(u'[') : QChar(u',')) + QString::number(row);
+        list += u']';
+        form.statement.BindText(place, list);
+    } else if (!rows.empty()) {
+        form.statement.BindNumber(place, rows.front()); // left NULL, it names no row
+    }
+}
+
+} // namespace
+
+Connection::Connection(const QString& path, const QString& file)
+    : m_path(path)
+    , m_file(QFileInfo(file.isEmpty() ? path : file).absoluteFilePath()) {
+    Open();
+}
+
+void Connection::Open() {
+    try {
+        const QString spelled = QFileInfo(m_path).absoluteFilePath() == m_file ? m_path : m_file;
+        if (!runtime::OpenDatabaseFile::Holds(m_file))
+            CheckDatabaseFile(spelled);
+        m_journal = QFileInfo(m_file).canonicalFilePath() + QStringLiteral("-journal");
+        if (JournalNamesAFile(m_journal))
+            RaiseEngine(CannotOpenDatabase, m_path);
+        m_identity = runtime::IdentityOf(m_file);
+        m_registered = std::make_unique<runtime::OpenDatabaseFile>(m_file);
+        if (!m_registered->Granted())
+            RaiseEngine(FileInUse, m_path);
+        sqlite3_hard_heap_limit64(heapLimit);
+        const int code =
+            sqlite3_open_v2(QFile::encodeName(m_file).constData(), &m_db,
+                            SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+        if (code != SQLITE_OK)
+            throw FailureFrom(m_db, code, Doing::Open, m_path);
+        Configure();
+        CheckSound();
+        // Not before: it writes to a file that other means have set to a write-ahead log.
+        Pragma("PRAGMA journal_mode = DELETE");
+        m_seenData = ReadNumber(m_dataVersion, u"PRAGMA data_version");
+        m_seenSchema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
+        m_seenPager = PagerVersion();
+        m_lastLook = GroupClock::Now();
+    } catch (const std::bad_alloc&) {
+        Shut();
+        throw MemoryFailure();
+    } catch (...) {
+        Shut();
+        throw;
+    }
+}
+
+Connection::~Connection() {
+    if (!IsOpen())
+        return;
+    try {
+        m_commits->CommitGroup();
+    } catch (const runtime::Failure&) {
+        // Whoever drops a database without closing it has nobody to tell.
+    }
+    Shut();
+}
+
+void Connection::Configure() {
+    m_commits = std::make_unique<Transactions>(
+        m_db, m_path, [this] { return LookAtFile(); }, [this] { Undone(); });
+    Harden(m_db);
+    functions::RegisterCollations(m_db);
+    functions::RegisterFunctions(m_db);
+    // EXTRA: a commit that has been reported is on the disk, the removal of the journal included.
+    for (const char* pragma : {"PRAGMA cell_size_check = ON", "PRAGMA temp_store = MEMORY",
+                               "PRAGMA cache_size = -16000", "PRAGMA synchronous = EXTRA"})
+        Pragma(pragma);
+    m_catalog = std::make_unique<FileCatalog>(m_db, m_path);
+    m_counters = std::make_unique<Counters>(m_db);
+    m_keys = std::make_unique<KeyIndexes>(m_db, [this](int code) { RaiseRead(code); });
+    m_readOnly = sqlite3_db_readonly(m_db, "main") == 1;
+}
+
+void Connection::Pragma(const char* text) {
+    if (const int code = sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); code != SQLITE_OK)
+        throw FailureFrom(m_db, code, Doing::Open, m_path);
+}
+
+void Connection::CheckSound() {
+    CheckMark();
+    // SQLite takes what is missing of the last page for zeros.
+    Statement pageCount;
+    Statement pageSize;
+    const std::int64_t whole =
+        ReadNumber(pageCount, u"PRAGMA page_count") * ReadNumber(pageSize, u"PRAGMA page_size");
+    if (QFileInfo(m_file).size() < whole) // looked at last: others may let it grow meanwhile
+        RaiseEngine(CannotOpenDatabase, m_path);
+    // Columns that are worked out one from the other can keep any reader busy for ever.
+    if (Ask(u"SELECT count(*) FROM sqlite_schema AS s, pragma_table_xinfo(s.name) AS c WHERE s.type = "
+            u"'table' AND s.rootpage <> 0 AND c.hidden > 1")
+            .Number(0) != 0)
+        RaiseEngine(UnrecognisedFormat, m_path);
+    // Rows older than a rule may break it, and the file is sound all the same.
+    Pragma("PRAGMA ignore_check_constraints = ON");
+    if (const QString finding = Ask(u"PRAGMA quick_check(1)").Text(0); finding != QLatin1String("ok"))
+        throw FailureFrom(m_db, CodeIn(finding), Doing::Open, m_path);
+    Pragma("PRAGMA ignore_check_constraints = OFF");
+    for (const QString& table : m_catalog->TableNames())
+        m_catalog->FindLayout(table);
+}
+
+void Connection::CheckMark() {
+    Statement mark;
+    if (ReadNumber(mark, u"PRAGMA application_id") == applicationId)
+        return;
+    const int code = sqlite3_errcode(m_db);
+    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE)
+        throw FailureFrom(m_db, sqlite3_extended_errcode(m_db), Doing::Open, m_path);
+    RaiseEngine(UnrecognisedFormat, m_path);
+}
+
+/// The one row that a question about the whole file gives.
+Statement Connection::Ask(QStringView question) const {
+    Statement statement;
+    int code = statement.Prepare(m_db, question);
+    if (code == SQLITE_OK)
+        code = statement.Step();
+    if (code != SQLITE_ROW)
+        throw FailureFrom(m_db, code, Doing::Open, m_path);
+    return statement;
+}
+
+void Connection::CheckOpen() const {
+    if (!IsOpen())
+        RaiseEngine(ObjectClosed);
+}
+
+void Connection::Close() {
+    CheckOpen();
+    m_commits->CommitGroup();
+    Shut();
+}
+
+void Connection::Drop() noexcept {
+    if (IsOpen())
+        Shut();
+}
+
+void Connection::Shut() noexcept {
+    const auto sets = std::exchange(m_sets, {});
+    for (RecordsetImpl* set : sets)
+        set->Close();
+    DropPlans();
+    m_dataVersion.Finish();
+    m_schemaVersion.Finish();
+    if (m_commits)
+        m_commits->Abandon();
+    m_keys.reset();
+    m_catalog.reset();
+    m_counters.reset();
+    [[maybe_unused]] const int code = sqlite3_close(std::exchange(m_db, nullptr));
+    Q_ASSERT(code == SQLITE_OK); // a statement left open
+    m_registered.reset();
+}
+
+// ---- plans ----
+
+BoundPlan Connection::PlanOf(const QString& text, sql::Purpose purpose) {
+    BoundPlan bound;
+    bound.scanned = sql::Scan(text);
+    auto& plans = purpose == sql::Purpose::Execute ? m_actions : m_queries;
+    if (bound.scanned.cacheable)
+        bound.cached = plans.value(bound.scanned.shape);
+    if (!bound.cached) {
+        bound.cached = std::make_shared<CachedPlan>();
+        bound.cached->plan = sql::Translate(bound.scanned, *m_catalog, purpose);
+        const sql::Verb verb = bound.cached->plan.verb;
+        const bool pivots = !bound.cached->plan.headingsText.isEmpty();
+        if (pivots) {
+            const auto headings = ReadHeadings(bound);
+            bound.cached->plan = sql::Translate(bound.scanned, *m_catalog, purpose, &headings);
+        }
+        if (bound.scanned.cacheable && !pivots && verb != sql::Verb::Schema &&
+            verb != sql::Verb::SelectInto) {
+            if (plans.size() >= maxPlans)
+                EvictPlan(plans);
+            plans.insert(bound.scanned.shape, bound.cached);
+        }
+    }
+    bound.cached->lastUse = ++m_useCount;
+    return bound;
+}
+
+/// The columns of a TRANSFORM, which the rows tell at each opening.
+std::vector<sql::Heading> Connection::ReadHeadings(const BoundPlan& bound) {
+    const sql::Plan& plan = bound.cached->plan;
+    Statement statement;
+    Prepare(statement, plan.headingsText, Statement::Lifetime::Once);
+    std::vector<Value> values;
+    const ResetGuard guard(statement);
+    Bind(statement, 1, plan.parameters, bound.scanned.literals, values);
+    std::vector<sql::Heading> headings;
+    int code = 0;
+    while ((code = statement.Step()) == SQLITE_ROW)
+        headings.push_back({statement.Text(0), statement.Text(1)});
+    if (code != SQLITE_DONE)
+        RaiseRead(code);
+    return headings;
+}
+
+void Connection::EvictPlan(QHash<QString, std::shared_ptr<CachedPlan>>& plans) const {
+    auto oldest = plans.begin();
+    for (auto plan = plans.begin(); plan != plans.end(); ++plan)
+        if ((*plan)->lastUse < (*oldest)->lastUse)
+            oldest = plan;
+    plans.erase(oldest);
+}
+
+void Connection::DropPlans() noexcept {
+    m_queries.clear();
+    m_actions.clear();
+}
+
+void Connection::Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime) {
+    if (statement)
+        return;
+    if (const int code = statement.Prepare(m_db, text, lifetime); code != SQLITE_OK)
+        RaiseRead(code);
+}
+
+void Connection::RaiseRead(int code) {
+    const auto failure = FailureFrom(m_db, code, Doing::Read, m_path);
+    m_commits->StatementFailed(failure); // some failures of a query take a transaction along
+    throw runtime::Failure(failure);
+}
+
+void Connection::Bind(Statement& statement, int firstPlace, const std::vector<sql::Parameter>& parameters,
+                      const std::vector<Value>& literals, std::vector<Value>& values) {
+    values.reserve(values.size() + parameters.size()); // what is bound must not move
+    int place = firstPlace;
+    for (const sql::Parameter& parameter : parameters) {
+        const Value& literal = literals[static_cast<std::size_t>(parameter.literal)];
+        const Value* value = &literal;
+        if (parameter.column && !FitsAsItIs(literal, *parameter.column)) {
+            const ColumnInfo& column = *parameter.column;
+            values.push_back(functions::ToColumn(literal, column.type, column.size, column.name));
+            value = &values.back();
+        }
+        if (statement.Bind(place++, *value) == SQLITE_NOMEM)
+            throw std::bad_alloc();
+    }
+}
+
+std::optional<KeyIndexes::Rows> Connection::Candidates(const BoundPlan& bound) {
+    const sql::Plan& plan = bound.cached->plan;
+    const TableInfo* table = plan.keys.empty() ? nullptr : m_catalog->FindTable(plan.keyTable);
+    if (table == nullptr)
+        return std::nullopt;
+    return m_keys->Find(*table, plan.keys, bound.scanned.literals);
+}
+
+// ---- queries ----
+
+std::shared_ptr<RecordsetImpl> Connection::OpenRecordset(const QString& text,
+                                                         const std::function<bool()>& stop) {
+    CheckOpen();
+    FindAgain();
+    const Stoppable stoppable(m_db, stop);
+    try {
+        LookAround();
+        for (bool again = false;; again = true) {
+            try {
+                return Read(PlanOf(text, sql::Purpose::OpenRecordset));
+            } catch (const runtime::Failure&) {
+                CheckFile();
+                if (again || !NoticeOthers())
+                    throw;
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        throw MemoryFailure();
+    }
+}
+
+std::shared_ptr<RecordsetImpl> Connection::Read(const BoundPlan& bound) {
+    if (const auto rows = Candidates(bound)) {
+        auto set = ReadRows(bound, rows);
+        if (!MetOthers()) // the index would know nothing of what they have changed
+            return set;
+    }
+    return ReadRows(bound, std::nullopt);
+}
+
+std::shared_ptr<RecordsetImpl> Connection::ReadRows(const BoundPlan& bound,
+                                                    const std::optional<KeyIndexes::Rows>& rows) {
+    CachedPlan& cached = *bound.cached;
+    const Form form = FormFor(cached, rows, true);
+    Statement& statement = form.statement;
+    Prepare(statement, form.text, Statement::Lifetime::Kept);
+    auto set = std::make_shared<RecordsetImpl>(*this, bound);
+    std::vector<Value> values;
+    const ResetGuard guard(statement);
+    Bind(statement, 1, cached.plan.parameters, bound.scanned.literals, values);
+    QString list;
+    if (rows)
+        BindRows(form, static_cast<int>(cached.plan.parameters.size()) + 1, *rows, list);
+    int code = 0;
+    while ((code = statement.Step()) == SQLITE_ROW)
+        set->Rows().Add(statement);
+    if (code != SQLITE_DONE)
+        RaiseRead(code);
+    set->Start();
+    return set;
+}
+
+// ---- actions ----
+
+void Connection::Execute(const QString& text, bool failOnError) {
+    CheckOpen();
+    FindAgain();
+    m_affected = 0;
+    if (m_rulesAreOff) {
+        Pragma("PRAGMA ignore_check_constraints = OFF");
+        m_rulesAreOff = false;
+    }
+    try {
+        LookAround();
+        for (bool again = false;; again = true) {
+            // Its tables may be gone too, which would read like a mistake in the statement.
+            m_commits->RaiseLoss();
+            try {
+                return Run(PlanOf(text, sql::Purpose::Execute), failOnError);
+            } catch (const runtime::Failure&) {
+                CheckFile();
+                if (again || !NoticeOthers())
+                    throw;
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        throw MemoryFailure();
+    }
+}
+
+void Connection::Run(const BoundPlan& bound, bool failOnError) {
+    switch (bound.cached->plan.verb) {
+    case sql::Verb::Schema:
+        return RunSchema(bound.cached->plan.change);
+    case sql::Verb::SelectInto:
+        return RunSelectInto(bound);
+    default:
+        return RunAction(bound, failOnError);
+    }
+}
+
+void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
+    const sql::Plan& plan = bound.cached->plan;
+    if (m_readOnly)
+        RaiseEngine(NotUpdatable);
+    if (m_commits->BeforeWrite(Doing::Write, plan.target) && NoticeOthers())
+        return Execute(bound.scanned.text, failOnError); // the plan is out of date
+    try {
+        Perform(bound, failOnError);
+    } catch (const runtime::Failure& failure) {
+        m_commits->StatementFailed(failure);
+        throw;
+    } catch (...) {
+        m_commits->StatementFailed(MemoryFailure());
+        throw;
+    }
+    m_commits->StatementDone();
+}
+
+void Connection::Perform(const BoundPlan& bound, bool failOnError) {
+    CachedPlan& cached = *bound.cached;
+    const sql::Plan& plan = cached.plan;
+    const auto rows = Candidates(bound);
+    if (rows && rows->empty())
+        return;
+    const Form form = FormFor(cached, rows, failOnError);
+    Statement& statement = form.statement;
+    Prepare(statement, form.text, Statement::Lifetime::Kept);
+    QString list;
+    std::vector<Value> values;
+    std::optional<runtime::Failure> refused;
+    const ResetGuard guard(statement);
+    if (!BindAction(statement, bound, failOnError, values, refused))
+        return; // the only row is left out
+    if (rows)
+        BindRows(form, static_cast<int>(plan.parameters.size()) + 1, *rows, list);
+    int code = StepAction(statement, plan);
+    if ((code & 0xff) == SQLITE_MISMATCH && !failOnError)
+        code = SQLITE_DONE; // a key without a value: SQLite leaves the statement out, not the row alone
+    const bool done = code == SQLITE_DONE;
+    if (!done && !refused)
+        refused = FailureFrom(m_db, code, Doing::Write, m_path, plan.target);
+    NoteInsert(plan, (code & 0xff) == SQLITE_CONSTRAINT || (done && !failOnError && m_affected == 0));
+    if (done)
+        return;
+    throw runtime::Failure(*refused);
+}
+
+bool Connection::BindAction(Statement& statement, const BoundPlan& bound, bool failOnError,
+                            std::vector<Value>& values, std::optional<runtime::Failure>& refused) const {
+    const sql::Plan& plan = bound.cached->plan;
+    values.reserve(plan.parameters.size());
+    for (std::size_t at = 0; at < plan.parameters.size(); ++at) {
+        const sql::Parameter& parameter = plan.parameters[at];
+        const Value& literal = bound.scanned.literals[static_cast<std::size_t>(parameter.literal)];
+        const Value* value = &literal;
+        if (parameter.column && !FitsAsItIs(literal, *parameter.column)) {
+            const ColumnInfo& column = *parameter.column;
+            try {
+                values.push_back(functions::ToColumn(literal, column.type, column.size, column.name));
+            } catch (const runtime::Failure& failure) {
+                const bool tooLong = failure.number() == ValueTooLong;
+                if (plan.verb == sql::Verb::Insert && failOnError)
+                    throw;
+                if (plan.verb == sql::Verb::Insert && tooLong)
+                    return false;
+                if (failOnError && !refused)
+                    refused = failure;
+                values.push_back(failOnError || tooLong ? RefusedValue(column) : Value());
+            }
+            value = &values.back();
+        }
+        if (statement.Bind(static_cast<int>(at) + 1, *value) == SQLITE_NOMEM)
+            throw std::bad_alloc();
+    }
+    return true;
+}
+
+int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
+    if (plan.verb == sql::Verb::Insert)
+        if (const int code = m_counters->BeforeInsert(plan.target); code != SQLITE_OK)
+            return code;
+    m_commits->CheckAlive();
+    const int code = statement.Step();
+    if (code == SQLITE_DONE)
+        m_affected = static_cast<int>(
+            std::min<sqlite3_int64>(sqlite3_changes64(m_db), std::numeric_limits<int>::max()));
+    if (m_affected > 0) {
+        ++m_changes;
+        ++m_tableChanges[plan.target];
+    }
+    if (plan.deletesAll)
+        m_keys->DropTable(plan.target);
+    return code;
+}
+
+void Connection::NoteInsert(const sql::Plan& plan, bool leftOut) {
+    const Layout* layout = plan.verb == sql::Verb::Insert ? m_catalog->FindLayout(plan.target) : nullptr;
+    if (layout == nullptr || layout->info.CounterColumn() < 0)
+        return;
+    if (m_affected > 0)
+        m_counters->Inserted(plan.target, sqlite3_last_insert_rowid(m_db));
+    else if (leftOut && !plan.setsCounter)
+        m_counters->Failed(plan.target);
+}
+
+// ---- schema ----
+
+template <class Work>
+void Connection::ChangeSchema(const QString& table, Work work) {
+    if (m_readOnly)
+        RaiseEngine(ReadOnly);
+    const auto reads = [&](const RecordsetImpl* set) {
+        return functions::CompareFolded(set->Table(), table) == 0;
+    };
+    if (std::ranges::any_of(m_sets, reads))
+        RaiseEngine(TableInUse, table);
+    if (m_commits->BeforeWrite(Doing::Define, table))
+        NoticeOthers();
+    m_commits->CheckAlive();
+    const auto run = [this](const char* text) { return sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); };
+    const auto takeBack = [&](const runtime::Failure& failure) {
+        if (sqlite3_get_autocommit(m_db) == 0)
+            run("ROLLBACK TO definition; RELEASE definition");
+        Forget();
+        m_commits->StatementFailed(failure);
+    };
+    if (const int code = run("SAVEPOINT definition"); code != SQLITE_OK) {
+        const auto failure = FailureFrom(m_db, code, Doing::Define, m_path, table);
+        m_commits->StatementFailed(failure);
+        throw runtime::Failure(failure);
+    }
+    try {
+        SchemaEditor editor(m_db, m_path, *m_catalog, *m_counters, m_rulesAreOff);
+        work(editor);
+        m_commits->CheckAlive();
+        if (const int code = run("RELEASE definition"); code != SQLITE_OK)
+            throw FailureFrom(m_db, code, Doing::Define, m_path, table);
+    } catch (const runtime::Failure& failure) {
+        takeBack(failure);
+        throw;
+    } catch (...) {
+        takeBack(MemoryFailure());
+        throw;
+    }
+    Forget();
+    m_commits->StatementDone();
+}
+
+void Connection::RunSchema(const SchemaChange& change) {
+    ChangeSchema(change.table.name, [&](SchemaEditor& editor) { editor.Apply(change); });
+}
+
+void Connection::RunSelectInto(const BoundPlan& bound) {
+    const sql::Plan& plan = bound.cached->plan;
+    ChangeSchema(plan.intoTable.name, [&](SchemaEditor& editor) {
+        editor.CreateTable(plan.intoTable);
+        Statement statement;
+        Prepare(statement, plan.text, Statement::Lifetime::Once);
+        std::vector<Value> values;
+        const ResetGuard guard(statement);
+        Bind(statement, 1, plan.parameters, bound.scanned.literals, values);
+        if (const int code = statement.Step(); code != SQLITE_DONE)
+            throw FailureFrom(m_db, code, Doing::Write, m_path, plan.intoTable.name);
+        m_affected = static_cast<int>(sqlite3_changes64(m_db));
+    });
+}
+
+void Connection::SetAllowZeroLength(const QString& table, const QString& column, bool allow) {
+    CheckOpen();
+    try {
+        const Layout* layout = Tables().FindLayout(table);
+        const int place = layout == nullptr ? -1 : layout->info.Find(column);
+        if (place < 0)
+            RaiseEngine(ItemNotFound);
+        const ColumnInfo& info = layout->info.columns[static_cast<std::size_t>(place)];
+        if (info.type != DataType::Text && info.type != DataType::Memo)
+            RaiseEngine(InvalidOperation);
+        if (info.allowZeroLength != allow)
+            ChangeSchema(layout->info.name,
+                         [&](SchemaEditor& editor) { editor.SetAllowZeroLength(table, column, allow); });
+    } catch (const std::bad_alloc&) {
+        throw MemoryFailure();
+    }
+}
+
+// ---- changes ----
+
+const FileCatalog& Connection::Tables() {
+    CheckOpen();
+    FindAgain();
+    LookAround();
+    return *m_catalog;
+}
+
+std::uint64_t Connection::ChangeCount(const QString& table) {
+    LookAround();
+    return table.isEmpty() ? m_changes : m_upheavals + m_tableChanges.value(table);
+}
+
+void Connection::NoteUpheaval() noexcept {
+    ++m_upheavals;
+    ++m_changes;
+}
+
+std::int64_t Connection::ReadNumber(Statement& statement, QStringView pragma) const {
+    if (!statement && statement.Prepare(m_db, pragma, Statement::Lifetime::Kept) != SQLITE_OK)
+        return -1;
+    const ResetGuard guard(statement);
+    return statement.Step() == SQLITE_ROW ? statement.Number(0) : -1;
+}
+
+void Connection::LookAround() {
+    m_commits->CommitDueGroup();
+    if (m_commits->HoldsLock() || GroupClock::Now() - m_lastLook < lookInterval)
+        return;
+    CheckFile();
+    NoticeOthers();
+}
+
+int Connection::LookAtFile() {
+    const int code = StateOfFile();
+    m_isLost = code != SQLITE_OK;
+    return code;
+}
+
+int Connection::StateOfFile() const {
+    const auto identity = runtime::IdentityOf(m_file);
+    if (!identity)
+        return SQLITE_READONLY_DBMOVED;
+    if (identity != m_identity)
+        return SQLITE_NOTADB;
+    // By SQLite's own handle: closing another one would drop its locks.
+    sqlite3_file* const file = FileOf(m_db);
+    std::array<char, headerSize> header{};
+    const int code = file->pMethods->xRead(file, header.data(), headerSize, 0);
+    if (code != SQLITE_OK && code != SQLITE_IOERR_SHORT_READ)
+        return code;
+    if (!IsHeaderOfOurs(header) || (!m_commits->HoldsLock() && JournalNamesAFile(m_journal)))
+        return SQLITE_NOTADB;
+    return SQLITE_OK;
+}
+
+void Connection::CheckFile() {
+    const int code = LookAtFile();
+    if (code == SQLITE_OK)
+        return;
+    if (!m_commits->HoldsLock()) { // what was read of the file meanwhile tells nothing
+        Forget();
+        sqlite3_db_release_memory(m_db);
+    }
+    throw FailureFrom(m_db, code, Doing::Read, m_path);
+}
+
+void Connection::FindAgain() {
+    if (!m_isLost || m_commits->HoldsLock() || m_commits->Depth() > 0)
+        return;
+    if (LookAtFile() == SQLITE_OK || !HasCopyInItsPlace())
+        return;
+    { const Connection trial(m_path); } // raises what is wrong with it
+    Shut();
+    Open();
+    NoteUpheaval();
+    m_isLost = false;
+}
+
+/// Whether another file with the very bytes of the one that was opened stands there now.
+bool Connection::HasCopyInItsPlace() const {
+    if (!QFileInfo(m_file).isFile() || runtime::OpenDatabaseFile::Holds(m_file))
+        return false;
+    QFile copy(m_file);
+    sqlite3_file* const file = FileOf(m_db);
+    sqlite3_int64 size = 0;
+    if (!copy.open(QIODevice::ReadOnly) || file->pMethods->xFileSize(file, &size) != SQLITE_OK ||
+        copy.size() != size)
+        return false;
+    QByteArray ours(1 << 16, Qt::Uninitialized);
+    for (sqlite3_int64 at = 0; at < size; at += ours.size()) {
+        const QByteArray theirs = copy.read(ours.size());
+        if (theirs.isEmpty() ||
+            file->pMethods->xRead(file, ours.data(), static_cast<int>(theirs.size()), at) != SQLITE_OK ||
+            QByteArrayView(ours).first(theirs.size()) != theirs)
+            return false;
+    }
+    return true;
+}
+
+bool Connection::NoticeOthers() {
+    m_lastLook = GroupClock::Now();
+    LockWait::Allow(m_db, false); // the statement itself waits, and once is enough
+    const std::int64_t data = ReadNumber(m_dataVersion, u"PRAGMA data_version");
+    LockWait::Allow(m_db, true);
+    m_seenPager = PagerVersion();
+    if (data == m_seenData || data < 0)
+        return false;
+    m_seenData = data;
+    m_keys->Drop();
+    NoteUpheaval();
+    const std::int64_t schema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
+    if (schema != m_seenSchema) {
+        DropPlans();
+        m_catalog->Drop();
+    }
+    m_seenSchema = schema;
+    return true;
+}
+
+bool Connection::MetOthers() {
+    return PagerVersion() != m_seenPager && NoticeOthers();
+}
+
+/// Grows with each commit that this connection has made or met.
+std::uint32_t Connection::PagerVersion() const {
+    std::uint32_t version = 0;
+    sqlite3_file_control(m_db, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    return version;
+}
+
+/// What is known of the file is true no more.
+void Connection::Forget() noexcept {
+    m_keys->Drop();
+    m_catalog->Drop();
+    DropPlans();
+    m_seenSchema = -1;
+    NoteUpheaval();
+}
+
+void Connection::Undone() noexcept {
+    m_counters->Undone();
+    Forget();
+}
+
+} // namespace engine

@@ -1,0 +1,36 @@
+#include "platform/engine/schema/Names.h"
+
+#include <algorithm>
+
+namespace engine {
+
+std::optional<std::string> Capitals(QStringView word, std::size_t longest) {
+    if (static_cast<std::size_t>(word.size()) > longest)
+        return {};
+    std::string text;
+    for (const QChar c : word) {
+        if (c.unicode() >= 0x80)
+            return {};
+        text +=
+            static_cast<char>(c.unicode() >= u'a' && c.unicode() <= u'z' ? c.unicode() - 0x20 : c.unicode());
+    }
+    return text;
+}
+
+bool IsValidName(QStringView name) {
+    constexpr qsizetype longestName = 64;
+    const auto forbidden = [](QChar c) { return QStringView(u".![]`").contains(c) || c.unicode() < u' '; };
+    return name.size() <= longestName && !name.startsWith(u' ') && std::ranges::none_of(name, forbidden);
+}
+
+bool SameName(QStringView a, QStringView b) {
+    return a.size() == b.size() && a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+QString QuoteName(QStringView name) {
+    QString quoted = name.toString();
+    quoted.replace(u'"', QLatin1String("\"\""));
+    return u'"' + quoted + u'"';
+}
+
+} // namespace engine

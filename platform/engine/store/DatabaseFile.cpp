@@ -1,0 +1,259 @@
+#include "platform/engine/store/DatabaseFile.h"
+
+#include "platform/engine/EngineError.h"
+#include "platform/runtime/DiskSync.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QtEndian>
+#include <sqlite3.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace engine {
+
+namespace {
+
+constexpr int applicationIdOffset = 68;
+constexpr auto sqliteMagic = QByteArrayView("SQLite format 3\0", 16);
+
+std::filesystem::path FilePath(const QString& path) {
+    return {path.toStdU16String()};
+}
+
+void CheckFolder(const QString& path) {
+    if (path.trimmed().isEmpty() || path.contains(QChar::Null))
+        RaiseEngine(InvalidPath, path);
+    std::error_code error;
+    const auto folder = std::filesystem::absolute(FilePath(path), error).parent_path();
+    if (error || !std::filesystem::is_directory(folder, error)) {
+        if (error == std::errc::permission_denied)
+            RaiseEngine(CannotOpenFile, path);
+        RaiseEngine(InvalidPath, path);
+    }
+}
+
+// The older formats of this engine's family begin alike: a mark, then 0 for the format before the last.
+bool IsOlderFormat(QByteArrayView header) {
+    return header.size() > 20 && header.sliced(4).startsWith("Standard ") &&
+           header.sliced(16, 4) == QByteArrayView(" DB\0", 4) && header[20] == 0;
+}
+
+QByteArray ReadHeader(const QString& path) {
+    QFile file(path);
+#ifdef Q_OS_UNIX
+    // Never waits, whatever kind of file takes the place between the look at it and here.
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0)
+        RaiseEngine(errno == ENOENT ? FileNotFound : CannotOpenFile, path);
+    if (!file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        RaiseEngine(CannotOpenFile, path);
+    }
+#else
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        RaiseEngine(CannotOpenFile, path);
+#endif
+    QByteArray header = file.read(headerSize);
+    if (header.isEmpty() && file.error() != QFileDevice::NoError)
+        RaiseEngine(DiskOrNetworkFailure);
+    return header;
+}
+
+constexpr auto TemporaryFiles = ".zavelik-%1.new";
+
+/// Much longer than the making of a file takes: what has not been written to for that long was left by a
+/// crash.
+constexpr int staleAfterHours = 24;
+
+void RemoveStale(const QDir& folder) {
+    const QString pattern = QLatin1String(TemporaryFiles).arg(u'*');
+    const QDateTime limit = QDateTime::currentDateTimeUtc().addSecs(-staleAfterHours * 3600);
+    for (const QFileInfo& file : folder.entryInfoList({pattern, pattern + QStringLiteral("-journal")},
+                                                      QDir::Files | QDir::Hidden | QDir::NoSymLinks)) {
+        if (file.lastModified() < limit)
+            QFile::remove(file.filePath());
+    }
+}
+
+struct CloseDatabase {
+    void operator()(sqlite3* db) const { sqlite3_close(db); }
+};
+
+[[noreturn]] void RaiseMemory() {
+    runtime::Raise(runtime::OutOfMemory);
+}
+
+// The bytes of an empty database. A table that comes and goes makes SQLite write the text form into the
+// header.
+QByteArray EmptyImage() {
+    sqlite3* opened = nullptr;
+    const int code = sqlite3_open_v2(
+        ":memory:", &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY, nullptr);
+    const std::unique_ptr<sqlite3, CloseDatabase> db(opened);
+    if (code != SQLITE_OK)
+        RaiseMemory();
+    const QByteArray script =
+        "PRAGMA page_size = 4096; PRAGMA encoding = 'UTF-16le'; PRAGMA application_id = " +
+        QByteArray::number(applicationId) + "; CREATE TABLE t (c); DROP TABLE t; VACUUM;";
+    if (sqlite3_exec(db.get(), script.constData(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        RaiseMemory();
+    sqlite3_int64 size = 0;
+    const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
+        sqlite3_serialize(db.get(), "main", &size, 0), &sqlite3_free);
+    if (!bytes)
+        RaiseMemory();
+    return {reinterpret_cast<const char*>(bytes.get()), static_cast<qsizetype>(size)};
+}
+
+} // namespace
+
+void CheckDatabaseFile(const QString& path) {
+    CheckFolder(path);
+    std::error_code error;
+    const auto status = std::filesystem::status(FilePath(path), error);
+    switch (status.type()) {
+    case std::filesystem::file_type::regular:
+        break;
+    case std::filesystem::file_type::not_found:
+        RaiseEngine(error == std::errc::not_a_directory ? InvalidPath : FileNotFound, path);
+    case std::filesystem::file_type::directory:
+        RaiseEngine(InvalidPath, path);
+    case std::filesystem::file_type::none:
+    case std::filesystem::file_type::unknown:
+        RaiseEngine(error == std::errc::permission_denied ? CannotOpenFile : InvalidPath, path);
+    default:
+        RaiseEngine(UnrecognisedFormat, path);
+    }
+    const QByteArray header = ReadHeader(path);
+    if (IsOlderFormat(header))
+        RaiseEngine(OlderFormat);
+    if (!IsHeaderOfOurs(header))
+        RaiseEngine(UnrecognisedFormat, path);
+}
+
+bool IsHeaderOfOurs(QByteArrayView bytes) {
+    return bytes.size() == headerSize && bytes.startsWith(sqliteMagic) &&
+           qFromBigEndian<qint32>(bytes.data() + applicationIdOffset) == applicationId;
+}
+
+// The name stands at the end, followed by its length, the sum of its bytes and a mark. SQLite adds the bytes
+// as the machine's char has them, with a sign or without.
+bool JournalNamesAFile(const QString& journal) {
+    constexpr qint64 tailSize = 16;
+    constexpr qint64 longestName = 1 << 16; // SQLite itself passes over names that are much shorter
+    constexpr auto mark = QByteArrayView("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8);
+    QFile file(journal);
+    if (!QFileInfo(journal).isFile() || !file.open(QIODevice::ReadOnly) || !file.seek(file.size() - tailSize))
+        return false;
+    const QByteArray tail = file.read(tailSize);
+    if (tail.size() != tailSize || !tail.endsWith(mark))
+        return false;
+    const auto length = qFromBigEndian<quint32>(tail.constData());
+    const auto sum = qFromBigEndian<quint32>(tail.constData() + sizeof length);
+    if (length == 0 || length > longestName || !file.seek(file.size() - tailSize - length))
+        return false;
+    quint32 withSign = 0;
+    quint32 without = 0;
+    for (const char byte : file.read(length)) {
+        withSign += static_cast<quint32>(static_cast<signed char>(byte));
+        without += static_cast<unsigned char>(byte);
+    }
+    return sum == withSign || sum == without;
+}
+
+QString TemporaryName(const QString& folder) {
+    const quint64 number = QRandomGenerator::global()->generate64();
+    return QDir(folder).filePath(
+        QLatin1String(TemporaryFiles).arg(QStringLiteral("%1").arg(number, 16, 16, QLatin1Char('0'))));
+}
+
+bool RemoveJournals(const QString& path, runtime::Disk& disk) {
+    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+        const QString file = QFileInfo(path).absoluteFilePath() + QLatin1String(suffix);
+        if (runtime::Stands(file) && (runtime::FileMark::IsLocked(file) || disk.Remove(file)))
+            return false;
+    }
+    return true;
+}
+
+void CheckDisk(const std::error_code& error, const QString& path) {
+    if (!error)
+        return;
+    if (runtime::IsDiskFull(error))
+        RaiseEngine(DiskFull);
+    if (error == std::errc::file_exists)
+        RaiseEngine(DatabaseExists, path);
+    for (const auto name : {std::errc::filename_too_long, std::errc::invalid_argument})
+        if (error == name)
+            RaiseEngine(InvalidPath, path);
+    for (const auto right :
+         {std::errc::permission_denied, std::errc::operation_not_permitted, std::errc::read_only_file_system})
+        if (error == right)
+            RaiseEngine(CannotOpenFile, path);
+    RaiseEngine(DiskOrNetworkFailure);
+}
+
+NewFile::NewFile(QString path, std::shared_ptr<const runtime::OldFile> old)
+    : m_path(std::move(path))
+    , m_old(std::move(old)) {
+    CheckFolder(m_path);
+    m_name = QFileInfo(m_path).absoluteFilePath();
+    Replaces();
+    std::error_code error;
+    runtime::Stands(m_name + QStringLiteral("-journal"), error);
+    if (error == std::errc::filename_too_long) // it could never be written to
+        RaiseEngine(InvalidPath, m_path);
+    const QString folder = runtime::FolderOf(m_name);
+    RemoveStale(QDir(folder));
+    m_file = TemporaryName(folder);
+    CheckDisk(runtime::Disk::Current().Write(m_file, EmptyImage()), m_path);
+    m_identity = runtime::IdentityOf(m_file).value_or(runtime::FileIdentity());
+}
+
+NewFile::~NewFile() {
+    if (m_file != m_name)
+        Remove();
+}
+
+bool NewFile::Replaces() const {
+    const bool replaces = m_old && m_old->Stands();
+    if (!replaces && runtime::Stands(m_name))
+        RaiseEngine(DatabaseExists, m_path);
+    return replaces;
+}
+
+void NewFile::GiveName() {
+    if (m_file == m_name)
+        return;
+    runtime::Disk& disk = runtime::Disk::Current();
+    CheckDisk(disk.Sync(m_file), m_path);
+    const bool replaces = Replaces();
+    if (!RemoveJournals(m_name))
+        RaiseEngine(CannotOpenFile, m_path);
+    CheckDisk(replaces ? disk.Rename(m_file, m_name) : disk.Name(m_file, m_name), m_path);
+    m_file = m_name;
+    CheckDisk(disk.Sync(runtime::FolderOf(m_name)), m_path);
+}
+
+void NewFile::Remove() noexcept {
+    if (runtime::IdentityOf(m_file) != m_identity)
+        return;
+    runtime::Disk::Current().Remove(m_file);
+    RemoveJournals(m_file);
+}
+
+} // namespace engine

@@ -24,24 +24,6 @@ bool SameNumber(const RowBuffer::Cell& cell, const Value& literal) {
     return fraction != nullptr && value == *fraction;
 }
 
-bool BindCell(Statement& statement, int place, const RowBuffer::Cell& cell) {
-    sqlite3_stmt* handle = statement.Handle();
-    switch (cell.kind) {
-    case RowBuffer::Cell::Integer:
-        return statement.BindNumber(place, cell.integer) == SQLITE_OK;
-    case RowBuffer::Cell::Real:
-        return sqlite3_bind_double(handle, place, cell.real) == SQLITE_OK;
-    case RowBuffer::Cell::Text:
-        return statement.BindText(place, cell.text) == SQLITE_OK;
-    case RowBuffer::Cell::Bytes:
-        return sqlite3_bind_blob64(handle, place, cell.bytes.data(),
-                                   static_cast<sqlite3_uint64>(cell.bytes.size()),
-                                   SQLITE_STATIC) == SQLITE_OK;
-    default:
-        return sqlite3_bind_null(handle, place) == SQLITE_OK;
-    }
-}
-
 } // namespace
 
 Finder::Finder(Connection& connection, const RowBuffer& rows, const std::vector<sql::ResultColumn>& columns)
@@ -145,10 +127,9 @@ bool Finder::IsTrue(Search& search, std::size_t row, const std::vector<Value>& l
     m_connection.Prepare(search.truth, search.plan.text, Statement::Lifetime::Kept);
     const ResetGuard guard(search.truth);
     const int columns = static_cast<int>(m_columns.size());
-    const int wanted = sqlite3_bind_parameter_count(search.truth.Handle());
+    const int wanted = search.truth.ParameterCount();
     for (int column = 0; column < columns && column < wanted; ++column)
-        if (!BindCell(search.truth, column + 1, m_rows.At(row, column)))
-            throw std::bad_alloc();
+        search.truth.Bind(column + 1, m_rows.At(row, column));
     std::vector<Value> values;
     Connection::Bind(search.truth, columns + 1, search.plan.parameters, literals, values);
     const int code = search.truth.Step();

@@ -1,13 +1,8 @@
 #include "platform/engine/jet4/RowCopy.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/functions/Functions.h"
 #include "platform/engine/schema/FileCatalog.h"
 #include "platform/engine/schema/Names.h"
-#include "platform/engine/store/SqliteFailure.h"
-
-#include <QFile>
-#include <sqlite3.h>
 
 #include <utility>
 
@@ -60,74 +55,42 @@ QString InsertText(const Table& table, const CopiedColumns& columns, std::size_t
            values.join(u',');
 }
 
-bool Equals(const Statement& statement, int column, const Value& value) {
-    sqlite3_stmt* row = statement.Handle();
-    const int type = sqlite3_column_type(row, column);
-    if (const auto* text = value.As<QString>()) {
-        if (type != SQLITE_TEXT)
-            return false;
-        const auto* found = static_cast<const char16_t*>(sqlite3_column_text16(row, column));
-        return QStringView(found, sqlite3_column_bytes16(row, column) / 2) == *text;
-    }
+bool Equals(const Cell& cell, const Value& value) {
+    const auto isWhole = [&](std::int64_t number) {
+        return cell.kind == Cell::Integer && cell.integer == number;
+    };
+    if (const auto* text = value.As<QString>())
+        return cell.kind == Cell::Text && cell.text == *text;
     if (const auto* whole = value.As<std::int64_t>())
-        return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == *whole;
+        return isWhole(*whole);
     if (const auto* amount = value.As<Money>())
-        return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == amount->units;
+        return isWhole(amount->units);
     if (const auto* truth = value.As<bool>())
-        return type == SQLITE_INTEGER && sqlite3_column_int64(row, column) == (*truth ? 1 : 0);
+        return isWhole(*truth ? 1 : 0);
     if (const auto* number = value.As<double>())
-        return type == SQLITE_FLOAT && sqlite3_column_double(row, column) == *number;
+        return cell.kind == Cell::Real && cell.real == *number;
     if (const auto* bytes = value.As<QByteArray>())
-        return type == SQLITE_BLOB &&
-               QByteArrayView(static_cast<const char*>(sqlite3_column_blob(row, column)),
-                              sqlite3_column_bytes(row, column)) == *bytes;
-    return type == SQLITE_NULL;
+        return cell.kind == Cell::Bytes && cell.bytes == *bytes;
+    return cell.kind == Cell::Null;
 }
 
 } // namespace
 
 RowCopy::RowCopy(const QString& file, const Reader& reader, QString path)
-    : m_reader(reader)
+    : m_db(file, path)
+    , m_reader(reader)
     , m_path(std::move(path)) {
-    const int code =
-        sqlite3_open_v2(QFile::encodeName(file).constData(), &m_db,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
-    try {
-        if (code != SQLITE_OK)
-            Raise(code);
-        functions::RegisterCollations(m_db);
-        functions::RegisterFunctions(m_db);
-        // The rules of a column are newer than the rows: an empty text in a column that refuses it is kept.
-        for (const char* pragma :
-             {"PRAGMA locking_mode = EXCLUSIVE", "PRAGMA journal_mode = OFF", "PRAGMA synchronous = OFF",
-              "PRAGMA cache_size = -16000", "PRAGMA ignore_check_constraints = ON"})
-            Run(pragma);
-    } catch (...) {
-        sqlite3_close(m_db);
-        throw;
-    }
-}
-
-RowCopy::~RowCopy() {
-    sqlite3_close(m_db);
-}
-
-void RowCopy::Raise(int code) {
-    if ((code & 0xFF) == SQLITE_CONSTRAINT)
-        RaiseEngine(CannotOpenDatabase, m_path);
-    throw FailureFrom(m_db, code, Doing::Write, m_path);
-}
-
-void RowCopy::Run(const char* text) {
-    if (const int code = sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); code != SQLITE_OK)
-        Raise(code);
+    // The rules of a column are newer than the rows: an empty text in a column that refuses it is kept.
+    m_db.Run("PRAGMA locking_mode = EXCLUSIVE; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = OFF; "
+             "PRAGMA cache_size = -16000; PRAGMA ignore_check_constraints = ON",
+             Doing::Copy);
 }
 
 void RowCopy::CopyAll(const std::vector<Table>& tables) {
-    Run("BEGIN");
+    m_db.Run("BEGIN", Doing::Copy);
     for (const Table& table : tables)
         Copy(table);
-    Run("COMMIT");
+    m_db.Run("COMMIT", Doing::Copy);
 }
 
 void RowCopy::CompareAll(const std::vector<Table>& tables) {
@@ -135,14 +98,9 @@ void RowCopy::CompareAll(const std::vector<Table>& tables) {
         Compare(table);
 }
 
-void RowCopy::Prepare(Statement& statement, const QString& text) {
-    if (const int code = statement.Prepare(m_db, text, Statement::Lifetime::Kept); code != SQLITE_OK)
-        Raise(code);
-}
-
 // Many rows go into one statement: what SQLite does once for each statement weighs as much as a row.
 void RowCopy::Copy(const Table& table) {
-    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db, m_path));
+    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db.Handle(), m_path));
     if (columns.places.empty())
         return;
     constexpr std::size_t mostRows = 50;
@@ -153,14 +111,14 @@ void RowCopy::Copy(const Table& table) {
     std::size_t prepared = 0;
     const auto write = [&] {
         if (rows.size() != std::exchange(prepared, rows.size()))
-            Prepare(insert, InsertText(table, columns, rows.size()));
+            insert = Statement(m_db, InsertText(table, columns, rows.size()), Doing::Copy, {},
+                               Statement::Lifetime::Kept);
         int parameter = 0;
         for (const std::vector<Value>& values : rows) {
             for (const std::size_t place : columns.places)
                 insert.Bind(++parameter, values[place]);
         }
-        if (const int code = insert.Step(); code != SQLITE_DONE)
-            Raise(code);
+        insert.Next();
         insert.Reset();
         rows.clear();
         bytes = 0;
@@ -177,16 +135,17 @@ void RowCopy::Copy(const Table& table) {
 
 // Rows with a key are looked up by it; the others stand in the order in which they were written.
 void RowCopy::Compare(const Table& table) {
-    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db, m_path));
+    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db.Handle(), m_path));
     if (columns.places.empty())
         return;
     const bool keyed = columns.rowNumber >= 0;
     const auto key = static_cast<std::size_t>(columns.rowNumber);
     const QString name = QuoteName(table.name);
-    Statement found;
-    Prepare(found, QStringLiteral("SELECT %1 FROM %2 ").arg(columns.names.join(u','), name) +
-                       (keyed ? QStringLiteral("WHERE %1 = ?").arg(columns.names[columns.rowNumber])
-                              : QStringLiteral("NOT INDEXED")));
+    Statement found(m_db,
+                    QStringLiteral("SELECT %1 FROM %2 ").arg(columns.names.join(u','), name) +
+                        (keyed ? QStringLiteral("WHERE %1 = ?").arg(columns.names[columns.rowNumber])
+                               : QStringLiteral("NOT INDEXED")),
+                    Doing::Copy, {}, Statement::Lifetime::Kept);
     std::int64_t count = 0;
     m_reader.ForEachRow(table, [&](const std::vector<Value>& values) {
         ++count;
@@ -194,15 +153,14 @@ void RowCopy::Compare(const Table& table) {
             found.Reset();
             found.Bind(1, values[columns.places[key]]);
         }
-        bool equal = found.Step() == SQLITE_ROW;
+        bool equal = found.Next();
         for (std::size_t i = 0; equal && i < columns.places.size(); ++i)
-            equal = Equals(found, static_cast<int>(i), values[columns.places[i]]);
+            equal = Equals(found.Column(static_cast<int>(i)), values[columns.places[i]]);
         if (!equal)
             RaiseEngine(DiskOrNetworkFailure);
     });
-    Statement all;
-    Prepare(all, QStringLiteral("SELECT count(*) FROM ") + name);
-    if (all.Step() != SQLITE_ROW || all.Number(0) != count)
+    Statement all(m_db, QStringLiteral("SELECT count(*) FROM ") + name, Doing::Copy);
+    if (!all.Next() || all.Number(0) != count)
         RaiseEngine(DiskOrNetworkFailure);
 }
 

@@ -3,8 +3,6 @@
 #include "platform/engine/jet4/Reader.h"
 #include "platform/engine/store/Statement.h"
 
-struct sqlite3;
-
 namespace engine::jet4 {
 
 /// Copies the rows of one file's tables into the tables made for them, and compares. The new file is one that
@@ -15,9 +13,6 @@ public:
     /// Opens the new file. Failures as SQLite has them, by the engine's numbers; `path` names the book in
     /// them.
     RowCopy(const QString& file, const Reader& reader, QString path);
-    ~RowCopy();
-    RowCopy(const RowCopy&) = delete;
-    RowCopy& operator=(const RowCopy&) = delete;
 
     /// The tables as the new file has them. Failure 3026 on a full disk.
     void CopyAll(const std::vector<Table>& tables);
@@ -25,13 +20,10 @@ public:
     void CompareAll(const std::vector<Table>& tables);
 
 private:
-    void Run(const char* text);
-    void Prepare(Statement& statement, const QString& text);
     void Copy(const Table& table);
     void Compare(const Table& table);
-    [[noreturn]] void Raise(int code);
 
-    sqlite3* m_db = nullptr;
+    Sqlite m_db;
     const Reader& m_reader;
     QString m_path;
 };

@@ -22,32 +22,6 @@ namespace {
 
 constexpr int maxPlans = 200;
 constexpr auto lookInterval = std::chrono::milliseconds(50);
-constexpr sqlite3_int64 heapLimit = sqlite3_int64{2} << 30;
-constexpr int longestValue = 1 << 27; ///< bytes; a definition in a strange file could ask for any length
-
-// Nothing of the file is trusted but its rows: what a strange file brings along as code never runs.
-void Harden(sqlite3* db) {
-    struct Setting {
-        int option;
-        int value;
-    };
-    constexpr auto settings = std::to_array<Setting>({
-        {SQLITE_DBCONFIG_DEFENSIVE, 1},
-        {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
-        {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
-        {SQLITE_DBCONFIG_ENABLE_VIEW, 0},
-        {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
-        {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0},
-        {SQLITE_DBCONFIG_ENABLE_FKEY, 0},
-        {SQLITE_DBCONFIG_LEGACY_ALTER_TABLE, 1}, // what does not run may be broken without harm to a rename
-        {SQLITE_DBCONFIG_DQS_DDL, 0},
-        {SQLITE_DBCONFIG_DQS_DML, 0},
-    });
-    for (const Setting& setting : settings)
-        sqlite3_db_config(db, setting.option, setting.value, nullptr);
-    sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
-    sqlite3_limit(db, SQLITE_LIMIT_LENGTH, longestValue);
-}
 
 /// While alive, what SQLite runs asks now and then whether it is to stop.
 class Stoppable {
@@ -164,16 +138,20 @@ void Connection::Open() {
         m_registered = std::make_unique<runtime::OpenDatabaseFile>(m_file);
         if (!m_registered->Granted())
             RaiseEngine(FileInUse, m_path);
-        sqlite3_hard_heap_limit64(heapLimit);
-        const int code =
-            sqlite3_open_v2(QFile::encodeName(m_file).constData(), &m_db,
-                            SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
-        if (code != SQLITE_OK)
-            throw FailureFrom(m_db, code, Doing::Open, m_path);
-        Configure();
+        m_db = std::make_unique<Sqlite>(m_file, m_path);
+        m_commits = std::make_unique<Transactions>(
+            *m_db, [this] { return LookAtFile(); }, [this] { Undone(); });
+        // EXTRA: a commit that has been reported is on the disk, the removal of the journal included.
+        m_db->Run("PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY; PRAGMA cache_size = -16000; "
+                  "PRAGMA synchronous = EXTRA",
+                  Doing::Open);
+        m_catalog = std::make_unique<FileCatalog>(m_db->Handle(), m_path);
+        m_counters = std::make_unique<Counters>(*m_db);
+        m_keys = std::make_unique<KeyIndexes>(m_db->Handle(), [this](int code) { RaiseRead(code); });
+        m_readOnly = m_db->IsReadOnly();
         CheckSound();
         // Not before: it writes to a file that other means have set to a write-ahead log.
-        Pragma("PRAGMA journal_mode = DELETE");
+        m_db->Run("PRAGMA journal_mode = DELETE", Doing::Open);
         m_seenData = ReadNumber(m_dataVersion, u"PRAGMA data_version");
         m_seenSchema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
         m_seenPager = PagerVersion();
@@ -198,69 +176,25 @@ Connection::~Connection() {
     Shut();
 }
 
-void Connection::Configure() {
-    m_commits = std::make_unique<Transactions>(
-        m_db, m_path, [this] { return LookAtFile(); }, [this] { Undone(); });
-    Harden(m_db);
-    functions::RegisterCollations(m_db);
-    functions::RegisterFunctions(m_db);
-    // EXTRA: a commit that has been reported is on the disk, the removal of the journal included.
-    for (const char* pragma : {"PRAGMA cell_size_check = ON", "PRAGMA temp_store = MEMORY",
-                               "PRAGMA cache_size = -16000", "PRAGMA synchronous = EXTRA"})
-        Pragma(pragma);
-    m_catalog = std::make_unique<FileCatalog>(m_db, m_path);
-    m_counters = std::make_unique<Counters>(m_db);
-    m_keys = std::make_unique<KeyIndexes>(m_db, [this](int code) { RaiseRead(code); });
-    m_readOnly = sqlite3_db_readonly(m_db, "main") == 1;
-}
-
-void Connection::Pragma(const char* text) {
-    if (const int code = sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); code != SQLITE_OK)
-        throw FailureFrom(m_db, code, Doing::Open, m_path);
-}
-
 void Connection::CheckSound() {
-    CheckMark();
+    if (m_db->Number("PRAGMA application_id") != applicationId)
+        RaiseEngine(UnrecognisedFormat, m_path);
     // SQLite takes what is missing of the last page for zeros.
-    Statement pageCount;
-    Statement pageSize;
-    const std::int64_t whole =
-        ReadNumber(pageCount, u"PRAGMA page_count") * ReadNumber(pageSize, u"PRAGMA page_size");
+    const std::int64_t whole = m_db->Number("PRAGMA page_count") * m_db->Number("PRAGMA page_size");
     if (QFileInfo(m_file).size() < whole) // looked at last: others may let it grow meanwhile
         RaiseEngine(CannotOpenDatabase, m_path);
     // Columns that are worked out one from the other can keep any reader busy for ever.
-    if (Ask(u"SELECT count(*) FROM sqlite_schema AS s, pragma_table_xinfo(s.name) AS c WHERE s.type = "
-            u"'table' AND s.rootpage <> 0 AND c.hidden > 1")
-            .Number(0) != 0)
+    if (m_db->Number("SELECT count(*) FROM sqlite_schema AS s, pragma_table_xinfo(s.name) AS c WHERE s.type "
+                     "= 'table' AND s.rootpage <> 0 AND c.hidden > 1") != 0)
         RaiseEngine(UnrecognisedFormat, m_path);
     // Rows older than a rule may break it, and the file is sound all the same.
-    Pragma("PRAGMA ignore_check_constraints = ON");
-    if (const QString finding = Ask(u"PRAGMA quick_check(1)").Text(0); finding != QLatin1String("ok"))
-        throw FailureFrom(m_db, CodeIn(finding), Doing::Open, m_path);
-    Pragma("PRAGMA ignore_check_constraints = OFF");
+    m_db->Run("PRAGMA ignore_check_constraints = ON", Doing::Open);
+    Statement check(*m_db, u"PRAGMA quick_check(1)", Doing::Open);
+    if (const QString finding = check.Next() ? check.Text(0) : QString(); finding != QLatin1String("ok"))
+        throw m_db->FailureOf(CodeIn(finding), Doing::Open);
+    m_db->Run("PRAGMA ignore_check_constraints = OFF", Doing::Open);
     for (const QString& table : m_catalog->TableNames())
         m_catalog->FindLayout(table);
-}
-
-void Connection::CheckMark() {
-    Statement mark;
-    if (ReadNumber(mark, u"PRAGMA application_id") == applicationId)
-        return;
-    const int code = sqlite3_errcode(m_db);
-    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE)
-        throw FailureFrom(m_db, sqlite3_extended_errcode(m_db), Doing::Open, m_path);
-    RaiseEngine(UnrecognisedFormat, m_path);
-}
-
-/// The one row that a question about the whole file gives.
-Statement Connection::Ask(QStringView question) const {
-    Statement statement;
-    int code = statement.Prepare(m_db, question);
-    if (code == SQLITE_OK)
-        code = statement.Step();
-    if (code != SQLITE_ROW)
-        throw FailureFrom(m_db, code, Doing::Open, m_path);
-    return statement;
 }
 
 void Connection::CheckOpen() const {
@@ -291,8 +225,8 @@ void Connection::Shut() noexcept {
     m_keys.reset();
     m_catalog.reset();
     m_counters.reset();
-    [[maybe_unused]] const int code = sqlite3_close(std::exchange(m_db, nullptr));
-    Q_ASSERT(code == SQLITE_OK); // a statement left open
+    m_commits.reset();
+    m_db.reset();
     m_registered.reset();
 }
 
@@ -327,17 +261,12 @@ BoundPlan Connection::PlanOf(const QString& text, sql::Purpose purpose) {
 /// The columns of a TRANSFORM, which the rows tell at each opening.
 std::vector<sql::Heading> Connection::ReadHeadings(const BoundPlan& bound) {
     const sql::Plan& plan = bound.cached->plan;
-    Statement statement;
-    Prepare(statement, plan.headingsText, Statement::Lifetime::Once);
+    Statement statement(*m_db, plan.headingsText);
     std::vector<Value> values;
-    const ResetGuard guard(statement);
     Bind(statement, 1, plan.parameters, bound.scanned.literals, values);
     std::vector<sql::Heading> headings;
-    int code = 0;
-    while ((code = statement.Step()) == SQLITE_ROW)
+    while (statement.Next())
         headings.push_back({statement.Text(0), statement.Text(1)});
-    if (code != SQLITE_DONE)
-        RaiseRead(code);
     return headings;
 }
 
@@ -357,12 +286,11 @@ void Connection::DropPlans() noexcept {
 void Connection::Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime) {
     if (statement)
         return;
-    if (const int code = statement.Prepare(m_db, text, lifetime); code != SQLITE_OK)
-        RaiseRead(code);
+    statement = Statement(*m_db, text, Doing::Read, {}, lifetime);
 }
 
 void Connection::RaiseRead(int code) {
-    const auto failure = FailureFrom(m_db, code, Doing::Read, m_path);
+    const auto failure = m_db->FailureOf(code, Doing::Read);
     m_commits->StatementFailed(failure); // some failures of a query take a transaction along
     throw runtime::Failure(failure);
 }
@@ -379,8 +307,7 @@ void Connection::Bind(Statement& statement, int firstPlace, const std::vector<sq
             values.push_back(functions::ToColumn(literal, column.type, column.size, column.name));
             value = &values.back();
         }
-        if (statement.Bind(place++, *value) == SQLITE_NOMEM)
-            throw std::bad_alloc();
+        statement.Bind(place++, *value);
     }
 }
 
@@ -398,13 +325,14 @@ std::shared_ptr<RecordsetImpl> Connection::OpenRecordset(const QString& text,
                                                          const std::function<bool()>& stop) {
     CheckOpen();
     FindAgain();
-    const Stoppable stoppable(m_db, stop);
+    const Stoppable stoppable(m_db->Handle(), stop);
     try {
         LookAround();
         for (bool again = false;; again = true) {
             try {
                 return Read(PlanOf(text, sql::Purpose::OpenRecordset));
-            } catch (const runtime::Failure&) {
+            } catch (const runtime::Failure& failure) {
+                m_commits->StatementFailed(failure); // some take a transaction along
                 CheckFile();
                 if (again || !NoticeOthers())
                     throw;
@@ -437,11 +365,8 @@ std::shared_ptr<RecordsetImpl> Connection::ReadRows(const BoundPlan& bound,
     QString list;
     if (rows)
         BindRows(form, static_cast<int>(cached.plan.parameters.size()) + 1, *rows, list);
-    int code = 0;
-    while ((code = statement.Step()) == SQLITE_ROW)
+    while (statement.Next())
         set->Rows().Add(statement);
-    if (code != SQLITE_DONE)
-        RaiseRead(code);
     set->Start();
     return set;
 }
@@ -453,7 +378,7 @@ void Connection::Execute(const QString& text, bool failOnError) {
     FindAgain();
     m_affected = 0;
     if (m_rulesAreOff) {
-        Pragma("PRAGMA ignore_check_constraints = OFF");
+        m_db->Run("PRAGMA ignore_check_constraints = OFF", Doing::Open);
         m_rulesAreOff = false;
     }
     try {
@@ -525,7 +450,7 @@ void Connection::Perform(const BoundPlan& bound, bool failOnError) {
         code = SQLITE_DONE; // a key without a value: SQLite leaves the statement out, not the row alone
     const bool done = code == SQLITE_DONE;
     if (!done && !refused)
-        refused = FailureFrom(m_db, code, Doing::Write, m_path, plan.target);
+        refused = m_db->FailureOf(code, Doing::Write, plan.target);
     NoteInsert(plan, (code & 0xff) == SQLITE_CONSTRAINT || (done && !failOnError && m_affected == 0));
     if (done)
         return;
@@ -556,21 +481,19 @@ bool Connection::BindAction(Statement& statement, const BoundPlan& bound, bool f
             }
             value = &values.back();
         }
-        if (statement.Bind(static_cast<int>(at) + 1, *value) == SQLITE_NOMEM)
-            throw std::bad_alloc();
+        statement.Bind(static_cast<int>(at) + 1, *value);
     }
     return true;
 }
 
 int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
     if (plan.verb == sql::Verb::Insert)
-        if (const int code = m_counters->BeforeInsert(plan.target); code != SQLITE_OK)
-            return code;
+        m_counters->BeforeInsert(plan.target);
     m_commits->CheckAlive();
     const int code = statement.Step();
     if (code == SQLITE_DONE)
         m_affected = static_cast<int>(
-            std::min<sqlite3_int64>(sqlite3_changes64(m_db), std::numeric_limits<int>::max()));
+            std::min<sqlite3_int64>(sqlite3_changes64(m_db->Handle()), std::numeric_limits<int>::max()));
     if (m_affected > 0) {
         ++m_changes;
         ++m_tableChanges[plan.target];
@@ -585,7 +508,7 @@ void Connection::NoteInsert(const sql::Plan& plan, bool leftOut) {
     if (layout == nullptr || layout->info.CounterColumn() < 0)
         return;
     if (m_affected > 0)
-        m_counters->Inserted(plan.target, sqlite3_last_insert_rowid(m_db));
+        m_counters->Inserted(plan.target, sqlite3_last_insert_rowid(m_db->Handle()));
     else if (leftOut && !plan.setsCounter)
         m_counters->Failed(plan.target);
 }
@@ -604,24 +527,23 @@ void Connection::ChangeSchema(const QString& table, Work work) {
     if (m_commits->BeforeWrite(Doing::Define, table))
         NoticeOthers();
     m_commits->CheckAlive();
-    const auto run = [this](const char* text) { return sqlite3_exec(m_db, text, nullptr, nullptr, nullptr); };
     const auto takeBack = [&](const runtime::Failure& failure) {
-        if (sqlite3_get_autocommit(m_db) == 0)
-            run("ROLLBACK TO definition; RELEASE definition");
+        if (m_db->InTransaction())
+            m_db->Try("ROLLBACK TO definition; RELEASE definition");
         Forget();
         m_commits->StatementFailed(failure);
     };
-    if (const int code = run("SAVEPOINT definition"); code != SQLITE_OK) {
-        const auto failure = FailureFrom(m_db, code, Doing::Define, m_path, table);
+    try {
+        m_db->Run("SAVEPOINT definition", Doing::Define, table);
+    } catch (const runtime::Failure& failure) {
         m_commits->StatementFailed(failure);
-        throw runtime::Failure(failure);
+        throw;
     }
     try {
-        SchemaEditor editor(m_db, m_path, *m_catalog, *m_counters, m_rulesAreOff);
+        SchemaEditor editor(m_db->Handle(), m_path, *m_catalog, *m_counters, m_rulesAreOff);
         work(editor);
         m_commits->CheckAlive();
-        if (const int code = run("RELEASE definition"); code != SQLITE_OK)
-            throw FailureFrom(m_db, code, Doing::Define, m_path, table);
+        m_db->Run("RELEASE definition", Doing::Define, table);
     } catch (const runtime::Failure& failure) {
         takeBack(failure);
         throw;
@@ -641,14 +563,11 @@ void Connection::RunSelectInto(const BoundPlan& bound) {
     const sql::Plan& plan = bound.cached->plan;
     ChangeSchema(plan.intoTable.name, [&](SchemaEditor& editor) {
         editor.CreateTable(plan.intoTable);
-        Statement statement;
-        Prepare(statement, plan.text, Statement::Lifetime::Once);
+        Statement statement(*m_db, plan.text, Doing::Write, plan.intoTable.name);
         std::vector<Value> values;
-        const ResetGuard guard(statement);
         Bind(statement, 1, plan.parameters, bound.scanned.literals, values);
-        if (const int code = statement.Step(); code != SQLITE_DONE)
-            throw FailureFrom(m_db, code, Doing::Write, m_path, plan.intoTable.name);
-        m_affected = static_cast<int>(sqlite3_changes64(m_db));
+        statement.Next();
+        m_affected = static_cast<int>(sqlite3_changes64(m_db->Handle()));
     });
 }
 
@@ -690,10 +609,14 @@ void Connection::NoteUpheaval() noexcept {
 }
 
 std::int64_t Connection::ReadNumber(Statement& statement, QStringView pragma) const {
-    if (!statement && statement.Prepare(m_db, pragma, Statement::Lifetime::Kept) != SQLITE_OK)
+    try {
+        if (!statement)
+            statement = Statement(*m_db, pragma, Doing::Read, {}, Statement::Lifetime::Kept);
+        const ResetGuard guard(statement);
+        return statement.Next() ? statement.Number(0) : -1;
+    } catch (const runtime::Failure&) {
         return -1;
-    const ResetGuard guard(statement);
-    return statement.Step() == SQLITE_ROW ? statement.Number(0) : -1;
+    }
 }
 
 void Connection::LookAround() {
@@ -717,7 +640,7 @@ int Connection::StateOfFile() const {
     if (identity != m_identity)
         return SQLITE_NOTADB;
     // By SQLite's own handle: closing another one would drop its locks.
-    sqlite3_file* const file = FileOf(m_db);
+    sqlite3_file* const file = FileOf(m_db->Handle());
     std::array<char, headerSize> header{};
     const int code = file->pMethods->xRead(file, header.data(), headerSize, 0);
     if (code != SQLITE_OK && code != SQLITE_IOERR_SHORT_READ)
@@ -733,9 +656,9 @@ void Connection::CheckFile() {
         return;
     if (!m_commits->HoldsLock()) { // what was read of the file meanwhile tells nothing
         Forget();
-        sqlite3_db_release_memory(m_db);
+        sqlite3_db_release_memory(m_db->Handle());
     }
-    throw FailureFrom(m_db, code, Doing::Read, m_path);
+    throw m_db->FailureOf(code, Doing::Read);
 }
 
 void Connection::FindAgain() {
@@ -755,7 +678,7 @@ bool Connection::HasCopyInItsPlace() const {
     if (!QFileInfo(m_file).isFile() || runtime::OpenDatabaseFile::Holds(m_file))
         return false;
     QFile copy(m_file);
-    sqlite3_file* const file = FileOf(m_db);
+    sqlite3_file* const file = FileOf(m_db->Handle());
     sqlite3_int64 size = 0;
     if (!copy.open(QIODevice::ReadOnly) || file->pMethods->xFileSize(file, &size) != SQLITE_OK ||
         copy.size() != size)
@@ -773,9 +696,9 @@ bool Connection::HasCopyInItsPlace() const {
 
 bool Connection::NoticeOthers() {
     m_lastLook = GroupClock::Now();
-    LockWait::Allow(m_db, false); // the statement itself waits, and once is enough
+    LockWait::Allow(m_db->Handle(), false); // the statement itself waits, and once is enough
     const std::int64_t data = ReadNumber(m_dataVersion, u"PRAGMA data_version");
-    LockWait::Allow(m_db, true);
+    LockWait::Allow(m_db->Handle(), true);
     m_seenPager = PagerVersion();
     if (data == m_seenData || data < 0)
         return false;
@@ -798,7 +721,7 @@ bool Connection::MetOthers() {
 /// Grows with each commit that this connection has made or met.
 std::uint32_t Connection::PagerVersion() const {
     std::uint32_t version = 0;
-    sqlite3_file_control(m_db, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    sqlite3_file_control(m_db->Handle(), "main", SQLITE_FCNTL_DATA_VERSION, &version);
     return version;
 }
 

@@ -87,11 +87,7 @@ public:
 
 private:
     void Open();
-    void Configure();
-    void Pragma(const char* text);
     void CheckSound();
-    void CheckMark();
-    Statement Ask(QStringView question) const;
     BoundPlan PlanOf(const QString& text, sql::Purpose purpose);
     std::vector<sql::Heading> ReadHeadings(const BoundPlan& bound);
     void EvictPlan(QHash<QString, std::shared_ptr<CachedPlan>>& plans) const;
@@ -147,7 +143,7 @@ private:
     std::optional<runtime::FileIdentity> m_identity;
     bool m_isLost = false; ///< it did not stand there at the last look
     std::unique_ptr<runtime::OpenDatabaseFile> m_registered;
-    sqlite3* m_db = nullptr;
+    std::unique_ptr<Sqlite> m_db;
     bool m_readOnly = false;
     bool m_rulesAreOff = false; ///< a definition could not switch them on again
     std::unique_ptr<FileCatalog> m_catalog;

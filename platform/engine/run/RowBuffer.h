@@ -12,13 +12,7 @@ namespace engine {
 /// tells its kind.
 class RowBuffer {
 public:
-    struct Cell {
-        enum Kind { Null, Integer, Real, Text, Bytes } kind = Null;
-        std::int64_t integer = 0;
-        double real = 0;
-        QStringView text;     ///< into the buffer
-        QByteArrayView bytes; ///< into the buffer
-    };
+    using Cell = engine::Cell;
 
     /// Copies the row on which the statement stands. Failure 3035 above the limit.
     void Add(const Statement& row);

@@ -5,20 +5,19 @@
 
 #include <cstdint>
 
-struct sqlite3;
-
 namespace engine {
+
+class Sqlite;
 
 /// Generated numbers: one that a failed or undone insert has used up is not given again while the file is
 /// open. SQLite takes its own note of the last number back with the statement, so the layer keeps one of its
 /// own and puts it in again before the next insert.
 class Counters {
 public:
-    explicit Counters(sqlite3* db)
+    explicit Counters(const Sqlite& db)
         : m_db(db) {}
 
-    /// Before an insert into the table; a SQLite code.
-    int BeforeInsert(const QString& table);
+    void BeforeInsert(const QString& table);
     void Inserted(const QString& table, std::int64_t number);
     /// An insert that generated a number has failed.
     void Failed(const QString& table);
@@ -29,14 +28,14 @@ public:
 
     /// The last number in the file and its restoring, for a table that is rebuilt.
     std::int64_t Last(const QString& table) const;
-    int SetLast(const QString& table, std::int64_t number) const;
+    void SetLast(const QString& table, std::int64_t number) const;
 
 private:
     struct Counter {
         std::int64_t last = 0;
         bool behind = false; ///< the file's note may be lower
     };
-    sqlite3* m_db;
+    const Sqlite& m_db;
     QHash<QString, Counter> m_counters;
 };
 

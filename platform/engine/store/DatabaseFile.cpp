@@ -14,7 +14,6 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 
 #ifdef Q_OS_UNIX
@@ -89,34 +88,23 @@ void RemoveStale(const QDir& folder) {
     }
 }
 
-struct CloseDatabase {
-    void operator()(sqlite3* db) const { sqlite3_close(db); }
-};
-
-[[noreturn]] void RaiseMemory() {
-    runtime::Raise(runtime::OutOfMemory);
-}
-
-// The bytes of an empty database. A table that comes and goes makes SQLite write the text form into the
-// header.
+// The bytes of an empty database: its one page, in the form that SQLite's documentation of files gives.
 QByteArray EmptyImage() {
-    sqlite3* opened = nullptr;
-    const int code = sqlite3_open_v2(
-        ":memory:", &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY, nullptr);
-    const std::unique_ptr<sqlite3, CloseDatabase> db(opened);
-    if (code != SQLITE_OK)
-        RaiseMemory();
-    const QByteArray script =
-        "PRAGMA page_size = 4096; PRAGMA encoding = 'UTF-16le'; PRAGMA application_id = " +
-        QByteArray::number(applicationId) + "; CREATE TABLE t (c); DROP TABLE t; VACUUM;";
-    if (sqlite3_exec(db.get(), script.constData(), nullptr, nullptr, nullptr) != SQLITE_OK)
-        RaiseMemory();
-    sqlite3_int64 size = 0;
-    const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
-        sqlite3_serialize(db.get(), "main", &size, 0), &sqlite3_free);
-    if (!bytes)
-        RaiseMemory();
-    return {reinterpret_cast<const char*>(bytes.get()), static_cast<qsizetype>(size)};
+    constexpr int pageSize = 4096;
+    QByteArray image(pageSize, '\0');
+    const auto put = [&image](int offset, auto number) { qToBigEndian(number, image.data() + offset); };
+    image.replace(0, sqliteMagic.size(), sqliteMagic);
+    put(16, quint16{pageSize});
+    image.replace(18, 6, "\x01\x01\x00\x40\x20\x20", 6); // rollback journal; fractions of a payload
+    for (const int offset : {24, 28, 40, 92})            // changes, pages, schema, changes again
+        put(offset, quint32{1});
+    put(44, quint32{4}); // schema format
+    put(56, quint32{2}); // UTF-16, little end first
+    put(applicationIdOffset, applicationId);
+    put(96, quint32{SQLITE_VERSION_NUMBER});
+    image[headerSize] = '\x0d'; // a leaf without rows
+    put(headerSize + 5, quint16{pageSize});
+    return image;
 }
 
 } // namespace

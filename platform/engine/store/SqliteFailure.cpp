@@ -62,6 +62,7 @@ runtime::Failure FromError(const QString& message, Doing doing, const QString& t
 runtime::Failure FromBusy(Doing doing, const QString& path, const QString& table) {
     switch (doing) {
     case Doing::Write:
+    case Doing::Copy:
         return Engine(RowLocked);
     case Doing::Define:
         return Engine(TableInUse, table);
@@ -80,6 +81,8 @@ runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& 
             return Engine(CannotOpenDatabase, path);
         return FromError(message(), doing, table);
     case SQLITE_CONSTRAINT:
+        if (doing == Doing::Copy) // into a table that is made for the rows
+            return Engine(CannotOpenDatabase, path);
         return FromConstraint(code, message(), table);
     case SQLITE_MISMATCH:
         return Engine(TypeMismatchInCriteria);
@@ -92,7 +95,7 @@ runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& 
             return Engine(FileNotFound, path);
         if (doing == Doing::Open)
             return Engine(CannotOpenFile, path);
-        return doing == Doing::Write ? Engine(NotUpdatable) : Engine(ReadOnly);
+        return doing == Doing::Write || doing == Doing::Copy ? Engine(NotUpdatable) : Engine(ReadOnly);
     case SQLITE_FULL:
         return Engine(DiskFull);
     case SQLITE_NOMEM:

@@ -9,7 +9,7 @@ struct sqlite3;
 namespace engine {
 
 /// What was being done when SQLite failed: one code means different numbers.
-enum class Doing { Open, Read, Write, Define };
+enum class Doing { Open, Read, Write, Define, Copy };
 
 /// The one table from SQLite's codes to the engine's failures. SQLite's own text never gets into it.
 /// `path` is the file; `table` the one that a statement changes or a definition is about.

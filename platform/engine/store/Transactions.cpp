@@ -19,31 +19,22 @@ bool IsInFile(int code) {
     return code == SQLITE_IOERR_DIR_FSYNC || code == SQLITE_IOERR_DELETE_NOENT;
 }
 
-QString LevelName(int level) {
-    return QStringLiteral("level%1").arg(level);
+QByteArray LevelText(const char* text, int level) {
+    return QString::fromLatin1(text).arg(level).toLatin1();
 }
 
 } // namespace
 
-Transactions::Transactions(sqlite3* db, QString path, std::function<int()> look, std::function<void()> undone)
+Transactions::Transactions(const Sqlite& db, std::function<int()> look, std::function<void()> undone)
     : m_db(db)
-    , m_path(std::move(path))
     , m_look(std::move(look))
     , m_undone(std::move(undone)) {
-    LockWait::Allow(m_db, true);
-}
-
-int Transactions::Run(const QString& text) const {
-    return sqlite3_exec(m_db, text.toUtf8().constData(), nullptr, nullptr, nullptr);
+    LockWait::Allow(m_db.Handle(), true);
 }
 
 int Transactions::Begin() const {
     const int code = m_look();
-    return code != SQLITE_OK ? code : sqlite3_exec(m_db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-}
-
-runtime::Failure Transactions::FailureOfCode(int code) const {
-    return FailureFrom(m_db, code, Doing::Write, m_path);
+    return code != SQLITE_OK ? code : m_db.Try("BEGIN IMMEDIATE");
 }
 
 void Transactions::BeginTrans() {
@@ -54,9 +45,9 @@ void Transactions::BeginTrans() {
 void Transactions::OpenLevels(Doing doing, const QString& table) {
     while (m_openLevels < m_depth) {
         const int level = m_openLevels + 1;
-        const int code = level == 1 ? Begin() : Run(QStringLiteral("SAVEPOINT ") + LevelName(level));
+        const int code = level == 1 ? Begin() : m_db.Try(LevelText("SAVEPOINT level%1", level).constData());
         if (code != SQLITE_OK)
-            throw FailureFrom(m_db, code, doing, m_path, table);
+            throw m_db.FailureOf(code, doing, table);
         m_openLevels = level;
     }
 }
@@ -65,9 +56,10 @@ void Transactions::CommitTrans() {
     CheckAlive();
     RaiseLoss();
     if (m_openLevels == m_depth) {
-        const int code = m_depth == 1 ? RunCommit() : Run(QStringLiteral("RELEASE ") + LevelName(m_depth));
+        const int code =
+            m_depth == 1 ? RunCommit() : m_db.Try(LevelText("RELEASE level%1", m_depth).constData());
         if (code != SQLITE_OK) {
-            const auto failure = FailureOfCode(code);
+            const auto failure = m_db.FailureOf(code, Doing::Write);
             StatementFailed(failure); // the level stays, for the caller to roll back
             throw runtime::Failure(failure);
         }
@@ -80,9 +72,9 @@ void Transactions::CommitTrans() {
 void Transactions::Rollback() {
     if (m_openLevels == m_depth) {
         if (m_depth == 1)
-            Run(QStringLiteral("ROLLBACK"));
+            m_db.Try("ROLLBACK");
         else
-            Run(QStringLiteral("ROLLBACK TO %1; RELEASE %1").arg(LevelName(m_depth)));
+            m_db.Try(LevelText("ROLLBACK TO level%1; RELEASE level%1", m_depth).constData());
         --m_openLevels;
         m_undone();
     }
@@ -104,7 +96,7 @@ bool Transactions::BeforeWrite(Doing doing, const QString& table) {
         OpenLevels(doing, table);
     } else if (!m_groupOpen) {
         if (const int code = Begin(); code != SQLITE_OK)
-            throw FailureFrom(m_db, code, doing, m_path, table);
+            throw m_db.FailureOf(code, doing, table);
         m_groupOpen = true;
         m_groupStatements = 0;
         m_groupDue = GroupClock::Now() + groupAge;
@@ -120,10 +112,12 @@ void Transactions::StatementDone() {
 }
 
 void Transactions::StatementFailed(const runtime::Failure& failure) {
-    if (sqlite3_get_autocommit(m_db) == 0) {
+    if (!HoldsLock())
+        return;
+    if (m_db.InTransaction()) {
         if (m_groupOpen && m_groupStatements == 0) { // nothing to keep a lock for
             m_groupOpen = false;
-            Run(QStringLiteral("ROLLBACK"));
+            m_db.Try("ROLLBACK");
         }
         return;
     }
@@ -136,7 +130,7 @@ void Transactions::StatementFailed(const runtime::Failure& failure) {
 }
 
 void Transactions::CheckAlive() {
-    if (!HoldsLock() || sqlite3_get_autocommit(m_db) == 0)
+    if (!HoldsLock() || m_db.InTransaction())
         return;
     StatementFailed({runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)});
     runtime::Raise(runtime::OutOfMemory);
@@ -146,8 +140,8 @@ void Transactions::CheckAlive() {
 int Transactions::RunCommit() {
     int code = m_look();
     if (code == SQLITE_OK)
-        code = Run(QStringLiteral("COMMIT"));
-    const bool inFile = IsInFile(code) && sqlite3_get_autocommit(m_db) != 0;
+        code = m_db.Try("COMMIT");
+    const bool inFile = IsInFile(code) && !m_db.InTransaction();
     if (inFile || code == SQLITE_OK)
         m_unsynced = inFile;
     return inFile ? SQLITE_OK : code;
@@ -162,12 +156,12 @@ void Transactions::CommitDueGroup() {
     if (!m_groupOpen || GroupClock::Now() < m_groupDue)
         return;
     CheckAlive();
-    LockWait::Allow(m_db, false);
+    LockWait::Allow(m_db.Handle(), false);
     const int code = RunCommit();
-    LockWait::Allow(m_db, true);
+    LockWait::Allow(m_db.Handle(), true);
     if (code == SQLITE_OK)
         m_groupOpen = false;
-    else if ((code & 0xff) == SQLITE_BUSY && sqlite3_get_autocommit(m_db) == 0)
+    else if ((code & 0xff) == SQLITE_BUSY && m_db.InTransaction())
         m_groupDue = GroupClock::Now() + groupAge; // somebody is reading: the group simply grows older
     else
         LoseGroup(code, true);
@@ -190,9 +184,9 @@ void Transactions::CommitGroup() {
 }
 
 void Transactions::LoseGroup(int code, bool remember) {
-    const auto failure = FailureOfCode(code);
-    if (sqlite3_get_autocommit(m_db) == 0)
-        Run(QStringLiteral("ROLLBACK"));
+    const auto failure = m_db.FailureOf(code, Doing::Write);
+    if (m_db.InTransaction())
+        m_db.Try("ROLLBACK");
     m_groupOpen = false;
     if (remember)
         m_lost = failure;
@@ -206,8 +200,8 @@ void Transactions::AcknowledgeLoss() noexcept {
 }
 
 void Transactions::Abandon() noexcept {
-    if (sqlite3_get_autocommit(m_db) == 0)
-        sqlite3_exec(m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    if (m_db.InTransaction())
+        m_db.Try("ROLLBACK");
     m_depth = 0;
     m_openLevels = 0;
     m_groupOpen = false;

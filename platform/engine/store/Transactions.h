@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/engine/GroupClock.h"
-#include "platform/engine/store/SqliteFailure.h"
+#include "platform/engine/store/Sqlite.h"
 
 #include <functional>
 #include <optional>
@@ -19,7 +19,7 @@ class Transactions {
 public:
     /// `look` gives a SQLite code: whether the file still stands where it was opened; nothing is written
     /// otherwise. `undone` is called whenever finished statements have been taken back.
-    Transactions(sqlite3* db, QString path, std::function<int()> look, std::function<void()> undone);
+    Transactions(const Sqlite& db, std::function<int()> look, std::function<void()> undone);
 
     void BeginTrans(); ///< the level limit is the workspace's
     void CommitTrans();
@@ -53,17 +53,14 @@ public:
     bool HoldsLock() const { return m_groupOpen || m_openLevels > 0; }
 
 private:
-    int Run(const QString& text) const;
     /// Takes the write lock; a SQLite code.
     int Begin() const;
     void OpenLevels(Doing doing, const QString& table);
     int RunCommit();
     void RaiseUnsynced();
     [[noreturn]] void LoseGroup(int code, bool remember);
-    runtime::Failure FailureOfCode(int code) const;
 
-    sqlite3* m_db;
-    QString m_path;
+    const Sqlite& m_db;
     std::function<int()> m_look;
     std::function<void()> m_undone;
     int m_depth = 0;      ///< levels begun

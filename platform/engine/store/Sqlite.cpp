@@ -1,0 +1,93 @@
+#include "platform/engine/store/Sqlite.h"
+
+#include "platform/engine/functions/Functions.h"
+#include "platform/engine/store/Statement.h"
+
+#include <QFile>
+#include <sqlite3.h>
+
+#include <array>
+
+namespace engine {
+
+namespace {
+
+constexpr sqlite3_int64 heapLimit = sqlite3_int64{2} << 30;
+constexpr int longestValue = 1 << 27; ///< bytes; a definition in a strange file could ask for any length
+
+// What a strange file brings along as code never runs.
+void Harden(sqlite3* db) {
+    struct Setting {
+        int option;
+        int value;
+    };
+    constexpr auto settings = std::to_array<Setting>({
+        {SQLITE_DBCONFIG_DEFENSIVE, 1},
+        {SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+        {SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
+        {SQLITE_DBCONFIG_ENABLE_VIEW, 0},
+        {SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0},
+        {SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0},
+        {SQLITE_DBCONFIG_ENABLE_FKEY, 0},
+        {SQLITE_DBCONFIG_LEGACY_ALTER_TABLE, 1}, // what does not run may be broken without harm to a rename
+        {SQLITE_DBCONFIG_DQS_DDL, 0},
+        {SQLITE_DBCONFIG_DQS_DML, 0},
+    });
+    for (const Setting& setting : settings)
+        sqlite3_db_config(db, setting.option, setting.value, nullptr);
+    sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
+    sqlite3_limit(db, SQLITE_LIMIT_LENGTH, longestValue);
+}
+
+} // namespace
+
+Sqlite::Sqlite(const QString& file, QString path)
+    : m_path(std::move(path)) {
+    sqlite3_hard_heap_limit64(heapLimit);
+    const int code =
+        sqlite3_open_v2(QFile::encodeName(file).constData(), &m_db,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    try {
+        if (code != SQLITE_OK)
+            throw FailureOf(code, Doing::Open);
+        Harden(m_db);
+        functions::RegisterCollations(m_db);
+        functions::RegisterFunctions(m_db);
+    } catch (...) {
+        sqlite3_close(m_db);
+        throw;
+    }
+}
+
+Sqlite::~Sqlite() {
+    [[maybe_unused]] const int code = sqlite3_close(m_db);
+    Q_ASSERT(code == SQLITE_OK); // a statement left open
+}
+
+void Sqlite::Run(const char* text, Doing doing, const QString& table) const {
+    if (const int code = Try(text); code != SQLITE_OK)
+        throw FailureOf(code, doing, table);
+}
+
+int Sqlite::Try(const char* text) const noexcept {
+    return sqlite3_exec(m_db, text, nullptr, nullptr, nullptr);
+}
+
+std::int64_t Sqlite::Number(const char* question) const {
+    Statement statement(*this, QString::fromLatin1(question), Doing::Open);
+    return statement.Next() ? statement.Number(0) : 0;
+}
+
+runtime::Failure Sqlite::FailureOf(int code, Doing doing, const QString& table) const {
+    return FailureFrom(m_db, code, doing, m_path, table);
+}
+
+bool Sqlite::IsReadOnly() const {
+    return sqlite3_db_readonly(m_db, "main") == 1;
+}
+
+bool Sqlite::InTransaction() const noexcept {
+    return sqlite3_get_autocommit(m_db) == 0;
+}
+
+} // namespace engine

@@ -66,23 +66,6 @@ bool HasAmount(std::initializer_list<const Written*> values) {
            std::ranges::any_of(values, [](const Written* value) { return !value->money.isEmpty(); });
 }
 
-QString SignOf(Op op) {
-    switch (op) {
-    case Op::Equal:
-        return u" = "_s;
-    case Op::NotEqual:
-        return u" <> "_s;
-    case Op::Less:
-        return u" < "_s;
-    case Op::LessEqual:
-        return u" <= "_s;
-    case Op::Greater:
-        return u" > "_s;
-    default:
-        return u" >= "_s;
-    }
-}
-
 bool IsEquality(Op op) {
     return op == Op::Equal || op == Op::NotEqual;
 }
@@ -338,13 +321,14 @@ bool ExpressionWriter::CheckComparable(const Written& left, const Written& right
 }
 
 Written ExpressionWriter::Compare(Op op, const Written& left, const Written& right) {
+    const QString sign = QString::fromUtf16(OperatorOf(op).text);
     CheckComparable(left, right);
     const bool unknown = left.Kind() == TypeKind::Unknown || right.Kind() == TypeKind::Unknown;
     if (unknown && !left.null && !right.null)
-        return MakeCondition(u"zv_compare("_s + left.text + u", "_s + right.text + u')' + SignOf(op) + u'0',
+        return MakeCondition(u"zv_compare("_s + left.text + u", "_s + right.text + u')' + sign + u'0',
                              EqualPrecedence);
     if (HasAmount({&left, &right}))
-        return MakeCondition(ComparedUnits(left) + SignOf(op) + ComparedUnits(right), EqualPrecedence);
+        return MakeCondition(ComparedUnits(left) + sign + ComparedUnits(right), EqualPrecedence);
     QString leftText = left.At(AddPrecedence);
     if (left.Kind() == TypeKind::Text && right.Kind() == TypeKind::Text) {
         if (!IsEquality(op))
@@ -352,7 +336,7 @@ Written ExpressionWriter::Compare(Op op, const Written& left, const Written& rig
         else if (!left.collated && !right.collated)
             leftText = left.At(CollatePrecedence) + u" COLLATE ZV_FOLD"_s;
     }
-    return MakeCondition(leftText + SignOf(op) + right.At(AddPrecedence), EqualPrecedence);
+    return MakeCondition(leftText + sign + right.At(AddPrecedence), EqualPrecedence);
 }
 
 Written ExpressionWriter::WriteArithmetic(const Node& node) {

@@ -1,12 +1,17 @@
 #include "platform/engine/sql/Lexer.h"
 
-#include "platform/engine/functions/Functions.h"
-#include "platform/runtime/Dates.h"
+#include "platform/engine/schema/Names.h"
 #include "platform/runtime/Failure.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
+
+using namespace Qt::StringLiterals;
 
 namespace engine::sql {
 
@@ -34,124 +39,41 @@ bool IsNamePart(char16_t c) {
     return IsNameStart(c) || IsDigit(c) || c == u'_';
 }
 
-/// Reads the inside of #...#: three whole numbers joined by one sign, a time, or both.
-class DateReader {
-public:
-    explicit DateReader(QStringView text)
-        : m_text(text.trimmed()) {}
-
-    std::optional<QDateTime> Read() {
-        QDate date(1899, 12, 30);
-        QTime time(0, 0);
-        const bool hasDate = m_text.contains(u'/') || m_text.contains(u'-');
-        if (hasDate && !ReadDay(date))
-            return {};
-        SkipBlanks();
-        if ((!hasDate || m_at < m_text.size()) && !ReadTime(time))
-            return {};
-        SkipBlanks();
-        if (m_at != m_text.size())
-            return {};
-        return QDateTime(date, time, Qt::UTC);
+/// The inside of #...#: three whole numbers joined by one sign, a time, or both.
+std::optional<QDateTime> ReadMoment(QStringView text) {
+    enum Part { First = 1, Sign, Second, Third, Hour, Minute, Seconds, Half };
+    static const QRegularExpression form(
+        uR"(^(?:(\d{1,4}+)([/-])(\d{1,4}+)\2(\d{1,4}+)[ \t\r\n]*)?)"
+        uR"((?:(\d{1,4}+)(?::(\d{1,4}+)(?::(\d{1,4}+))?+)?+\s*(AM|PM)?+)?$)"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    const auto match = form.match(text.trimmed().toString());
+    const auto has = [&](Part part) { return match.capturedLength(part) > 0; };
+    const auto number = [&](Part part) { return match.capturedView(part).toInt(); };
+    const bool timed = has(Minute) || has(Half); // an hour alone is no time
+    if (has(Hour) ? !timed : !has(First))
+        return {};
+    QDate date(1899, 12, 30);
+    if (has(First) && match.capturedLength(First) > 2) {
+        date = QDate(number(First), number(Second), number(Third));
+    } else if (has(First)) {
+        int year = number(Third);
+        if (match.capturedLength(Third) <= 2)
+            year += year < 30 ? 2000 : 1900;
+        // Month first; a month that cannot be one is the day.
+        date = QDate(year, number(First), number(Second));
+        if (!date.isValid())
+            date = QDate(year, number(Second), number(First));
     }
-
-private:
-    void SkipBlanks() {
-        while (m_at < m_text.size() && IsBlank(m_text[m_at].unicode()))
-            ++m_at;
+    int hour = number(Hour);
+    if (has(Half)) {
+        const bool evening = match.capturedView(Half).startsWith(u'P', Qt::CaseInsensitive);
+        hour = hour >= 1 && hour <= 12 ? hour % 12 + (evening ? 12 : 0) : -1;
     }
-
-    std::optional<int> ReadWhole() {
-        const qsizetype start = m_at;
-        int value = 0;
-        while (m_at < m_text.size() && IsDigit(m_text[m_at].unicode()) && m_at - start < 4)
-            value = value * 10 + (m_text[m_at++].unicode() - u'0');
-        if (m_at == start)
-            return {};
-        return value;
-    }
-
-    bool Skip(char16_t sign) {
-        if (m_at >= m_text.size() || m_text[m_at] != sign)
-            return false;
-        ++m_at;
-        return true;
-    }
-
-    static int FullYear(int year, bool fourDigits) {
-        if (fourDigits || year > 99)
-            return year;
-        return year < 30 ? 2000 + year : 1900 + year;
-    }
-
-    bool ReadDay(QDate& date) {
-        const auto first = ReadWhole();
-        const qsizetype firstDigits = m_at;
-        const char16_t sign = m_text.contains(u'/') ? u'/' : u'-';
-        if (!first || !Skip(sign))
-            return false;
-        const auto second = ReadWhole();
-        if (!second || !Skip(sign))
-            return false;
-        const qsizetype thirdStart = m_at;
-        const auto third = ReadWhole();
-        if (!third)
-            return false;
-        if (firstDigits > 2) {
-            date = QDate(*first, *second, *third);
-        } else {
-            // Month first; a month that cannot be one is the day.
-            const int year = FullYear(*third, m_at - thirdStart > 2);
-            date = QDate(year, *first, *second);
-            if (!date.isValid())
-                date = QDate(year, *second, *first);
-        }
-        return date.isValid() && date.year() >= 100;
-    }
-
-    bool ReadTime(QTime& time) {
-        const auto hour = ReadWhole();
-        if (!hour)
-            return false;
-        int hours = *hour;
-        int minutes = 0;
-        int seconds = 0;
-        const bool hasMinutes = Skip(u':');
-        if (hasMinutes) {
-            const auto minute = ReadWhole();
-            if (!minute)
-                return false;
-            minutes = *minute;
-            if (Skip(u':')) {
-                const auto second = ReadWhole();
-                if (!second)
-                    return false;
-                seconds = *second;
-            }
-        }
-        SkipBlanks();
-        const bool hasHalf = ReadHalfOfDay(hours);
-        time = QTime(hours, minutes, seconds);
-        return (hasMinutes || hasHalf) && time.isValid();
-    }
-
-    bool ReadHalfOfDay(int& hours) {
-        const QStringView rest = m_text.mid(m_at).trimmed();
-        const bool morning = rest.compare(QLatin1String("AM"), Qt::CaseInsensitive) == 0;
-        const bool evening = rest.compare(QLatin1String("PM"), Qt::CaseInsensitive) == 0;
-        if (!morning && !evening)
-            return false;
-        m_at = m_text.size();
-        if (hours < 1 || hours > 12)
-            hours = 24; // no time
-        else
-            hours = hours % 12 + (evening ? 12 : 0);
-        return true;
-    }
-
-    QStringView m_text;
-    qsizetype m_at = 0;
-};
+    const QTime time(hour, number(Minute), number(Seconds));
+    if (!date.isValid() || date.year() < 100 || !time.isValid())
+        return {};
+    return QDateTime(date, time, Qt::UTC);
+}
 
 QString WithoutDoubled(QStringView inside, char16_t quote) {
     QString text = inside.toString();
@@ -159,6 +81,18 @@ QString WithoutDoubled(QStringView inside, char16_t quote) {
         text.replace(QString(2, QChar(quote)), QString(QChar(quote)));
     return text;
 }
+
+// Keywords that stand for a name only in brackets, in order of the alphabet.
+constexpr auto reserved = std::to_array<std::string_view>({
+    "ALL",        "ALTER",  "AND",     "ANY",      "AS",          "ASC",    "BETWEEN", "BY",     "CONSTRAINT",
+    "CREATE",     "DELETE", "DESC",    "DISTINCT", "DISTINCTROW", "DROP",   "EQV",     "EXISTS", "FALSE",
+    "FROM",       "GROUP",  "HAVING",  "IMP",      "IN",          "INNER",  "INSERT",  "INTO",   "IS",
+    "JOIN",       "LEFT",   "LIKE",    "MOD",      "NOT",         "NULL",   "ON",      "OR",     "ORDER",
+    "PARAMETERS", "PIVOT",  "PRIMARY", "RIGHT",    "SELECT",      "SET",    "SOME",    "TABLE",  "TOP",
+    "TRANSFORM",  "TRUE",   "UNION",   "UNIQUE",   "UPDATE",      "VALUES", "WHERE",   "WITH",   "XOR",
+});
+static_assert(std::ranges::is_sorted(reserved));
+constexpr std::size_t longestReserved = 11;
 
 std::int64_t WholeOf(QStringView digits) {
     std::int64_t value = 0;
@@ -197,20 +131,17 @@ Value HexadecimalValue(QStringView digits) {
 } // namespace
 
 bool Token::IsWord(std::string_view keyword) const {
-    if (kind != TokenKind::Word || text.size() != static_cast<qsizetype>(keyword.size()))
-        return false;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        char16_t c = text[i].unicode();
-        if (c >= u'a' && c <= u'z')
-            c = static_cast<char16_t>(c - 0x20);
-        if (c != static_cast<char16_t>(keyword[static_cast<std::size_t>(i)]))
-            return false;
-    }
-    return true;
+    const auto same = [](QChar c, char k) {
+        return c.unicode() == static_cast<char16_t>(k) ||
+               (c.unicode() >= u'a' && c.unicode() <= u'z' && c.unicode() - 0x20 == k);
+    };
+    return kind == TokenKind::Word && std::ranges::equal(text, keyword, same);
 }
 
-bool IsPattern(const Token& literal) {
-    return literal.kind != TokenKind::Text || functions::IsPattern(Lexer::LiteralValue(literal).Text());
+bool Token::IsReserved() const {
+    const auto capitals = Capitals(text, longestReserved);
+    return kind == TokenKind::Word && capitals &&
+           std::ranges::binary_search(reserved, std::string_view(*capitals));
 }
 
 Token Lexer::Make(TokenKind kind, qsizetype end) {
@@ -325,7 +256,7 @@ Token Lexer::ReadDate() {
     const qsizetype end = m_text.indexOf(u'#', m_position + 1);
     if (end < 0)
         return Make(TokenKind::BadDate, m_text.size());
-    const bool valid = DateReader(m_text.mid(m_position + 1, end - m_position - 1)).Read().has_value();
+    const bool valid = ReadMoment(m_text.mid(m_position + 1, end - m_position - 1)).has_value();
     return Make(valid ? TokenKind::Date : TokenKind::BadDate, end + 1);
 }
 
@@ -360,7 +291,7 @@ Value Lexer::LiteralValue(const Token& token) {
     case TokenKind::Fraction:
         return FractionValue(token.text);
     case TokenKind::Date:
-        return Value(*DateReader(token.text.mid(1, token.text.size() - 2)).Read());
+        return Value(*ReadMoment(token.text.mid(1, token.text.size() - 2)));
     default:
         return {};
     }

@@ -37,6 +37,8 @@ struct Token {
     bool Is(char16_t character) const { return kind == TokenKind::Sign && sign == character; }
     /// Whether it is this keyword; `keyword` in capitals.
     bool IsWord(std::string_view keyword) const;
+    /// Whether it is a keyword that no bare name can be.
+    bool IsReserved() const;
     bool IsLiteral() const { return kind >= TokenKind::Text && kind <= TokenKind::Date; }
     bool IsBroken() const { return kind >= TokenKind::OpenText; }
 };
@@ -44,9 +46,6 @@ struct Token {
 inline constexpr char16_t LessEqual = u'\u2264';
 inline constexpr char16_t GreaterEqual = u'\u2265';
 inline constexpr char16_t NotEqual = u'\u2260';
-
-/// Whether a literal can be a pattern of LIKE: a text whose `[` are closed, or no text at all.
-bool IsPattern(const Token& literal);
 
 /// Cuts a statement into tokens, one at a call.
 class Lexer {

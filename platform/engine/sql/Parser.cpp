@@ -1,7 +1,7 @@
 #include "platform/engine/sql/Parser.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/sql/Words.h"
+#include "platform/engine/functions/Functions.h"
 #include "platform/runtime/Failure.h"
 
 #include <algorithm>
@@ -18,67 +18,14 @@ namespace {
 constexpr int deepestTree = 400;
 constexpr int deepestNesting = 400;
 
-constexpr int notLevel = 6;
-constexpr int comparisonLevel = 7;
-constexpr int negateLevel = 13;
-constexpr int powerLevel = 14;
+constexpr QStringView misplacedPoint = u"Недопустимое использование '.', '!' или '()'";
 
-struct Operator {
-    Op op;
-    int level;
-};
-
-std::optional<Operator> SignOperator(char16_t sign) {
-    switch (sign) {
-    case u'=':
-        return Operator{Op::Equal, comparisonLevel};
-    case u'<':
-        return Operator{Op::Less, comparisonLevel};
-    case u'>':
-        return Operator{Op::Greater, comparisonLevel};
-    case LessEqual:
-        return Operator{Op::LessEqual, comparisonLevel};
-    case GreaterEqual:
-        return Operator{Op::GreaterEqual, comparisonLevel};
-    case NotEqual:
-        return Operator{Op::NotEqual, comparisonLevel};
-    case u'&':
-        return Operator{Op::Concat, 8};
-    case u'+':
-        return Operator{Op::Add, 9};
-    case u'-':
-        return Operator{Op::Subtract, 9};
-    case u'\\':
-        return Operator{Op::IntDivide, 11};
-    case u'*':
-        return Operator{Op::Multiply, 12};
-    case u'/':
-        return Operator{Op::Divide, 12};
-    case u'^':
-        return Operator{Op::Power, powerLevel};
-    default:
-        return {};
-    }
-}
-
-std::optional<Operator> WordOperator(const Token& token) {
-    if (token.IsWord("AND"))
-        return Operator{Op::And, 5};
-    if (token.IsWord("OR"))
-        return Operator{Op::Or, 4};
-    if (token.IsWord("XOR"))
-        return Operator{Op::Xor, 3};
-    if (token.IsWord("EQV"))
-        return Operator{Op::Eqv, 2};
-    if (token.IsWord("IMP"))
-        return Operator{Op::Imp, 1};
-    if (token.IsWord("MOD"))
-        return Operator{Op::Mod, 10};
-    return {};
+bool IsOneOf(const Token& token, std::initializer_list<std::string_view> words) {
+    return std::ranges::any_of(words, [&](std::string_view word) { return token.IsWord(word); });
 }
 
 bool IsComparisonWord(const Token& token) {
-    return token.IsWord("LIKE") || token.IsWord("IN") || token.IsWord("BETWEEN");
+    return IsOneOf(token, {"LIKE", "IN", "BETWEEN"});
 }
 
 } // namespace
@@ -131,6 +78,15 @@ Token Parser::Take() {
     return token;
 }
 
+void Parser::Skip(int tokens) {
+    while (tokens-- > 0)
+        Take();
+}
+
+bool Parser::AtEnd(std::size_t ahead) const {
+    return Peek(ahead).kind == TokenKind::End || Peek(ahead).Is(u';');
+}
+
 bool Parser::TakeWord(std::string_view keyword) {
     if (!AtWord(keyword))
         return false;
@@ -147,7 +103,7 @@ bool Parser::TakeSign(char16_t sign) {
 
 bool Parser::AtName(std::size_t ahead) const {
     const Token& token = Peek(ahead);
-    return token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !IsReserved(token.text));
+    return token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !token.IsReserved());
 }
 
 bool Parser::AtQuery() const {
@@ -180,25 +136,17 @@ QString Parser::ExpectName(int number) {
 }
 
 bool Parser::AtClauseEnd() const {
-    const Token& token = Peek();
-    return token.kind == TokenKind::End || token.Is(u';') || (token.Is(u')') && m_parentheses > 0) ||
-           token.IsWord("WHERE") || token.IsWord("GROUP") || token.IsWord("HAVING") ||
-           token.IsWord("ORDER") || token.IsWord("UNION") || token.IsWord("PIVOT") || token.IsWord("WITH");
+    return AtEnd() || (Peek().Is(u')') && m_parentheses > 0) ||
+           IsOneOf(Peek(), {"WHERE", "GROUP", "HAVING", "ORDER", "UNION", "PIVOT", "WITH"});
 }
 
 bool Parser::AtNextClause() const {
-    static constexpr auto words = std::to_array<std::string_view>(
-        {"FROM", "GROUP", "HAVING", "INTO", "ORDER", "PIVOT", "SET", "UNION", "VALUES", "WHERE"});
-    return Peek().kind == TokenKind::End || Peek().Is(u';') ||
-           std::ranges::any_of(words, [this](std::string_view word) { return AtWord(word); });
-}
-
-bool Parser::AtJoinWord() const {
-    return AtWord("INNER") || AtWord("LEFT") || AtWord("RIGHT") || AtWord("JOIN");
+    return AtEnd() || IsOneOf(Peek(), {"FROM", "GROUP", "HAVING", "INTO", "ORDER", "PIVOT", "SET", "UNION",
+                                       "VALUES", "WHERE"});
 }
 
 void Parser::ExpectStatementEnd(int number) {
-    if (Peek().kind != TokenKind::End && !Peek().Is(u';'))
+    if (!AtEnd())
         RaiseEngine(number);
     TakeSign(u';');
     if (Peek().kind != TokenKind::End)
@@ -212,8 +160,7 @@ void Parser::FailExpression(QStringView reason) const {
 }
 
 void Parser::FailPrimary() const {
-    const Token& token = Peek();
-    switch (token.kind) {
+    switch (Peek().kind) {
     case TokenKind::OpenText:
         FailExpression(u"Ошибка синтаксиса в строке");
     case TokenKind::OpenName:
@@ -225,20 +172,17 @@ void Parser::FailPrimary() const {
     default:
         break;
     }
-    if (token.Is(u','))
-        FailExpression(u"Ошибка синтаксиса (запятая)");
-    if (token.Is(u'.') || token.Is(u'!'))
-        FailExpression(u"Недопустимое использование '.', '!' или '()'");
-    FailExpression(u"Ошибка синтаксиса (пропущен оператор)");
+    if (Peek().Is(u'.') || Peek().Is(u'!'))
+        FailExpression(misplacedPoint);
+    FailExpression(Peek().Is(u',') ? u"Ошибка синтаксиса (запятая)"
+                                   : u"Ошибка синтаксиса (пропущен оператор)");
 }
 
 void Parser::FailBehindExpression() const {
-    const Token& token = Peek();
-    if (token.Is(u')'))
+    if (Peek().Is(u')'))
         FailExpression(u"Лишняя )");
-    if (token.Is(u','))
-        FailExpression(u"Ошибка синтаксиса (запятая)");
-    FailExpression(u"Ошибка синтаксиса (пропущен оператор)");
+    FailExpression(Peek().Is(u',') ? u"Ошибка синтаксиса (запятая)"
+                                   : u"Ошибка синтаксиса (пропущен оператор)");
 }
 
 void Parser::FailOpenParenthesis() const {
@@ -268,8 +212,7 @@ qsizetype Parser::ClauseEnd(std::size_t from) const {
         const bool behindError = at >= m_at;
         const bool outside = depth < 0 && (at > m_at || m_parentheses > 0);
         const bool word = (depth <= 0 || at == m_at) &&
-                          (token.IsWord("WHERE") || token.IsWord("GROUP") || token.IsWord("HAVING") ||
-                           token.IsWord("ORDER") || token.IsWord("UNION") || token.IsWord("FROM"));
+                          IsOneOf(token, {"WHERE", "GROUP", "HAVING", "ORDER", "UNION", "FROM"});
         const bool itemEnd = m_clause == Clause::Item && depth <= 0 && token.Is(u',') && at > m_at;
         if (m_clause != Clause::Value && behindError && (token.Is(u';') || outside || word || itemEnd))
             break;
@@ -278,11 +221,13 @@ qsizetype Parser::ClauseEnd(std::size_t from) const {
     return end;
 }
 
-NodePtr Parser::NewNode(NodeKind kind, const Token& first) const {
+NodePtr Parser::NewNode(NodeKind kind, const Token& first, NodePtr left) const {
     auto node = std::make_unique<Node>();
     node->kind = kind;
-    node->start = first.start;
+    node->start = left ? left->start : first.start;
     node->end = first.end;
+    if (left)
+        node->children.push_back(std::move(left));
     return node;
 }
 
@@ -309,22 +254,18 @@ NodePtr Parser::ParseBinary(int level) {
     NodePtr left = ParsePrefix();
     for (;;) {
         const Token& token = Peek();
-        const bool comparison = IsComparisonWord(token) || token.IsWord("IS") ||
-                                (token.IsWord("NOT") && IsComparisonWord(Peek(1)));
-        std::optional<Operator> found = comparison                      ? Operator{Op::Like, comparisonLevel}
-                                        : token.kind == TokenKind::Sign ? SignOperator(token.sign)
-                                                                        : WordOperator(token);
+        const bool negated = token.IsWord("NOT") && IsComparisonWord(Peek(1));
+        const bool special = negated || IsOneOf(token, {"IN", "BETWEEN", "IS"});
+        const Operator* found = special ? &OperatorOf(Op::Like) : FindOperator(token);
         if (!found || found->level < level)
             return left;
-        if (found->level == comparisonLevel) {
+        if (found->level == ComparisonLevel) {
             left = ParseComparison(std::move(left));
             continue;
         }
         Take();
-        NodePtr node = NewNode(NodeKind::Binary, token);
-        node->start = left->start;
+        NodePtr node = NewNode(NodeKind::Binary, token, std::move(left));
         node->op = found->op;
-        node->children.push_back(std::move(left));
         node->children.push_back(ParseBinary(found->level + 1));
         left = Finish(std::move(node));
     }
@@ -337,7 +278,7 @@ NodePtr Parser::ParsePrefix() {
     if (!negates && !token.Is(u'-') && !token.Is(u'+'))
         return ParsePrimary();
     Take();
-    NodePtr operand = ParseBinary(negates ? notLevel + 1 : negateLevel + 1);
+    NodePtr operand = ParseBinary((negates ? NotLevel : NegateLevel) + 1);
     if (token.Is(u'+'))
         return operand;
     NodePtr node = NewNode(negates ? NodeKind::Not : NodeKind::Negate, token);
@@ -346,9 +287,7 @@ NodePtr Parser::ParsePrefix() {
 }
 
 NodePtr Parser::ParseComparison(NodePtr left) {
-    const bool negated = AtWord("NOT");
-    if (negated)
-        Take();
+    const bool negated = TakeWord("NOT");
     if (AtWord("IN"))
         return ParseIn(std::move(left), negated);
     if (AtWord("BETWEEN"))
@@ -356,47 +295,40 @@ NodePtr Parser::ParseComparison(NodePtr left) {
     if (AtWord("IS"))
         return ParseIsNull(std::move(left));
     const Token sign = Take();
-    NodePtr node = NewNode(NodeKind::Binary, sign);
-    node->start = left->start;
+    NodePtr node = NewNode(NodeKind::Binary, sign, std::move(left));
     node->negated = negated;
-    node->op = sign.kind == TokenKind::Sign ? SignOperator(sign.sign)->op : Op::Like;
-    node->children.push_back(std::move(left));
-    const bool all = AtWord("ALL");
-    if (sign.kind == TokenKind::Sign && (all || AtWord("ANY") || AtWord("SOME"))) {
-        Take();
+    node->op = FindOperator(sign)->op;
+    if (node->op != Op::Like && IsOneOf(Peek(), {"ALL", "ANY", "SOME"})) {
+        node->kind = NodeKind::Quantified;
+        node->all = Take().IsWord("ALL");
         if (!Peek().Is(u'('))
             FailPrimary();
-        node->kind = NodeKind::Quantified;
-        node->all = all;
         node->query = ParseNestedQuery();
         return Finish(std::move(node));
     }
     const bool pattern = node->op == Op::Like && Peek().IsLiteral();
-    node->children.push_back(ParseBinary(comparisonLevel + 1));
+    node->children.push_back(ParseBinary(ComparisonLevel + 1));
     Node& right = *node->children.back();
     right.pattern = pattern && right.kind == NodeKind::Literal;
-    if (node->op == Op::Like && right.kind == NodeKind::Literal && !IsPattern(right.token))
+    if (node->op == Op::Like && right.kind == NodeKind::Literal && right.token.kind == TokenKind::Text &&
+        !functions::IsPattern(Lexer::LiteralValue(right.token).Text()))
         runtime::Raise(runtime::InvalidPattern);
     return Finish(std::move(node));
 }
 
 NodePtr Parser::ParseBetween(NodePtr left, bool negated) {
-    NodePtr node = NewNode(NodeKind::Between, Take());
-    node->start = left->start;
+    NodePtr node = NewNode(NodeKind::Between, Take(), std::move(left));
     node->negated = negated;
-    node->children.push_back(std::move(left));
-    node->children.push_back(ParseBinary(comparisonLevel + 1));
+    node->children.push_back(ParseBinary(ComparisonLevel + 1));
     if (!TakeWord("AND"))
         FailExpression(u"Оператор Between без And");
-    node->children.push_back(ParseBinary(comparisonLevel + 1));
+    node->children.push_back(ParseBinary(ComparisonLevel + 1));
     return Finish(std::move(node));
 }
 
 NodePtr Parser::ParseIn(NodePtr left, bool negated) {
-    NodePtr node = NewNode(NodeKind::InList, Take());
-    node->start = left->start;
+    NodePtr node = NewNode(NodeKind::InList, Take(), std::move(left));
     node->negated = negated;
-    node->children.push_back(std::move(left));
     if (!Peek().Is(u'('))
         FailExpression(u"Оператор In без ()");
     if (AtQuery()) {
@@ -409,12 +341,10 @@ NodePtr Parser::ParseIn(NodePtr left, bool negated) {
 }
 
 NodePtr Parser::ParseIsNull(NodePtr left) {
-    NodePtr node = NewNode(NodeKind::IsNull, Take());
-    node->start = left->start;
+    NodePtr node = NewNode(NodeKind::IsNull, Take(), std::move(left));
     node->negated = TakeWord("NOT");
     if (!TakeWord("NULL"))
         FailExpression(u"Недопустимое использование оператора Is");
-    node->children.push_back(std::move(left));
     return Finish(std::move(node));
 }
 
@@ -424,11 +354,9 @@ NodePtr Parser::ParsePrimary() {
         return ParseLiteral();
     if (token.Is(u'('))
         return ParseParenthesis();
-    if (token.IsWord("NULL")) {
-        Take();
-        return NewNode(NodeKind::Null, token);
-    }
-    if (token.IsWord("TRUE") || token.IsWord("FALSE") || token.IsWord("ON")) {
+    if (token.IsWord("NULL"))
+        return NewNode(NodeKind::Null, Take());
+    if (IsOneOf(token, {"TRUE", "FALSE", "ON"})) {
         NodePtr node = NewNode(NodeKind::Truth, Take());
         node->negated = token.IsWord("FALSE");
         return node;
@@ -438,9 +366,8 @@ NodePtr Parser::ParsePrimary() {
         node->query = ParseNestedQuery();
         return Finish(std::move(node));
     }
-    const bool call = token.kind == TokenKind::Word && Peek(1).Is(u'(');
-    const bool function = token.IsWord("ASC") || token.IsWord("LEFT") || token.IsWord("RIGHT");
-    if (call && (!IsReserved(token.text) || function))
+    const bool function = AtName() || IsOneOf(token, {"ASC", "LEFT", "RIGHT"});
+    if (token.kind == TokenKind::Word && Peek(1).Is(u'(') && function)
         return ParseCall();
     if (AtName())
         return ParseName();
@@ -479,7 +406,7 @@ NodePtr Parser::ParseName() {
         // Behind a point every word is a name.
         const bool named = part.kind == TokenKind::Word || part.kind == TokenKind::Name;
         if (!named || !node->qualifier.isEmpty())
-            FailExpression(u"Недопустимое использование '.', '!' или '()'");
+            FailExpression(misplacedPoint);
         Take();
         node->qualifier = std::exchange(node->name, Lexer::NameOf(Take()).toString());
     }
@@ -492,9 +419,7 @@ NodePtr Parser::ParseCall() {
     node->name = Take().text.toString();
     if (Peek(1).Is(u'*') && Peek(2).Is(u')')) {
         node->all = true;
-        Take();
-        Take();
-        Take();
+        Skip(3);
     } else {
         ParseArguments(*node);
     }

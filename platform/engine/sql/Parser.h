@@ -27,6 +27,9 @@ private:
     // Tokens
     const Token& Peek(std::size_t ahead = 0) const;
     Token Take();
+    void Skip(int tokens);
+    /// Whether the statement ends here.
+    bool AtEnd(std::size_t ahead = 0) const;
     bool TakeWord(std::string_view keyword);
     bool TakeSign(char16_t sign);
     bool AtWord(std::string_view keyword, std::size_t ahead = 0) const { return Peek(ahead).IsWord(keyword); }
@@ -40,7 +43,6 @@ private:
     bool AtClauseEnd() const;
     /// Whether the statement ends here, or a word that no expression can hold begins its next clause.
     bool AtNextClause() const;
-    bool AtJoinWord() const;
     void ExpectStatementEnd(int number);
 
     // Failures
@@ -67,7 +69,8 @@ private:
     NodePtr ParseCall();
     void ParseArguments(Node& call);
     std::unique_ptr<Query> ParseNestedQuery();
-    NodePtr NewNode(NodeKind kind, const Token& first) const;
+    /// With an operand in front of `first`, the node begins there.
+    NodePtr NewNode(NodeKind kind, const Token& first, NodePtr left = {}) const;
     NodePtr Finish(NodePtr node) const;
 
     // Queries

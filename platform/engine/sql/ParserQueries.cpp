@@ -60,10 +60,7 @@ std::unique_ptr<Query> Parser::ParseQuery() {
     if (AtWord("ORDER"))
         ParseOrderBy(*query);
     if (AtWord("WITH") && AtWord("OWNERACCESS", 1) && AtWord("OPTION", 2)) {
-        // The engine has no owners; the words change nothing.
-        Take();
-        Take();
-        Take();
+        Skip(3); // the engine has no owners; the words change nothing
     }
     for (const auto& part : query->parts) {
         if (part.query)
@@ -139,8 +136,7 @@ SelectItem Parser::ParseItem(int number) {
     const bool point = Peek(1).Is(u'.') || Peek(1).Is(u'!');
     if (AtName() && point && Peek(2).Is(u'*')) {
         item.qualifier = Lexer::NameOf(Take()).toString();
-        Take();
-        Take();
+        Skip(2);
         return item;
     }
     if (AtClauseEnd() || AtWord("FROM") || AtWord("INTO") || AtWord("AS") || Peek().Is(u','))
@@ -159,7 +155,8 @@ void Parser::ParseFrom(std::vector<SourcePtr>& from) {
 
 SourcePtr Parser::ParseJoins() {
     SourcePtr source = ParseSource();
-    return AtJoinWord() ? ParseJoinTail(std::move(source)) : std::move(source);
+    const bool joins = AtWord("INNER") || AtWord("LEFT") || AtWord("RIGHT") || AtWord("JOIN");
+    return joins ? ParseJoinTail(std::move(source)) : std::move(source);
 }
 
 SourcePtr Parser::ParseJoinTail(SourcePtr left) {

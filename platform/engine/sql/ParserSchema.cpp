@@ -88,7 +88,7 @@ ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
             break;
         ParseColumnConstraint(column, table, name);
     }
-    if (!Peek().Is(u',') && !Peek().Is(u')') && Peek().kind != TokenKind::End && !Peek().Is(u';'))
+    if (!Peek().Is(u',') && !Peek().Is(u')') && !AtEnd())
         RaiseEngine(number);
     return column;
 }

@@ -88,7 +88,7 @@ void Parser::ParseTransform(Statement& statement) {
         NodePtr pivot = std::move(children.front());
         transform.pivot = std::move(pivot);
     }
-    if (Peek().kind != TokenKind::End && !Peek().Is(u';'))
+    if (!AtEnd())
         FailBehindExpression();
     ExpectStatementEnd(SyntaxInTransform);
 }
@@ -118,7 +118,7 @@ void Parser::ParseValues(Insert& insert) {
         if (Peek().Is(u',') || Peek().Is(u')') || Peek().kind == TokenKind::End)
             RaiseEngine(SyntaxInInsert);
         insert.values.push_back(ParseExpression(Clause::Value));
-        if (Peek().kind == TokenKind::End || Peek().Is(u';'))
+        if (AtEnd())
             RaiseEngine(SyntaxInInsert); // the parenthesis is left open
         if (!Peek().Is(u',') && !Peek().Is(u')'))
             FailBehindExpression();
@@ -145,7 +145,7 @@ void Parser::ParseUpdate(Update& update) {
         assignment.value = ParseExpression(Clause::Item);
         update.assignments.push_back(std::move(assignment));
     } while (TakeSign(u','));
-    if (!AtWord("WHERE") && Peek().kind != TokenKind::End && !Peek().Is(u';'))
+    if (!AtWord("WHERE") && !AtEnd())
         FailBehindExpression();
     update.where = ParseWhere();
     ExpectStatementEnd(SyntaxInUpdate);

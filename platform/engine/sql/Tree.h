@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/sql/Lexer.h"
+#include "platform/engine/sql/Operators.h"
 #include "platform/engine/sql/Plan.h"
 
 #include <memory>
@@ -27,29 +27,6 @@ enum class NodeKind : std::uint8_t {
     Subquery,
     Exists,
     Quantified, ///< child: value; op; query; `all`
-};
-
-enum class Op : std::uint8_t {
-    Imp,
-    Eqv,
-    Xor,
-    Or,
-    And,
-    Equal,
-    NotEqual,
-    Less,
-    LessEqual,
-    Greater,
-    GreaterEqual,
-    Like,
-    Concat,
-    Add,
-    Subtract,
-    Mod,
-    IntDivide,
-    Multiply,
-    Divide,
-    Power,
 };
 
 struct Node {

@@ -123,6 +123,7 @@ bool frmAbout::Form_KeyDown(int key, Qt::KeyboardModifiers modifiers) {
 void frmAbout::lblMailTo_Click() {
     try {
         mpsConnect.SignOn();
+        mpmMessage.SessionID = mpsConnect.SessionID;
         mpmMessage.Compose();
         mpmMessage.RecipDisplayName = QStringLiteral("Orlenta+");
         mpmMessage.RecipAddress = AuthorMail();

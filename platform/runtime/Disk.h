@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <cstdint>
 #include <system_error>
 
 namespace runtime {
@@ -72,9 +73,9 @@ public:
     static bool IsLocked(const QString& path);
 
 private:
-    Result Take(const QString& path, int flags, short kind);
+    Result Take(const QString& path, bool alone);
 
-    int m_descriptor = -1;
+    std::intptr_t m_file = -1; ///< as the system names an open file; -1: none
 };
 
 } // namespace runtime

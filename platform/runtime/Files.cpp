@@ -3,6 +3,7 @@
 #include "platform/runtime/Codec1251.h"
 #include "platform/runtime/DiskSync.h"
 #include "platform/runtime/Failure.h"
+#include "platform/runtime/System.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <QStandardPaths>
 #include <QThread>
 
-#include <cerrno>
 #include <chrono>
 #include <map>
 
@@ -33,26 +33,19 @@ std::map<FileIdentity, HeldFile>& OpenDatabases() {
     return files;
 }
 
-/// Whether the system could take the text for a path at all.
-bool IsWellFormed(const QString& path) {
-    constexpr qsizetype LongestPath = 4095; // bytes
-    return !path.contains(QChar::Null) && path.isValidUtf16() &&
-           QFile::encodeName(path).size() <= LongestPath;
-}
-
 void CheckWellFormed(const QString& path) {
-    if (path.isEmpty() || !IsWellFormed(path))
+    if (path.isEmpty() || !IsPossiblePath(path))
         Raise(BadFileName);
 }
 
 /// No folder, device or pipe: opening one of these could block or do harm.
 void CheckRegular(const QFileInfo& info) {
-    if (!info.isFile())
+    if (!info.isFile() || NamesDevice(info.filePath()))
         Raise(PathFileAccess);
 }
 
 bool MayWriteFolderOf(const QFileInfo& info) {
-    return QFileInfo(info.absolutePath()).isWritable();
+    return MayMakeFilesIn(info.absolutePath());
 }
 
 void CheckWritten(const std::error_code& error) {
@@ -63,7 +56,7 @@ void CheckWritten(const std::error_code& error) {
 } // namespace
 
 bool IsFile(const QString& path) {
-    return !path.isEmpty() && IsWellFormed(path) && QFileInfo(path).isFile();
+    return !path.isEmpty() && IsPossiblePath(path) && !NamesDevice(path) && QFileInfo(path).isFile();
 }
 
 bool IsPlainFile(const QString& path) {
@@ -145,7 +138,7 @@ OutputFile::OutputFile(const QString& path)
     else if (!QFileInfo(info.absolutePath()).isDir())
         Raise(PathNotFound);
     m->file.setFileName(path);
-    errno = 0;
+    ForgetLastError();
     if (m->file.open(QFile::WriteOnly | QFile::NewOnly))
         return;
     if (IsDiskFull(WriteErrorOf(m->file)))
@@ -159,7 +152,7 @@ OutputFile::~OutputFile() = default;
 
 void OutputFile::Print(const QString& line) {
     const QByteArray bytes = To1251(line) + "\r\n";
-    errno = 0;
+    ForgetLastError();
     if (m->file.write(bytes) != bytes.size())
         CheckWritten(WriteErrorOf(m->file));
 }
@@ -244,8 +237,7 @@ void InputFile::Close() {
 
 QString ProgramFolder() {
     const QString beside = QCoreApplication::applicationDirPath();
-    const bool installed = beside.startsWith(QStringLiteral("/usr/"));
-    if (!installed && QFileInfo(beside).isWritable())
+    if (!IsSystemFolder(beside) && MayMakeFilesIn(beside))
         return QDir::toNativeSeparators(QDir::cleanPath(beside));
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const bool usable = !documents.isEmpty() && QDir().mkpath(documents);

@@ -3,13 +3,6 @@
 #include "platform/runtime/Failure.h"
 #include "platform/runtime/SettingsFile.h"
 
-#ifdef Q_OS_WIN
-#include "platform/runtime/RegistryStore.h"
-#else
-#include <QDir>
-#include <QStandardPaths>
-#endif
-
 namespace runtime {
 
 namespace {
@@ -19,13 +12,7 @@ QString ownFile;
 std::unique_ptr<SettingsStore> StoreOf(const QString& app) {
     if (!ownFile.isEmpty())
         return std::make_unique<SettingsFile>(ownFile);
-#ifdef Q_OS_WIN
-    return std::make_unique<RegistryStore>(app);
-#else
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    const QString name = app.toLower() + QStringLiteral("/settings.ini");
-    return std::make_unique<SettingsFile>(QDir(folder).filePath(name));
-#endif
+    return UserSettings(app);
 }
 
 } // namespace

@@ -3,12 +3,11 @@
 #include "platform/runtime/DiskSync.h"
 #include "platform/runtime/Failure.h"
 #include "platform/runtime/IniFile.h"
+#include "platform/runtime/System.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
-
-#include <cerrno>
 
 namespace runtime {
 
@@ -31,14 +30,14 @@ void MakeFolderOf(const QString& path) {
 /// Gives the name to a whole new file; the folder may not know of it yet.
 void Write(const QString& path, const QByteArray& text) {
     QSaveFile file(path);
-    errno = 0;
+    ForgetLastError();
     if (!file.open(QSaveFile::WriteOnly))
         Raise(IsDiskFull(WriteErrorOf(file)) ? DiskFull : PathFileAccess);
-    errno = 0;
+    ForgetLastError();
     if (file.write(text) != text.size())
         Check(WriteErrorOf(file));
     Check(SyncFile(file)); // the last step of QSaveFile would pass over what fails in it
-    errno = 0;
+    ForgetLastError();
     if (!file.commit())
         Check(WriteErrorOf(file));
 }

@@ -2,6 +2,7 @@
 
 #include <QStringList>
 
+#include <memory>
 #include <optional>
 
 namespace runtime {
@@ -23,5 +24,8 @@ protected:
     SettingsStore(const SettingsStore&) = default;
     SettingsStore& operator=(const SettingsStore&) = default;
 };
+
+/// The store of the user of this system.
+std::unique_ptr<SettingsStore> UserSettings(const QString& app);
 
 } // namespace runtime

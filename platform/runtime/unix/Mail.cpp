@@ -14,9 +14,6 @@ namespace {
 constexpr int MailFailure = 32002;
 constexpr int NoMailProgram = 32003;
 
-#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
-// The one place that asks the desktop: other systems always have something registered for mail addresses, and
-// tell by themselves if it cannot be used.
 bool HasMailProgram() {
     const QString query = QStandardPaths::findExecutable(QStringLiteral("xdg-mime"));
     if (query.isEmpty())
@@ -30,11 +27,6 @@ bool HasMailProgram() {
     const QString entry = QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed();
     return !entry.isEmpty() && !QStandardPaths::locate(QStandardPaths::ApplicationsLocation, entry).isEmpty();
 }
-#else
-bool HasMailProgram() {
-    return true;
-}
-#endif
 
 /// The name in quotes, since it may hold what has a meaning in an address.
 QString Recipient(QString name, const QString& address) {
@@ -51,9 +43,8 @@ void MapiSession::SignOn() {
     m_open = true;
 }
 
-void MapiMessage::Compose() {
-    RecipDisplayName.clear();
-    RecipAddress.clear();
+void MapiSession::SignOff() {
+    m_open = false;
 }
 
 void MapiMessage::Send(bool withDialog) {

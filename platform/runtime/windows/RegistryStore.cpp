@@ -1,4 +1,4 @@
-#include "platform/runtime/RegistryStore.h"
+#include "platform/runtime/windows/RegistryStore.h"
 
 #include "platform/runtime/Failure.h"
 

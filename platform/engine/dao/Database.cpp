@@ -17,20 +17,20 @@ std::shared_ptr<Connection> Open(const std::weak_ptr<Connection>& connection) {
     return open;
 }
 
-const Layout& LayoutOf(Connection& connection, const QString& table) {
-    const Layout* layout = connection.Tables().FindLayout(table);
-    if (layout == nullptr)
+const TableInfo& TableOf(Connection& connection, const QString& name) {
+    const TableInfo* table = connection.Tables().FindTable(name);
+    if (table == nullptr)
         RaiseEngine(ItemNotFound);
-    return *layout;
+    return *table;
 }
 
 ColumnInfo ColumnOf(const std::weak_ptr<Connection>& connection, const QString& table, const QString& name) {
     const auto open = Open(connection);
-    const Layout& layout = LayoutOf(*open, table);
-    const int place = layout.info.Find(name);
+    const TableInfo& info = TableOf(*open, table);
+    const int place = info.Find(name);
     if (place < 0)
         RaiseEngine(ItemNotFound);
-    return layout.info.columns[static_cast<std::size_t>(place)];
+    return info.At(place);
 }
 
 } // namespace
@@ -69,7 +69,7 @@ TableField TableDef::Fields(const QString& name) const {
 
 TableField TableDef::Fields(int index) const {
     const auto open = Open(m_connection);
-    const auto& columns = LayoutOf(*open, m_name).info.columns;
+    const auto& columns = TableOf(*open, m_name).columns;
     if (index < 0 || index >= static_cast<int>(columns.size()))
         RaiseEngine(ItemNotFound);
     return Fields(QString(columns[static_cast<std::size_t>(index)].name));
@@ -77,7 +77,7 @@ TableField TableDef::Fields(int index) const {
 
 int TableDef::FieldsCount() const {
     const auto open = Open(m_connection);
-    return static_cast<int>(LayoutOf(*open, m_name).info.columns.size());
+    return static_cast<int>(TableOf(*open, m_name).columns.size());
 }
 
 Database::Database(std::shared_ptr<Connection> connection, std::unique_ptr<NewFile> file)
@@ -106,7 +106,7 @@ Recordset Database::OpenRecordset(const QString& sql, int, const std::function<b
 TableDef Database::TableDefs(const QString& name) {
     TableDef table;
     table.m_connection = m_connection;
-    table.m_name = LayoutOf(*m_connection, name).info.name;
+    table.m_name = TableOf(*m_connection, name).name;
     return table;
 }
 

@@ -1,7 +1,7 @@
 #include "platform/engine/dao/RecordsetImpl.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/functions/Functions.h"
+#include "platform/engine/schema/Names.h"
 
 #include <sqlite3.h>
 
@@ -127,8 +127,8 @@ int RecordsetImpl::FindColumn(QStringView name) const {
     const auto& columns = m_bound.cached->plan.columns;
     auto found = std::ranges::find_if(columns, [name](const auto& column) { return column.name == name; });
     if (found == columns.end())
-        found = std::ranges::find_if(
-            columns, [name](const auto& column) { return functions::CompareFolded(column.name, name) == 0; });
+        found =
+            std::ranges::find_if(columns, [name](const auto& column) { return SameName(column.name, name); });
     if (found == columns.end())
         RaiseEngine(ItemNotFound);
     return static_cast<int>(found - columns.begin());

@@ -4,6 +4,7 @@
 #include "platform/engine/jet4/OtherPrograms.h"
 #include "platform/engine/jet4/RowCheck.h"
 #include "platform/engine/jet4/RowCopy.h"
+#include "platform/engine/schema/Names.h"
 #include "platform/engine/store/DatabaseFile.h"
 
 #include <QFile>
@@ -44,43 +45,8 @@ QString Quoted(const QString& name) {
     return u'[' + name + u']';
 }
 
-/// The dialect's words for a column of a table that nobody knows.
-QString Declaration(const Column& column) {
-    const auto sized = [&column](QStringView word) {
-        return word.toString() + QStringLiteral("(%1)").arg(column.size);
-    };
-    switch (column.type) {
-    case DataType::Bit:
-        return QStringLiteral("BIT");
-    case DataType::Byte:
-        return QStringLiteral("BYTE");
-    case DataType::Short:
-        return QStringLiteral("SHORT");
-    case DataType::Long:
-        return QStringLiteral("LONG");
-    case DataType::Counter:
-        return QStringLiteral("COUNTER");
-    case DataType::Single:
-        return QStringLiteral("SINGLE");
-    case DataType::Double:
-        return QStringLiteral("DOUBLE");
-    case DataType::Currency:
-        return QStringLiteral("CURRENCY");
-    case DataType::Date:
-        return QStringLiteral("DATETIME");
-    case DataType::Text:
-        return sized(u"TEXT");
-    case DataType::Memo:
-        return QStringLiteral("LONGTEXT");
-    case DataType::Guid:
-        return QStringLiteral("GUID");
-    default:
-        return column.size > 0 ? sized(u"BINARY") : QStringLiteral("LONGBINARY");
-    }
-}
-
 void AllowEmptyText(Database& target, const Table& table, const Column& column) {
-    if (column.type == DataType::Text || column.type == DataType::Memo)
+    if (IsText(column.type))
         target.TableDefs(table.name).Fields(column.name).SetAllowZeroLength(true);
 }
 
@@ -89,7 +55,7 @@ void MakePlainTable(Database& target, const Table& table) {
     QStringList declarations;
     for (const Column& column : table.columns) {
         if (column.type != DataType::Unknown)
-            declarations += Quoted(column.name) + u' ' + Declaration(column);
+            declarations += Quoted(column.name) + u' ' + column.TypeText();
     }
     if (declarations.isEmpty())
         return;
@@ -107,12 +73,12 @@ void AddFurtherColumns(Database& target, const Table& table) {
     for (int i = 0; i < made.FieldsCount(); ++i)
         known += made.Fields(i).Name();
     for (Column added : table.columns) {
-        if (added.type == DataType::Unknown || known.contains(added.name, Qt::CaseInsensitive))
+        if (added.type == DataType::Unknown || HasName(known, added.name))
             continue;
         if (added.type == DataType::Counter)
             added.type = DataType::Long;
         target.Execute(QStringLiteral("ALTER TABLE ") + Quoted(table.name) + QStringLiteral(" ADD COLUMN ") +
-                           Quoted(added.name) + u' ' + Declaration(added),
+                           Quoted(added.name) + u' ' + added.TypeText(),
                        dbFailOnError);
         AllowEmptyText(target, table, added);
     }
@@ -131,11 +97,10 @@ QString FreeName(const QString& name, const QStringList& taken) {
         form[0] = u'_';
     if (form.startsWith(QLatin1String("sqlite_"), Qt::CaseInsensitive))
         form.prepend(u'_');
-    constexpr int longestName = 64;
     constexpr int longestPlace = 4;
     form.truncate(longestName);
     QString free = form;
-    for (int place = 2; free != name && taken.contains(free, Qt::CaseInsensitive); ++place)
+    for (int place = 2; free != name && HasName(taken, free); ++place)
         free = form.left(longestName - longestPlace) + QStringLiteral("_%1").arg(place);
     return free;
 }

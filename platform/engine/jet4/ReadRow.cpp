@@ -154,7 +154,6 @@ Column Reader::ReadColumn(const Bytes& definition) {
     column.fixed = flags & fixedFlag;
     column.offset = definition.U16(21);
     column.length = definition.U16(23);
-    constexpr int longestText = 255;
     if (type == Text)
         column.size = std::clamp(column.length / 2, 1, longestText);
     else if (type == ShortBinary)

@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/jet4/RowParts.h"
+#include "platform/engine/schema/Names.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -18,7 +19,6 @@ constexpr std::uint32_t catalogPage = 2;
 
 // Limits of the format.
 constexpr std::uint32_t mostColumns = 255;
-constexpr int longestName = 64;
 constexpr std::uint32_t mostDefinitionPages = 64;
 
 // A table's definition.
@@ -96,9 +96,8 @@ void CheckColumns(const Table& table) {
 } // namespace
 
 int Table::Find(QStringView column) const {
-    const auto found = std::find_if(columns.begin(), columns.end(), [column](const Column& known) {
-        return column.compare(known.name, Qt::CaseInsensitive) == 0;
-    });
+    const auto found = std::find_if(columns.begin(), columns.end(),
+                                    [column](const Column& known) { return SameName(column, known.name); });
     return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
 }
 
@@ -125,9 +124,8 @@ Reader::Reader(std::unique_ptr<QIODevice> device, QString path)
 }
 
 const Table* Reader::Find(QStringView table) const {
-    const auto found = std::find_if(m_tables.begin(), m_tables.end(), [table](const Table& known) {
-        return table.compare(known.name, Qt::CaseInsensitive) == 0;
-    });
+    const auto found = std::find_if(m_tables.begin(), m_tables.end(),
+                                    [table](const Table& known) { return SameName(table, known.name); });
     return found == m_tables.end() ? nullptr : &*found;
 }
 

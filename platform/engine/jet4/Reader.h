@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/engine/Value.h"
 #include "platform/engine/jet4/RowRange.h"
+#include "platform/engine/schema/Types.h"
 
 #include <QString>
 #include <QStringList>
@@ -11,13 +11,10 @@
 
 namespace engine::jet4 {
 
-/// A column of a table, and where its values lie in a row.
-struct Column {
+/// A column of a table, with the type that takes its values here, Unknown where there is none, and where they
+/// lie in a row.
+struct Column : SizedType {
     QString name;
-    /// The type that takes its values here; Unknown where there is none.
-    DataType type = DataType::Unknown;
-    int size = 0; ///< characters of a text, bytes of a short binary; else 0
-
     std::uint16_t number = 0; ///< its bit in the null mask
     bool fixed = false;
     std::uint16_t offset = 0;   ///< of a fixed column, among the fixed data

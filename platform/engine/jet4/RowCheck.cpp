@@ -40,15 +40,6 @@ struct Rule {
     Distinct seen;
 };
 
-bool IsWhole(DataType type) {
-    return type == DataType::Byte || type == DataType::Short || type == DataType::Long ||
-           type == DataType::Counter;
-}
-
-bool IsText(DataType type) {
-    return type == DataType::Text || type == DataType::Memo;
-}
-
 std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QString& path) {
     class NoTables : public Catalog {
         const TableInfo* FindTable(QStringView) const override { return nullptr; }
@@ -60,7 +51,7 @@ std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QS
         const int place = table.Find(column.name);
         const DataType type =
             place < 0 ? DataType::Unknown : table.columns[static_cast<std::size_t>(place)].type;
-        if (!(IsWhole(column.type) && IsWhole(type)) && !(IsText(column.type) && IsText(type)))
+        if (!(IsWholeNumber(column.type) && IsWholeNumber(type)) && !(IsText(column.type) && IsText(type)))
             RaiseEngine(CannotOpenDatabase, path);
         rules.push_back({static_cast<std::size_t>(place), column, {}});
         rules.back().column.unique =
@@ -89,7 +80,7 @@ void CheckKnownRows(const Reader& reader, const Table& table, const QString& sta
             const Value& value = values[rule.place];
             if (value.IsNull() && rule.column.required)
                 RaiseEngine(CannotOpenDatabase, path);
-            if (IsWhole(rule.column.type))
+            if (IsWholeNumber(rule.column.type))
                 CheckRange(value, rule.column, table, path);
             if (rule.column.unique)
                 rule.seen.Add(value);

@@ -19,16 +19,16 @@ struct CopiedColumns {
 
 /// Raises 3043 if the new file lacks one.
 CopiedColumns ColumnsOf(const Table& table, const FileCatalog& catalog) {
-    const Layout* layout = catalog.FindLayout(table.name);
+    const TableInfo* info = catalog.FindTable(table.name);
     CopiedColumns columns;
     for (std::size_t place = 0; place < table.columns.size(); ++place) {
         const Column& column = table.columns[place];
         if (column.type == DataType::Unknown)
             continue;
-        const int target = layout ? layout->info.Find(column.name) : -1;
+        const int target = info ? info->Find(column.name) : -1;
         if (target < 0)
             RaiseEngine(DiskOrNetworkFailure);
-        if (target == layout->info.RowNumberColumn())
+        if (target == info->RowNumberColumn())
             columns.rowNumber = static_cast<int>(columns.places.size());
         columns.names += QuoteName(column.name);
         columns.places.push_back(place);
@@ -100,7 +100,7 @@ void RowCopy::CompareAll(const std::vector<Table>& tables) {
 
 // Many rows go into one statement: what SQLite does once for each statement weighs as much as a row.
 void RowCopy::Copy(const Table& table) {
-    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db.Handle(), m_path));
+    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db));
     if (columns.places.empty())
         return;
     constexpr std::size_t mostRows = 50;
@@ -135,7 +135,7 @@ void RowCopy::Copy(const Table& table) {
 
 // Rows with a key are looked up by it; the others stand in the order in which they were written.
 void RowCopy::Compare(const Table& table) {
-    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db.Handle(), m_path));
+    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db));
     if (columns.places.empty())
         return;
     const bool keyed = columns.rowNumber >= 0;

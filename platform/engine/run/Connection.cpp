@@ -3,6 +3,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/dao/RecordsetImpl.h"
 #include "platform/engine/functions/Functions.h"
+#include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/SchemaEditor.h"
 #include "platform/engine/store/DatabaseFile.h"
 #include "platform/engine/store/LockWait.h"
@@ -145,7 +146,7 @@ void Connection::Open() {
         m_db->Run("PRAGMA cell_size_check = ON; PRAGMA temp_store = MEMORY; PRAGMA cache_size = -16000; "
                   "PRAGMA synchronous = EXTRA",
                   Doing::Open);
-        m_catalog = std::make_unique<FileCatalog>(m_db->Handle(), m_path);
+        m_catalog = std::make_unique<FileCatalog>(*m_db);
         m_counters = std::make_unique<Counters>(*m_db);
         m_keys = std::make_unique<KeyIndexes>(m_db->Handle(), [this](int code) { RaiseRead(code); });
         m_readOnly = m_db->IsReadOnly();
@@ -194,7 +195,7 @@ void Connection::CheckSound() {
         throw m_db->FailureOf(CodeIn(finding), Doing::Open);
     m_db->Run("PRAGMA ignore_check_constraints = OFF", Doing::Open);
     for (const QString& table : m_catalog->TableNames())
-        m_catalog->FindLayout(table);
+        m_catalog->FindTable(table);
 }
 
 void Connection::CheckOpen() const {
@@ -504,8 +505,8 @@ int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
 }
 
 void Connection::NoteInsert(const sql::Plan& plan, bool leftOut) {
-    const Layout* layout = plan.verb == sql::Verb::Insert ? m_catalog->FindLayout(plan.target) : nullptr;
-    if (layout == nullptr || layout->info.CounterColumn() < 0)
+    const TableInfo* table = plan.verb == sql::Verb::Insert ? m_catalog->FindTable(plan.target) : nullptr;
+    if (table == nullptr || table->CounterColumn() < 0)
         return;
     if (m_affected > 0)
         m_counters->Inserted(plan.target, sqlite3_last_insert_rowid(m_db->Handle()));
@@ -519,9 +520,7 @@ template <class Work>
 void Connection::ChangeSchema(const QString& table, Work work) {
     if (m_readOnly)
         RaiseEngine(ReadOnly);
-    const auto reads = [&](const RecordsetImpl* set) {
-        return functions::CompareFolded(set->Table(), table) == 0;
-    };
+    const auto reads = [&](const RecordsetImpl* set) { return SameName(set->Table(), table); };
     if (std::ranges::any_of(m_sets, reads))
         RaiseEngine(TableInUse, table);
     if (m_commits->BeforeWrite(Doing::Define, table))
@@ -540,7 +539,7 @@ void Connection::ChangeSchema(const QString& table, Work work) {
         throw;
     }
     try {
-        SchemaEditor editor(m_db->Handle(), m_path, *m_catalog, *m_counters, m_rulesAreOff);
+        SchemaEditor editor(*m_db, *m_catalog, *m_counters, m_rulesAreOff);
         work(editor);
         m_commits->CheckAlive();
         m_db->Run("RELEASE definition", Doing::Define, table);
@@ -562,7 +561,7 @@ void Connection::RunSchema(const SchemaChange& change) {
 void Connection::RunSelectInto(const BoundPlan& bound) {
     const sql::Plan& plan = bound.cached->plan;
     ChangeSchema(plan.intoTable.name, [&](SchemaEditor& editor) {
-        editor.CreateTable(plan.intoTable);
+        editor.Apply({.table = plan.intoTable});
         Statement statement(*m_db, plan.text, Doing::Write, plan.intoTable.name);
         std::vector<Value> values;
         Bind(statement, 1, plan.parameters, bound.scanned.literals, values);
@@ -574,16 +573,15 @@ void Connection::RunSelectInto(const BoundPlan& bound) {
 void Connection::SetAllowZeroLength(const QString& table, const QString& column, bool allow) {
     CheckOpen();
     try {
-        const Layout* layout = Tables().FindLayout(table);
-        const int place = layout == nullptr ? -1 : layout->info.Find(column);
+        const TableInfo* info = Tables().FindTable(table);
+        const int place = info == nullptr ? -1 : info->Find(column);
         if (place < 0)
             RaiseEngine(ItemNotFound);
-        const ColumnInfo& info = layout->info.columns[static_cast<std::size_t>(place)];
-        if (info.type != DataType::Text && info.type != DataType::Memo)
+        if (!IsText(info->At(place).type))
             RaiseEngine(InvalidOperation);
-        if (info.allowZeroLength != allow)
-            ChangeSchema(layout->info.name,
-                         [&](SchemaEditor& editor) { editor.SetAllowZeroLength(table, column, allow); });
+        SchemaChange change{SchemaChange::AllowZeroLength, {.name = info->name}, info->At(place)};
+        if (std::exchange(change.column.allowZeroLength, allow) != allow)
+            RunSchema(change);
     } catch (const std::bad_alloc&) {
         throw MemoryFailure();
     }

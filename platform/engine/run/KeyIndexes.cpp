@@ -1,6 +1,5 @@
 #include "platform/engine/run/KeyIndexes.h"
 
-#include "platform/engine/schema/Layout.h"
 #include "platform/engine/schema/Names.h"
 
 #include <sqlite3.h>

@@ -1,34 +1,15 @@
 #include "platform/engine/schema/FileCatalog.h"
 
-#include "platform/engine/functions/Functions.h"
 #include "platform/engine/schema/Names.h"
-#include "platform/engine/store/SqliteFailure.h"
+#include "platform/engine/schema/TableText.h"
+#include "platform/engine/store/Sqlite.h"
 #include "platform/engine/store/Statement.h"
 
-#include <sqlite3.h>
-
 #include <algorithm>
-#include <map>
 
 namespace engine {
 
 namespace {
-
-// A column that no constraint of ours speaks of, in a table made by other means.
-DataType TypeOfSqlite(const QString& declared) {
-    const QString word = declared.toUpper();
-    if (word.contains(QLatin1String("INT")))
-        return DataType::Long;
-    if (word.contains(QLatin1String("CHAR")) || word.contains(QLatin1String("CLOB")) ||
-        word.contains(QLatin1String("TEXT")))
-        return DataType::Memo;
-    if (word.contains(QLatin1String("REAL")) || word.contains(QLatin1String("FLOA")) ||
-        word.contains(QLatin1String("DOUB")))
-        return DataType::Double;
-    if (word.contains(QLatin1String("BLOB")))
-        return DataType::Binary;
-    return DataType::Unknown;
-}
 
 /// Whether a column's definition, in a text of ours, does not say NOT NULL: SQLite itself implies it in a
 /// key.
@@ -37,22 +18,7 @@ bool IsImplied(const QString& createTable, const QString& column, const QString&
     return createTable.contains(start) && !createTable.contains(start + QLatin1String(" NOT NULL"));
 }
 
-bool SameNames(const QStringList& a, const QStringList& b) {
-    return std::ranges::equal(a, b, [](const QString& left, const QString& right) {
-        return left.compare(right, Qt::CaseInsensitive) == 0;
-    });
-}
-
 } // namespace
-
-FileCatalog::FileCatalog(sqlite3* db, QString path)
-    : m_db(db)
-    , m_path(std::move(path)) {
-}
-
-void FileCatalog::Raise(int code) const {
-    throw FailureFrom(m_db, code, Doing::Read, m_path);
-}
 
 void FileCatalog::Drop() noexcept {
     m_read = false;
@@ -62,17 +28,12 @@ void FileCatalog::Drop() noexcept {
 void FileCatalog::ReadNames() const {
     if (m_read)
         return;
-    Statement names;
     // A virtual table has no page of its own.
-    int code = names.Prepare(m_db, u"SELECT name, sql FROM sqlite_schema WHERE type = 'table' AND name NOT "
-                                   u"LIKE 'sqlite\\_%' ESCAPE '\\' AND rootpage <> 0 ORDER BY rowid");
-    if (code != SQLITE_OK)
-        Raise(code);
+    Statement names(m_db, u"SELECT name, sql FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE "
+                          u"'sqlite\\_%' ESCAPE '\\' AND rootpage <> 0 ORDER BY rowid");
     std::vector<Entry> tables;
-    while ((code = names.Step()) == SQLITE_ROW)
-        tables.push_back({names.Text(0), names.Text(1), nullptr});
-    if (code != SQLITE_DONE)
-        Raise(code);
+    while (names.Next())
+        tables.push_back({names.Text(0), names.Text(1), {}});
     m_tables = std::move(tables);
     m_read = true;
 }
@@ -85,125 +46,87 @@ QStringList FileCatalog::TableNames() const {
     return names;
 }
 
-const Layout* FileCatalog::FindLayout(QStringView name) const {
+const TableInfo* FileCatalog::FindTable(QStringView name) const {
     ReadNames();
-    auto found = std::ranges::find_if(m_tables, [name](const Entry& entry) { return entry.name == name; });
+    auto found = std::ranges::find(m_tables, name, &Entry::name);
     if (found == m_tables.end())
-        found = std::ranges::find_if(
-            m_tables, [name](const Entry& entry) { return functions::CompareFolded(entry.name, name) == 0; });
+        found =
+            std::ranges::find_if(m_tables, [&](const Entry& entry) { return SameName(entry.name, name); });
     if (found == m_tables.end())
         return nullptr;
-    if (!found->layout)
-        found->layout = std::make_unique<Layout>(Read(*found));
-    return found->layout.get();
+    if (!found->table)
+        found->table = Read(*found);
+    return &*found->table;
 }
 
-const TableInfo* FileCatalog::FindTable(QStringView name) const {
-    const Layout* layout = FindLayout(name);
-    return layout == nullptr ? nullptr : &layout->info;
+TableInfo FileCatalog::Read(const Entry& entry) const {
+    const Declarations declarations(entry.text);
+    TableInfo table;
+    table.name = entry.name;
+    const QStringList key = ReadColumns(table, entry.text, declarations);
+    ReadIndexes(table, key, declarations);
+    return table;
 }
 
-Layout FileCatalog::Read(const Entry& entry) const {
-    const Declarations declarations = ReadDeclarations(entry.text);
-    Layout layout;
-    layout.info.name = entry.name;
-    QStringList primaryKey;
-    ReadColumns(layout, entry.text, primaryKey, declarations);
-    ReadIndexes(layout, primaryKey, declarations);
-    return layout;
-}
-
-void FileCatalog::ReadColumns(Layout& layout, const QString& text, QStringList& primaryKey,
-                              const Declarations& declarations) const {
-    Statement rows;
-    int code =
-        rows.Prepare(m_db, u"SELECT name, type, \"notnull\", pk FROM pragma_table_info(?1) ORDER BY cid");
-    if (code != SQLITE_OK)
-        Raise(code);
-    rows.BindText(1, layout.info.name);
-    std::map<std::int64_t, QString> key; // by place in the key
-    while ((code = rows.Step()) == SQLITE_ROW) {
-        ColumnInfo column;
-        column.name = rows.Text(0);
-        column.type = TypeOfSqlite(rows.Text(1));
+QStringList FileCatalog::ReadColumns(TableInfo& table, const QString& text,
+                                     const Declarations& declarations) const {
+    Statement rows(m_db, u"SELECT name, type, \"notnull\", pk FROM pragma_table_info(?1) ORDER BY cid");
+    rows.BindText(1, table.name);
+    QMap<std::int64_t, QString> key; // by place in the key
+    while (rows.Next()) {
+        ColumnInfo column{SizedType::FromStored(rows.Text(1)), rows.Text(0)};
         column.required = rows.Number(2) != 0 && !IsImplied(text, column.name, rows.Text(1));
-        bool requiredLater = false;
-        ApplyDeclarations(column, declarations.checks, requiredLater);
+        declarations.Apply(column);
         if (const std::int64_t place = rows.Number(3); place > 0)
             key[place] = column.name;
-        layout.info.columns.push_back(std::move(column));
-        layout.requiredLater.push_back(requiredLater);
+        table.columns.push_back(std::move(column));
     }
-    if (code != SQLITE_DONE)
-        Raise(code);
-    for (const auto& [place, name] : key)
-        primaryKey += name;
+    return key.values();
 }
 
-void FileCatalog::ReadIndexes(Layout& layout, const QStringList& primaryKey,
+void FileCatalog::ReadIndexes(TableInfo& table, const QStringList& key,
                               const Declarations& declarations) const {
-    Statement rows;
-    int code =
-        rows.Prepare(m_db, u"SELECT l.name, l.\"unique\", l.origin, i.name FROM pragma_index_list(?1) AS l, "
-                           u"pragma_index_info(l.name) AS i ORDER BY l.seq DESC, i.seqno");
-    if (code != SQLITE_OK)
-        Raise(code);
-    rows.BindText(1, layout.info.name);
+    // The counter is SQLite's key; where the table has another, that is a marked UNIQUE constraint.
+    const int counter = table.CounterColumn();
+    const bool notKey = counter >= 0 && declarations.IsNotKey(table.At(counter));
+    const QString keyName = declarations.KeyName(key);
+    const bool named = !keyName.isEmpty() && !keyName.startsWith(primaryKeyMark);
+    IndexInfo primary{named ? keyName : namelessKey.toString(), notKey ? QStringList() : key, true, true};
+    Statement rows(m_db,
+                   u"SELECT l.name, l.\"unique\", l.origin, i.name FROM pragma_index_list(?1) AS l, "
+                   u"pragma_index_info(l.name) AS i WHERE l.origin <> 'pk' ORDER BY l.seq DESC, i.seqno");
+    rows.BindText(1, table.name);
     struct FileIndex {
-        QString name;
-        bool unique;
-        QString origin;
-        QStringList columns;
+        IndexInfo info;
+        bool constraint;
     };
     std::vector<FileIndex> found;
-    while ((code = rows.Step()) == SQLITE_ROW) {
+    while (rows.Next()) {
         const QString name = rows.Text(0);
-        if (found.empty() || found.back().name != name)
-            found.push_back({name, rows.Number(1) != 0, rows.Text(2), {}});
-        found.back().columns += rows.Text(3);
+        if (found.empty() || found.back().info.name != name)
+            found.push_back({{name, {}, false, rows.Number(1) != 0}, rows.Text(2) == u'u'});
+        found.back().info.columns += rows.Text(3);
     }
-    if (code != SQLITE_DONE)
-        Raise(code);
 
-    const auto declaredName = [&](const QStringList& columns) {
-        const auto key = std::ranges::find_if(declarations.keys, [&](const Declarations::Key& candidate) {
-            return SameNames(candidate.columns, columns);
-        });
-        return key == declarations.keys.end() ? QString() : key->name;
-    };
-
-    // The counter is SQLite's key; where the table has another, that is a marked UNIQUE constraint.
-    IndexInfo primary{namelessKey.toString(), primaryKey, true, true};
-    if (const QString name = declaredName(primaryKey); !name.isEmpty() && !name.startsWith(primaryKeyMark))
-        primary.name = name;
-    std::vector<IndexInfo> secondary;
-    for (const FileIndex& index : found) {
-        QString name = declaredName(index.columns);
-        if (index.origin == QLatin1String("pk"))
-            continue;
-        if (index.origin == QLatin1String("c")) {
-            const QString prefix = layout.info.name + u'.';
-            name = index.name.startsWith(prefix) ? index.name.mid(prefix.size()) : index.name;
-            secondary.push_back({name, index.columns, false, index.unique});
-        } else if (name.startsWith(primaryKeyMark)) {
+    for (auto& [index, constraint] : found) {
+        const QString name = constraint ? declarations.KeyName(index.columns) : QString();
+        const int column = index.columns.size() == 1 ? table.Find(index.columns.front()) : -1;
+        if (name.startsWith(primaryKeyMark)) {
             primary = {name.mid(primaryKeyMark.size()), index.columns, true, true};
-        } else if (const int column =
-                       index.columns.size() == 1 ? layout.info.Find(index.columns.front()) : -1;
-                   column >= 0) {
-            layout.info.columns[static_cast<std::size_t>(column)].unique = true;
-        } else {
-            secondary.push_back({name.isEmpty() ? index.name : name, index.columns, false, true});
+            continue;
         }
+        if (constraint && column >= 0) {
+            table.At(column).unique = true;
+            continue;
+        }
+        if (const QString prefix = FileIndexName(table.name, {}); index.name.startsWith(prefix))
+            index.name.remove(0, prefix.size());
+        if (!name.isEmpty())
+            index.name = name;
+        table.indexes.push_back(std::move(index));
     }
-    const int counter = layout.info.CounterColumn();
-    if (counter >= 0 && primary.columns == primaryKey &&
-        declarations.checks.contains(layout.info.columns[static_cast<std::size_t>(counter)].name + u' ' +
-                                     noteNotKey.toString()))
-        primary.columns.clear();
     if (!primary.columns.isEmpty())
-        layout.info.indexes.push_back(std::move(primary));
-    for (auto& index : secondary)
-        layout.info.indexes.push_back(std::move(index));
+        table.indexes.insert(table.indexes.begin(), std::move(primary));
 }
 
 } // namespace engine

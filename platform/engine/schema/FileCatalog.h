@@ -1,24 +1,20 @@
 #pragma once
 
-#include "platform/engine/schema/Layout.h"
-
-#include <QHash>
-
-#include <memory>
-
-struct sqlite3;
+#include "platform/engine/schema/Table.h"
 
 namespace engine {
 
+class Declarations;
+class Sqlite;
+
 /// The tables of an open file, read when they are first asked for. Only plain tables are seen: no views, no
-/// virtual tables, nothing of SQLite's own.
+/// virtual tables, nothing of SQLite's own. Failures as any reading of the file.
 class FileCatalog : public Catalog {
 public:
-    FileCatalog(sqlite3* db, QString path);
+    explicit FileCatalog(const Sqlite& db)
+        : m_db(db) {}
 
     const TableInfo* FindTable(QStringView name) const override;
-    /// Failures as any reading of the file.
-    const Layout* FindLayout(QStringView name) const;
     QStringList TableNames() const;
 
     /// Forgets what was read: the schema has changed.
@@ -28,18 +24,16 @@ private:
     struct Entry {
         QString name;
         QString text;
-        std::unique_ptr<Layout> layout;
+        std::optional<TableInfo> table;
     };
 
     void ReadNames() const;
-    Layout Read(const Entry& entry) const;
-    void ReadColumns(Layout& layout, const QString& text, QStringList& primaryKey,
-                     const Declarations& declarations) const;
-    void ReadIndexes(Layout& layout, const QStringList& primaryKey, const Declarations& declarations) const;
-    [[noreturn]] void Raise(int code) const;
+    TableInfo Read(const Entry& entry) const;
+    /// The columns of SQLite's own key.
+    QStringList ReadColumns(TableInfo& table, const QString& text, const Declarations& declarations) const;
+    void ReadIndexes(TableInfo& table, const QStringList& key, const Declarations& declarations) const;
 
-    sqlite3* m_db;
-    QString m_path;
+    const Sqlite& m_db;
     mutable bool m_read = false;
     mutable std::vector<Entry> m_tables;
 };

@@ -18,7 +18,6 @@ std::optional<std::string> Capitals(QStringView word, std::size_t longest) {
 }
 
 bool IsValidName(QStringView name) {
-    constexpr qsizetype longestName = 64;
     const auto forbidden = [](QChar c) { return QStringView(u".![]`").contains(c) || c.unicode() < u' '; };
     return name.size() <= longestName && !name.startsWith(u' ') && std::ranges::none_of(name, forbidden);
 }
@@ -27,10 +26,19 @@ bool SameName(QStringView a, QStringView b) {
     return a.size() == b.size() && a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
+bool HasName(const QStringList& names, QStringView name) {
+    return std::ranges::any_of(names, [name](const QString& other) { return SameName(other, name); });
+}
+
 QString QuoteName(QStringView name) {
-    QString quoted = name.toString();
-    quoted.replace(u'"', QLatin1String("\"\""));
-    return u'"' + quoted + u'"';
+    return u'"' + name.toString().replace(u'"', QLatin1String("\"\"")) + u'"';
+}
+
+QString QuoteNames(const QStringList& names) {
+    QStringList quoted;
+    for (const QString& name : names)
+        quoted += QuoteName(name);
+    return quoted.join(QLatin1String(", "));
 }
 
 } // namespace engine

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/Value.h"
+#include "platform/engine/schema/Types.h"
 
 #include <QStringList>
 
@@ -9,19 +9,17 @@
 namespace engine {
 
 /// A column as the file declares it.
-struct ColumnInfo {
-    QString name;
-    DataType type = DataType::Text;
-    /// Characters of a text column, bytes of a BINARY one (0: no limit); of CURRENCY 0, or the digits where
-    /// an older file keeps it as a fraction.
-    int size = 0;
+struct ColumnInfo : SizedType {
+    QString name = {};
     bool required = false;
+    /// NOT NULL came after rows without a value, so that only new values have to meet it.
+    bool requiredLater = false;
     bool allowZeroLength = false;
     bool unique = false; ///< UNIQUE written with the column
 };
 
 struct IndexInfo {
-    QString name;
+    QString name = {};
     QStringList columns;
     bool primary = false;
     bool unique = false;
@@ -29,17 +27,22 @@ struct IndexInfo {
 };
 
 struct TableInfo {
-    QString name;
-    std::vector<ColumnInfo> columns;
-    std::vector<IndexInfo> indexes;
+    QString name = {};
+    std::vector<ColumnInfo> columns = {};
+    std::vector<IndexInfo> indexes = {};
 
     /// Place of a column by name, case ignored; -1 if there is none.
     int Find(QStringView column) const;
+    const ColumnInfo& At(int place) const { return columns[static_cast<std::size_t>(place)]; }
+    ColumnInfo& At(int place) { return columns[static_cast<std::size_t>(place)]; }
     int CounterColumn() const; ///< -1 if there is none
     /// Place of the column that SQLite keeps as the row number, making up a number for NULL: the counter, or
     /// a key of one whole number; else -1.
     int RowNumberColumn() const;
-    const IndexInfo* PrimaryKey() const; ///< null if there is none
+    const IndexInfo* FindIndex(QStringView index) const; ///< by name, case ignored; null if there is none
+    const IndexInfo* PrimaryKey() const;                 ///< null if there is none
+    /// Whether the column is the primary key, alone.
+    bool IsKey(int column) const;
 };
 
 /// What the translator asks of the open file. Names ignore case.
@@ -49,13 +52,29 @@ public:
     virtual const TableInfo* FindTable(QStringView name) const = 0;
 };
 
-/// One step of a schema statement, carried out by the catalog.
+/// One step of a schema statement.
 struct SchemaChange {
-    enum Kind { CreateTable, DropTable, AddColumn, DropColumn, AlterColumn, CreateIndex, DropIndex };
+    enum Kind {
+        CreateTable,
+        DropTable,
+        AddColumn,
+        DropColumn,
+        AlterColumn,
+        AllowZeroLength,
+        CreateIndex,
+        DropIndex
+    };
     Kind kind = CreateTable;
-    TableInfo table;   ///< CreateTable: the whole definition; else only its name
-    ColumnInfo column; ///< AddColumn, AlterColumn, DropColumn (name alone)
-    IndexInfo index;   ///< CreateIndex, DropIndex (name alone), AddColumn with a named UNIQUE
+    /// CreateTable: the whole definition; else only its name.
+    TableInfo table = {};
+    /// AddColumn, AlterColumn, AllowZeroLength (that and the name), DropColumn (the name).
+    ColumnInfo column = {};
+    /// CreateIndex, DropIndex (the name), AddColumn with a named UNIQUE.
+    IndexInfo index = {};
 };
+
+/// Compares a change with the tables as they are. Failures: 3010, 3265, 3280, 3283, 3290, 3292, 3293, 3371,
+/// 3372, 3375, 3376, 3380, 3381, 3382. Whether the rows allow it, SQLite tells.
+void CheckChange(const SchemaChange& change, const Catalog& catalog);
 
 } // namespace engine

@@ -4,70 +4,148 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string_view>
 
 namespace engine {
 
 namespace {
 
-struct TypeWord {
-    std::string_view word;
+struct TypeRow {
     DataType type;
+    TypeKind kind;
+    const char* text; ///< in the file; %1 is the size
+    const char* words;
+    const char* storedAs;
+    const char* check; ///< %c is the column, %1 the size; null for what has a range
+    WholeRange range = {};
 };
 
-constexpr auto types = std::to_array<TypeWord>({
-    {"ALPHANUMERIC", DataType::Text}, {"AUTOINCREMENT", DataType::Counter},
-    {"BINARY", DataType::Binary},     {"BIT", DataType::Bit},
-    {"BOOLEAN", DataType::Bit},       {"BYTE", DataType::Byte},
-    {"CHAR", DataType::Text},         {"CHARACTER", DataType::Text},
-    {"COUNTER", DataType::Counter},   {"CURRENCY", DataType::Currency},
-    {"DATE", DataType::Date},         {"DATETIME", DataType::Date},
-    {"DOUBLE", DataType::Double},     {"FLOAT", DataType::Double},
-    {"FLOAT4", DataType::Single},     {"FLOAT8", DataType::Double},
-    {"GUID", DataType::Guid},         {"INT", DataType::Long},
-    {"INTEGER", DataType::Long},      {"INTEGER1", DataType::Byte},
-    {"INTEGER2", DataType::Short},    {"INTEGER4", DataType::Long},
-    {"LOGICAL", DataType::Bit},       {"LOGICAL1", DataType::Bit},
-    {"LONG", DataType::Long},         {"LONGBINARY", DataType::Binary},
-    {"LONGCHAR", DataType::Memo},     {"LONGTEXT", DataType::Memo},
-    {"MEMO", DataType::Memo},         {"MONEY", DataType::Currency},
-    {"NOTE", DataType::Memo},         {"NUMBER", DataType::Double},
-    {"NUMERIC", DataType::Double},    {"REAL", DataType::Single},
-    {"SHORT", DataType::Short},       {"SINGLE", DataType::Single},
-    {"SMALLINT", DataType::Short},    {"STRING", DataType::Text},
-    {"TEXT", DataType::Text},         {"TIME", DataType::Date},
-    {"TIMESTAMP", DataType::Date},    {"VARBINARY", DataType::Binary},
-    {"VARCHAR", DataType::Text},      {"YESNO", DataType::Bit},
+constexpr WholeRange longRange{INT32_MIN, INT32_MAX};
+// Sizes are counted in UTF-16 units, two bytes each in the file's own text form.
+constexpr auto anyText = "length(CAST(%c AS BLOB)) <= 2147483646";
+
+// In the order of DataType, then the second forms. What has no form of its own is kept as text.
+constexpr auto types = std::to_array<TypeRow>({
+    {DataType::Unknown, TypeKind::Unknown, "LONGTEXT", "", "TEXT", anyText},
+    {DataType::Bit,
+     TypeKind::Number,
+     "BIT",
+     "BIT BOOLEAN LOGICAL LOGICAL1 YESNO",
+     "INTEGER",
+     nullptr,
+     {0, 1}},
+    {DataType::Byte, TypeKind::Number, "BYTE", "BYTE INTEGER1", "INTEGER", nullptr, {0, 255}},
+    {DataType::Short,
+     TypeKind::Number,
+     "SHORT",
+     "INTEGER2 SHORT SMALLINT",
+     "INTEGER",
+     nullptr,
+     {INT16_MIN, INT16_MAX}},
+    {DataType::Long, TypeKind::Number, "LONG", "INT INTEGER INTEGER4 LONG", "INTEGER", nullptr, longRange},
+    {DataType::Counter, TypeKind::Number, "COUNTER", "AUTOINCREMENT COUNTER", "INTEGER", nullptr, longRange},
+    {DataType::Single, TypeKind::Number, "SINGLE", "FLOAT4 REAL SINGLE", "REAL",
+     "%c BETWEEN -3.4028235677973366e38 AND 3.4028235677973366e38"},
+    {DataType::Double, TypeKind::Number, "DOUBLE", "DOUBLE FLOAT FLOAT8 NUMBER NUMERIC", "REAL",
+     "%c BETWEEN -1.7976931348623157e308 AND 1.7976931348623157e308"},
+    {DataType::Currency,
+     TypeKind::Number,
+     "MONEY",
+     "CURRENCY MONEY",
+     "INTEGER",
+     nullptr,
+     {INT64_MIN, INT64_MAX}},
+    {DataType::Date, TypeKind::Date, "DATETIME", "DATE DATETIME TIME TIMESTAMP", "REAL",
+     "%c > -657435.0 AND %c < 2958466.0"},
+    {DataType::Text, TypeKind::Text, "TEXT(%1)", "ALPHANUMERIC CHAR CHARACTER STRING TEXT VARCHAR", "TEXT",
+     "length(CAST(%c AS BLOB)) <= 2 * %1"},
+    {DataType::Memo, TypeKind::Text, "LONGTEXT", "LONGCHAR LONGTEXT MEMO NOTE", "TEXT", anyText},
+    {DataType::Binary, TypeKind::Bytes, "LONGBINARY", "BINARY LONGBINARY VARBINARY", "BLOB",
+     "length(%c) <= 2147483646"},
+    {DataType::Guid, TypeKind::Text, "GUID", "GUID", "TEXT", "length(CAST(%c AS BLOB)) <= 76"},
+    {DataType::Binary, TypeKind::Bytes, "BINARY(%1)", "", "BLOB", "length(%c) <= %1"},
+    // As the program kept it first.
+    {DataType::Currency, TypeKind::Number, "CURRENCY", "", "REAL",
+     "%c BETWEEN -922337203685477.5808 AND 922337203685477.5807"},
 });
-static_assert(std::ranges::is_sorted(types, {}, &TypeWord::word));
+constexpr auto secondForms = types.begin() + 14;
+constexpr int digitsOfFraction = 15;
+
+const TypeRow& RowOf(DataType type) {
+    return types[static_cast<std::size_t>(type)];
+}
+
+const TypeRow& RowOf(const SizedType& sized) {
+    const auto second = std::ranges::find(secondForms, types.end(), sized.type, &TypeRow::type);
+    return sized.size > 0 && second != types.end() ? *second : RowOf(sized.type);
+}
+
+QString Filled(const char* pattern, int size) {
+    return QString::fromLatin1(pattern).replace(QLatin1String("%1"), QString::number(size));
+}
 
 } // namespace
 
 std::optional<DataType> TypeOfWord(QStringView word) {
-    const auto text = Capitals(word, 16);
-    if (!text)
-        return {};
-    const auto found = std::ranges::lower_bound(types, std::string_view(*text), {}, &TypeWord::word);
-    if (found == types.end() || found->word != *text)
-        return {};
-    return found->type;
+    const auto name = Capitals(word, 16);
+    for (const TypeRow& row : types)
+        for (const auto known : QLatin1String(row.words).tokenize(u' '))
+            if (name && known == QLatin1String(name->c_str()))
+                return row.type;
+    return {};
 }
 
 TypeKind KindOf(DataType type) {
-    switch (type) {
-    case DataType::Unknown:
-        return TypeKind::Unknown;
-    case DataType::Date:
-        return TypeKind::Date;
-    case DataType::Text:
-    case DataType::Memo:
-    case DataType::Guid:
-        return TypeKind::Text;
-    case DataType::Binary:
-        return TypeKind::Bytes;
-    default:
-        return TypeKind::Number;
-    }
+    return RowOf(type).kind;
+}
+
+WholeRange RangeOf(DataType type) {
+    return RowOf(type).range;
+}
+
+bool IsText(DataType type) {
+    return type == DataType::Text || type == DataType::Memo;
+}
+
+QString SizedType::TypeText() const {
+    return Filled(RowOf(*this).text, size);
+}
+
+QString SizedType::StoredAs() const {
+    return QString::fromLatin1(RowOf(*this).storedAs);
+}
+
+QString SizedType::TypeCheck(const QString& column) const {
+    const TypeRow& row = RowOf(*this);
+    if (!row.check)
+        return QStringLiteral("%1 BETWEEN %2 AND %3")
+            .arg(column, QString::number(row.range.least), QString::number(row.range.greatest));
+    return Filled(row.check, size).replace(QLatin1String("%c"), column);
+}
+
+std::optional<SizedType> SizedType::FromText(const QString& text) {
+    const qsizetype open = text.indexOf(u'(');
+    const bool sized = open >= 0 && text.endsWith(u')');
+    const QString pattern = sized ? text.first(open) + QStringLiteral("(%1)") : text;
+    const int size = sized ? text.sliced(open + 1).chopped(1).toInt() : 0;
+    const auto found = std::ranges::find(types.begin() + 1, types.end(), pattern,
+                                         [](const TypeRow& row) { return QLatin1String(row.text); });
+    if (found == types.end() || size < 0)
+        return {};
+    return SizedType{found->type, &*found == &types.back() ? digitsOfFraction : size};
+}
+
+SizedType SizedType::FromStored(const QString& declared) {
+    constexpr std::pair<const char*, DataType> parts[] = {
+        {"INT", DataType::Long},    {"CHAR", DataType::Memo},   {"CLOB", DataType::Memo},
+        {"TEXT", DataType::Memo},   {"REAL", DataType::Double}, {"FLOA", DataType::Double},
+        {"DOUB", DataType::Double}, {"BLOB", DataType::Binary},
+    };
+    for (const auto& [part, type] : parts)
+        if (declared.contains(QLatin1String(part), Qt::CaseInsensitive))
+            return {type};
+    return {};
 }
 
 bool IsWholeNumber(DataType type) {

@@ -9,9 +9,6 @@ namespace engine::sql {
 
 namespace {
 
-constexpr int longestText = 255;
-constexpr int longestBinary = 510;
-
 void CheckName(const QString& name, int number) {
     if (!IsValidName(name))
         RaiseEngine(number);

@@ -3,7 +3,6 @@
 #include "platform/engine/sql/Keys.h"
 #include "platform/engine/sql/Parser.h"
 #include "platform/engine/sql/QueryWriter.h"
-#include "platform/engine/sql/SchemaCheck.h"
 #include "platform/engine/sql/TransformWriter.h"
 
 using namespace Qt::StringLiterals;
@@ -42,7 +41,7 @@ public:
             m_plan.verb = Verb::Schema;
             m_plan.change = statement.schema;
             m_plan.target = statement.schema.table.name;
-            CheckSchemaChange(m_plan.change, m_catalog);
+            CheckChange(m_plan.change, m_catalog);
             break;
         case Statement::InsertKind:
             ActionWriter(m_context, m_catalog).WriteInsert(statement.insert, m_plan);

@@ -14,6 +14,7 @@
 #include <QMenuBar>
 #include <QMetaMethod>
 #include <QScreen>
+#include <QScrollBar>
 #include <QStyle>
 
 #include <algorithm>
@@ -175,8 +176,8 @@ void MdiForm::ActivateNext() {
     ChildFrame* next = nullptr;
     for (QMdiSubWindow* window : m_frame->area->subWindowList(QMdiArea::StackingOrder)) {
         auto* frame = qobject_cast<ChildFrame*>(window);
-        if (frame && !frame->isHidden() && (!frame->isMinimized() || !next))
-            next = frame;
+        if (frame && !frame->isHidden())
+            next = frame; // the area keeps minimised ones below all others
     }
     m_frame->area->setActiveSubWindow(next);
     m_frame->front = next;
@@ -266,13 +267,23 @@ std::vector<ChildFrame*> MdiForm::OpenFrames() const {
 
 namespace {
 
-/// Where the minimised children do not stand.
-QRect FreeGround(const QMdiArea& area) {
-    QRect ground = area.viewport()->rect();
+/// The part of the room where the minimised children do not stand.
+QRect FreeGround(const QMdiArea& area, QSize room) {
+    const QRect whole(QPoint(), room);
+    QRect ground = whole;
     for (const QMdiSubWindow* window : area.subWindowList())
         if (window->isVisible() && window->isMinimized())
             ground.setBottom(std::min(ground.bottom(), window->geometry().top() - 1));
-    return ground.height() > ground.width() / 8 ? ground : area.viewport()->rect();
+    return ground.height() > ground.width() / 8 ? ground : whole;
+}
+
+/// What the scroll bars take that children standing out of the room bring.
+QSize BarsFor(const QMdiArea& area, const std::vector<ChildFrame*>& frames, QSize room) {
+    QRect all;
+    for (const ChildFrame* frame : frames)
+        all |= frame->geometry();
+    return {all.bottom() >= room.height() ? area.verticalScrollBar()->sizeHint().width() : 0,
+            all.right() >= room.width() ? area.horizontalScrollBar()->sizeHint().height() : 0};
 }
 
 /// A fixed child keeps its size, and its close box in sight.
@@ -380,16 +391,22 @@ void MdiForm::Arrange(Arrangement arrangement) {
     if (frames.empty())
         return;
     const Switching switching(m_frame);
-    constexpr int MostRounds = 3;
-    for (int round = 0; round < MostRounds; ++round) {
-        const QRect ground = FreeGround(*m_frame->area);
+    const QMdiArea& area = *m_frame->area;
+    const auto placeIn = [&](QSize room) {
+        const QRect ground = FreeGround(area, room);
         if (arrangement == Cascade)
             PlaceInCascade(frames, ground);
         else
             PlaceInRow(frames, ground, arrangement == TileVertically);
-        if (FreeGround(*m_frame->area) == ground)
-            break; // else scroll bars have come or gone
-    }
+    };
+    QSize bars(0, 0);
+    QSize before;
+    do { // one bar may bring the other
+        before = bars;
+        const QSize room = area.maximumViewportSize() - before;
+        placeIn(room);
+        bars = before.expandedTo(BarsFor(area, frames, room));
+    } while (bars != before);
     m_frame->area->setActiveSubWindow(frames.front());
     m_frame->front = frames.front();
 }

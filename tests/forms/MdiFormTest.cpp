@@ -124,6 +124,9 @@ TEST_F(MdiFormTest, WindowListFollowsTheChildren) {
     EXPECT_EQ(frame->ActiveForm(), second);
 
     FrameOf(second)->showMinimized();
+    first->Show();
+    frame->Area()->setActiveSubWindow(FrameOf(second)); // as a click does
+    EXPECT_EQ(frame->ActiveForm(), second);
     hidden->Show();
     hidden->SetVisible(false);
     EXPECT_EQ(frame->ActiveForm(), first) << "a minimised child comes last";
@@ -167,6 +170,11 @@ TEST_F(MdiFormTest, Arrangements) {
     EXPECT_EQ(place(c).left(), place(fixed).right() + 1);
     EXPECT_EQ(place(a).right(), ground.right());
 
+    FrameOf(a)->showMinimized();
+    frame->Arrange(MdiForm::TileVertically);
+    EXPECT_TRUE(a->IsMinimised());
+    EXPECT_EQ(place(c).bottomRight(), QPoint(ground.right(), place(a).top() - 1)) << "above it";
+
     FrameOf(a)->showMaximized();
     c->Show();
     TakeTold();
@@ -182,14 +190,27 @@ TEST_F(MdiFormTest, Arrangements) {
     std::vector<std::shared_ptr<SampleForm>> more{fixed};
     for (const char* name : {"d", "e", "f", "g"})
         more.push_back(Open(QString::fromLatin1(name), forms::Border::Fixed));
-    FrameOf(a)->move(2000, 2000); // scroll bars come, which tiling takes away
     for (const auto arrangement : {MdiForm::TileHorizontally, MdiForm::TileVertically}) {
+        FrameOf(a)->move(2000, 2000); // scroll bars come, which tiling takes away
+        ASSERT_TRUE(QTest::qWaitFor([&] { return frame->Area()->viewport()->rect() != ground; }));
         frame->Arrange(arrangement);
-        EXPECT_EQ(frame->Area()->viewport()->rect(), ground);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return frame->Area()->viewport()->rect() == ground; }));
         for (const auto& form : more)
             EXPECT_TRUE(ground.contains(place(form))) << "with its close box";
-        EXPECT_TRUE(ground.contains(place(a)) && ground.contains(place(c)));
+        EXPECT_TRUE(ground.contains(place(c)));
+        EXPECT_EQ(place(a).bottomRight(), ground.bottomRight());
     }
+
+    const auto big = Open(QStringLiteral("h"), forms::Border::Fixed);
+    const QSize edges = FrameOf(big)->size() - big->Surface()->size();
+    const QSize size = ground.size() + QSize(-1, 1); // too wide beside the bar that it brings
+    big->Surface()->setMinimumSize(size - edges);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return FrameOf(big)->size() == size; }));
+    frame->Arrange(MdiForm::TileHorizontally);
+    const auto room = [this] { return frame->Area()->viewport()->rect(); };
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return room().width() < ground.width() && room().height() < ground.height(); }));
+    EXPECT_EQ(place(a).bottomRight(), room().bottomRight()) << "beside both scroll bars";
 }
 
 TEST_F(MdiFormTest, BoxesStandOverTheChildThatAsks) {

@@ -40,7 +40,7 @@ void General::Main() {
             gDatabase.reset();
         }
         if (bWorkspaceOpen) {
-            forms::Attempt(head, [] { gWorkspace->Close(); });
+            gWorkspace->Close(); // what it held open has gone by now
             gWorkspace.reset();
         }
     }

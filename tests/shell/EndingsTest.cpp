@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
+#include <QWindow>
 #include <QtTest>
 
 using forms::Icon;
@@ -119,6 +120,26 @@ TEST_F(Endings, AFileThatCannotBeOpenedIsReportedAndKept) {
         EXPECT_EQ(Stored(), Path());
     }
     EXPECT_TRUE(QFile::exists(Path()));
+}
+
+TEST_F(Endings, AStartThatFailsLateReleasesWhatItOpened) {
+    MakeBook();
+    Store(Path());
+    forms::Form::Default<frmMain>()->Load();
+    Window().winId();
+    const auto fail = [] {
+        gDatabase->Close();
+        runtime::Raise(runtime::InvalidCall);
+    };
+    QObject::connect(Window().windowHandle(), &QWindow::visibleChanged, &Window(), fail,
+                     Qt::SingleShotConnection);
+    test::Answers answers;
+    for (const int number : {int(runtime::InvalidCall), int(engine::ObjectClosed)})
+        answers.BoxStarting(QStringLiteral("Функция Main:\r\nпроизошла ошибка №%1 ").arg(number),
+                            Icon::Critical);
+    General::Main();
+    EXPECT_EQ(gDatabase, nullptr);
+    EXPECT_EQ(gWorkspace, nullptr);
 }
 
 TEST_F(Endings, AnUnsoundVersionEndsAtOnceWithTheFileStillOpen) {

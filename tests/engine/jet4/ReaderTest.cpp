@@ -161,6 +161,34 @@ TEST(OldFormatReader, CompressedTextSwitchesItsMode) {
     EXPECT_THROW(engine::jet4::DecodeText(QByteArray("\xFF\xFE\0\x1B", 4)), engine::jet4::Damage);
 }
 
+TEST(OldFormatReader, ARowHoldsTheValuesOfItsColumnsAlone) {
+    Table table;
+    table.columnsEver = table.variableColumns = 2;
+    for (const std::uint16_t place : {0, 1}) {
+        engine::jet4::Column column;
+        column.number = column.variable = place;
+        table.columns.push_back(column);
+    }
+    const struct {
+        const char* values;
+        QByteArray offsets; ///< where the values end and begin, the last one first
+        bool sound;
+    } rows[] = {
+        {"abc", QByteArray("\5\0\4\0\2\0", 6), true},
+        {"ab", QByteArray("\4\0\2\0", 4), false},
+        {"abcd", QByteArray("\6\0\5\0\4\0\2\0", 8), false},
+    };
+    for (const auto& row : rows) {
+        const char count[] = {static_cast<char>(row.offsets.size() / 2 - 1), 0};
+        const QByteArray bytes =
+            QByteArray("\2\0", 2) + row.values + row.offsets + QByteArray(count, 2) + '\1';
+        if (row.sound)
+            EXPECT_EQ(engine::jet4::RowParts(bytes, table).Value(table.columns[0]).View(), "ab");
+        else
+            EXPECT_THROW(engine::jet4::RowParts(bytes, table), engine::jet4::Damage) << row.values;
+    }
+}
+
 // Every page in turn is spoilt in several ways: the reader either reads all rows or says that the file is
 // damaged.
 TEST(OldFormatReader, NeverDeliversHalfATable) {

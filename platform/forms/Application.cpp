@@ -6,8 +6,10 @@
 #include "platform/forms/EscapeWatch.h"
 #include "platform/forms/EventDelivery.h"
 #include "platform/forms/FormState.h"
+#include "platform/forms/MenuAccess.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/ProgramStyle.h"
+#include "platform/forms/TableAccess.h"
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -70,6 +72,8 @@ Application::Application(int& argc, char** argv)
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();
     setKeyboardInputInterval(TypedTogether);
+    InstallTableAccess();
+    InstallMenuAccess();
     if (ChooseStyle())
         WatchDarkPreference(this, [this](bool dark) { PreferDark(dark); });
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,

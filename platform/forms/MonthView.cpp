@@ -91,6 +91,8 @@ void MonthView::SetValue(QDate date) {
 void MonthView::SetDayBold(QDate date, bool bold) {
     if (IsShown(date) && DayBold(date) != bold)
         setDateTextFormat(date, bold ? BoldFormat() : QTextCharFormat());
+    if (date == Value()) // when all days have been gone through
+        QMetaObject::invokeMethod(this, &MonthView::NameValue, Qt::QueuedConnection);
 }
 
 bool MonthView::DayBold(QDate date) const {
@@ -186,8 +188,12 @@ bool MonthView::TurnYear(const QKeyEvent& key) {
 }
 
 void MonthView::NameValue() {
-    const QString name =
+    QString name =
         QStringLiteral("Календарь: ") + locale().toString(Value(), QStringLiteral("d MMMM yyyy, dddd"));
+    if (DayBold(Value()))
+        name += MarkedText();
+    if (name == accessibleName())
+        return;
     setAccessibleName(name);
     if (QWidget* days = focusProxy()) // it has the keyboard
         days->setAccessibleName(name);
@@ -217,6 +223,10 @@ void MonthView::DrawArrows() {
         icon.addPixmap(Chevron(back, palette().color(QPalette::ButtonText), ratio), QIcon::Active);
         button->setIcon(icon);
     }
+}
+
+QString MonthView::MarkedText() {
+    return QStringLiteral(", есть события");
 }
 
 bool MonthView::IsTitle(const QWidget* widget) {

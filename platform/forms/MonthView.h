@@ -28,6 +28,8 @@ public:
     void SetDayBold(QDate date, bool bold);
     bool DayBold(QDate date) const;
 
+    /// What is said of a day that is set off, behind its number or date.
+    static QString MarkedText();
     /// Whether a widget is the name of the month above a calendar.
     static bool IsTitle(const QWidget* widget);
 

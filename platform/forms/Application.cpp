@@ -13,6 +13,7 @@
 
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
+#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -72,6 +73,7 @@ Application::Application(int& argc, char** argv)
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();
     setKeyboardInputInterval(TypedTogether);
+    installEventFilter(this);
     InstallTableAccess();
     InstallMenuAccess();
     if (ChooseStyle())
@@ -125,11 +127,16 @@ bool Application::notify(QObject* receiver, QEvent* event) {
     return handled;
 }
 
-/// Enter belongs to the form's buttons. Some platform themes let check boxes and options act on it.
-bool Application::PressesButton(const QObject& receiver, QKeyEvent& key, Form& form) {
-    if (!qobject_cast<const QAbstractButton*>(&receiver) || !IsEnter(key))
+/// Enter goes past buttons and frames of fields up to the form, whose buttons it presses: some platform
+/// themes let check boxes, options and frames take it.
+bool Application::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress || !IsEnter(*static_cast<QKeyEvent*>(event)))
         return false;
-    key.setAccepted(form.PressButtonFor(key));
+    if (!qobject_cast<QAbstractButton*>(watched) && !qobject_cast<QGroupBox*>(watched))
+        return false;
+    if (!Form::Of(static_cast<QWidget*>(watched)))
+        return false;
+    event->ignore();
     return true;
 }
 
@@ -139,8 +146,7 @@ bool Application::Deliver(QObject* receiver, QEvent* event) {
     try {
         if (event->type() == QEvent::KeyPress && receiver->isWidgetType()) {
             const std::shared_ptr<Form> form = Form::Of(static_cast<QWidget*>(receiver));
-            auto& key = *static_cast<QKeyEvent*>(event);
-            if (form && (form->PreviewKey(key) || PressesButton(*receiver, key, *form)))
+            if (form && form->PreviewKey(*static_cast<QKeyEvent*>(event)))
                 return true;
         }
         return QApplication::notify(receiver, event);

@@ -2,15 +2,11 @@
 
 #include <QApplication>
 
-class QKeyEvent;
-
 namespace runtime {
 class Failure;
 }
 
 namespace forms {
-
-class Form;
 
 /// The application object: Russian locale and Russian texts of the toolkit, and the event dispatcher that
 /// shows failures which no handler took and tells the engine when control returns to the event loop. Its end
@@ -24,6 +20,7 @@ public:
 
     /// An exception that is no Failure passes through, also out of the loops of modal windows and boxes.
     bool notify(QObject* receiver, QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     /// Puts the program's form of the toolkit's own style in place of that style, also where a settings
     /// program has put a proxy of its own around it; other styles stay. True if the theme's colours stand as
@@ -37,7 +34,6 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    static bool PressesButton(const QObject& receiver, QKeyEvent& key, Form& form);
     bool Deliver(QObject* receiver, QEvent* event);
     void LoadToolkitTexts();
     void CommitWhenIdle();

@@ -13,6 +13,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
+#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
@@ -259,13 +260,15 @@ TEST_F(FormTest, ModalShowEndsWhenTheWindowIsHiddenAndKeepsWhatItHolds) {
     }
 }
 
-/// What a platform theme may let a check box do with Enter.
+/// What a platform theme may let a check box and a frame do with Enter.
 class Theme final : public QObject {
 protected:
-    bool eventFilter(QObject* box, QEvent* event) override {
+    bool eventFilter(QObject* control, QEvent* event) override {
         if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Return)
             return false;
-        static_cast<QCheckBox*>(box)->click();
+        if (auto* box = qobject_cast<QCheckBox*>(control))
+            box->click();
+        event->accept();
         return true;
     }
 };
@@ -276,8 +279,12 @@ TEST_F(FormTest, EnterAndEscPressTheButtons) {
         const auto form = Make(QStringLiteral("a"), kind);
         form->Show();
         auto* box = new QCheckBox(form->Surface());
+        auto* group = new QGroupBox(form->Surface());
+        auto* inGroup = new QLineEdit(group);
         box->installEventFilter(&theme);
+        group->installEventFilter(&theme);
         box->show();
+        group->show();
         EXPECT_TRUE(form->cmdFind->isDefault()) << "marked";
         EXPECT_TRUE(form->txtFirst->hasFocus() || form->Surface()->focusWidget() == form->txtFirst);
 
@@ -292,6 +299,7 @@ TEST_F(FormTest, EnterAndEscPressTheButtons) {
             {form->txtLines, Qt::Key_Return, ""},       {form->cmdOther, Qt::Key_Return, "other"},
             {form->cmdOther, Qt::Key_Escape, "cancel"}, {form->cmdCancel, Qt::Key_Enter, "cancel"},
             {form->cmdOther, Qt::Key_Space, "other"},   {box, Qt::Key_Return, "find"},
+            {inGroup, Qt::Key_Return, "find"},
         };
         for (const Case& c : cases) {
             c.focus->setFocus();

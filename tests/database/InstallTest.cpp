@@ -4,6 +4,7 @@
 #include "tests/database/BoundBase.h"
 #include "tests/support/Boxes.h"
 #include "tests/support/Keys.h"
+#include "tests/support/System.h"
 #include "tests/support/WindowWalk.h"
 
 #include <QDir>
@@ -13,9 +14,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QtTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 using forms::Icon;
 using test::ErrorStart;
@@ -172,17 +170,14 @@ TEST_F(Install, AFolderIsNeverDeleted) {
 TEST_F(Install, AFullDiskLeavesNeitherTheOldNorTheNewFile) {
     const QString path = Path(QStringLiteral("old.mdb"));
     test::WriteBytes(Path(QStringLiteral("old.mdb")), "old");
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before = {};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit limit = {60'000, before.rlim_max};
     // Whether the routine that writes or the report of success meets the end of the disk is a matter of time.
     test::Boxes boxes;
     const std::shared_ptr<frmInstall> master = forms::Form::Default<frmInstall>();
     master->Show();
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    Create(*master->Surface(), path);
-    ::setrlimit(RLIMIT_FSIZE, &before);
+    {
+        const test::SmallDisk full(60'000);
+        Create(*master->Surface(), path);
+    }
 
     EXPECT_TRUE(master->Visible());
     EXPECT_EQ(master->Tag(), QStringLiteral("0"));

@@ -2,6 +2,7 @@
 #include "platform/runtime/Codec1251.h"
 #include "platform/runtime/Files.h"
 #include "tests/exchange/ExchangeTest.h"
+#include "tests/support/System.h"
 #include "tests/support/WindowWalk.h"
 
 #include <QFileDialog>
@@ -10,9 +11,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -303,26 +301,6 @@ TEST_F(ExportTest, FilesThatNobodyAgreedToLose) {
     EXPECT_EQ(test::ReadBytes(path), "somebody's");
 }
 
-/// No file of this process may grow beyond so many bytes: what a full disk looks like.
-class SizeLimit {
-public:
-    explicit SizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    SizeLimit(const SizeLimit&) = delete;
-    SizeLimit& operator=(const SizeLimit&) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
-};
-
 TEST_F(ExportTest, AFullDisk) {
     AddManyCards(20000);
     const QByteArray whole = Export(AllCards, Ok, 20000);
@@ -334,7 +312,7 @@ TEST_F(ExportTest, AFullDisk) {
             .Box("frmRecords функция ExtractToCSV:\r\nпроизошла ошибка №61 Диск переполнен",
                  forms::Icon::Critical);
         {
-            const SizeLimit full(static_cast<rlim_t>(bytes));
+            const test::SmallDisk full(bytes);
             exchange::ExtractToCSV(*list, AllCards);
         }
         const QByteArray part = test::ReadBytes(path);

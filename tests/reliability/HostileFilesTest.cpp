@@ -5,13 +5,11 @@
 #include "tests/exchange/ImportMaster.h"
 #include "tests/shell/StartedProgram.h"
 #include "tests/support/Boxes.h"
-#include "tests/support/PlainUser.h"
+#include "tests/support/System.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <sqlite3.h>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -38,7 +36,7 @@ class HostileFiles : public test::Program {
 protected:
     HostileFiles() {
         QDir().mkdir(Path("folder"));
-        ::mkfifo(QFile::encodeName(Path("pipe")).constData(), 0600);
+        test::MakePipe(Path("pipe"));
     }
 
     /// A whole book of a version with one card.

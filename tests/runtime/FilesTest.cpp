@@ -1,7 +1,7 @@
 #include "platform/runtime/Files.h"
 
 #include "tests/runtime/Expect.h"
-#include "tests/support/PlainUser.h"
+#include "tests/support/System.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +9,6 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <csignal>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using runtime::InputFile;
 using runtime::OutputFile;
@@ -36,10 +31,7 @@ protected:
         return file.open(QFile::ReadOnly) ? file.readAll() : QByteArrayLiteral("no file");
     }
 
-    QString MakePipe(const QString& name) const {
-        EXPECT_EQ(::mkfifo(QFile::encodeName(Path(name)).constData(), 0600), 0);
-        return Path(name);
-    }
+    QString MakePipe(const QString& name) const { return test::MakePipe(Path(name)); }
 
 private:
     QTemporaryDir m_folder;
@@ -117,7 +109,7 @@ TEST_F(Files, AnOpenDatabaseIsNotDeletedUnderAnyName) {
     const QString link = Path(QStringLiteral("link.mdb"));
     const QString hardLink = Path(QStringLiteral("hard.mdb"));
     QFile::link(book, link);
-    ASSERT_EQ(::link(QFile::encodeName(book).constData(), QFile::encodeName(hardLink).constData()), 0);
+    ASSERT_TRUE(test::LinkFile(book, hardLink));
     QDir().mkdir(Path(QStringLiteral("sub")));
     {
         const runtime::OpenDatabaseFile open(book);
@@ -165,21 +157,16 @@ TEST_F(Files, OutputNamesWhatIsWrong) {
 
 TEST_F(Files, AFullDiskIsReportedAtTheLatestOnClosing) {
     // The greatest size of a file stands in for the end of the disk.
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before = {};
-    ::getrlimit(RLIMIT_FSIZE, &before);
     const QString line(99, u'x');
-    for (const rlim_t room : {rlim_t{0}, rlim_t{512}, rlim_t{100'000}}) {
+    for (const qint64 room : {0, 512, 100'000}) {
         QFile::remove(Path(QStringLiteral("full.csv")));
         OutputFile file(Path(QStringLiteral("full.csv")));
-        const rlimit limit = {room, before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        const test::SmallDisk full(room);
         const int failure = test::NumberOf([&] {
-            for (rlim_t written = 0; written <= room; written += 101)
+            for (qint64 written = 0; written <= room; written += 101)
                 file.Print(line);
             file.Close();
         });
-        ::setrlimit(RLIMIT_FSIZE, &before);
         EXPECT_EQ(failure, runtime::DiskFull) << room;
     }
 }

@@ -1,13 +1,10 @@
 #include "platform/engine/GroupClock.h"
 #include "tests/engine/storage/StorageTest.h"
+#include "tests/support/System.h"
 
 #include <QFile>
 
-#include <csignal>
 #include <functional>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -23,24 +20,6 @@ protected:
     QString Disk() const {
         return test::ReadRows(path, QStringLiteral("SELECT a01clid FROM a01 ORDER BY 1")).join(u' ');
     }
-};
-
-// No file of this process grows beyond its size: the disk is full, as it were.
-class NoRoom {
-public:
-    explicit NoRoom(const QString& path) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit limit = m_before;
-        limit.rlim_cur = static_cast<rlim_t>(QFile(path).size());
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~NoRoom() { setrlimit(RLIMIT_FSIZE, &m_before); }
-    NoRoom(const NoRoom&) = delete;
-    NoRoom& operator=(const NoRoom&) = delete;
-
-private:
-    rlimit m_before{};
 };
 
 } // namespace
@@ -110,7 +89,7 @@ TEST_F(Commit, ALostGroupIsToldToWhoeverPassesOverFailures) {
     Run(QStringLiteral("CREATE TABLE extra (x TEXT(5))"));
     int failures = 0;
     {
-        const NoRoom noRoom(path);
+        const test::SmallDisk noRoom(QFile(path).size());
         for (int id = 2; id < 500; ++id) {
             if (id == 300)
                 engine::GroupClock::Advance(std::chrono::milliseconds(50)); // the group is due
@@ -133,7 +112,7 @@ TEST_F(Commit, AGroupThatCannotBeCommittedIsToldOnceAtTheEnd) {
     Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (1, 'x')"));
     engine::DBEngine::Commit();
     {
-        const NoRoom noRoom(path);
+        const test::SmallDisk noRoom(QFile(path).size());
         workspace->BeginTrans();
         const QString text = QString(50, u'я');
         for (int id = 2; id < 200; ++id)
@@ -146,23 +125,4 @@ TEST_F(Commit, AGroupThatCannotBeCommittedIsToldOnceAtTheEnd) {
     Insert(2);
     engine::DBEngine::Commit();
     EXPECT_EQ(Disk(), QStringLiteral("1 2"));
-}
-
-// A program that is killed keeps what it had made durable, whole, and nothing else.
-TEST_F(Commit, AKilledProgramKeepsWholeStatements) {
-    database->Close();
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        const auto mine = engine::DBEngine::CreateWorkspace({}, {}, {})->OpenDatabase(path);
-        mine->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)"), engine::dbFailOnError);
-        engine::DBEngine::Commit();
-        mine->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (2)"), engine::dbFailOnError);
-        ::kill(getpid(), SIGKILL);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status));
-    database = workspace->OpenDatabase(path);
-    EXPECT_EQ(Ask(QStringLiteral("SELECT a01clid FROM a01")), QStringList{QStringLiteral("1")});
 }

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <sqlite3.h>
 
+#include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -57,4 +58,23 @@ TEST_F(Sharing, AReaderDelaysTheCommitAndNothingElse) {
     waitpid(reader, &status, 0);
     EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT COUNT(*) FROM a01")),
               QStringList{QString::number(cards)});
+}
+
+// A program that is killed keeps what it had made durable, whole, and nothing else.
+TEST_F(Sharing, AKilledProgramKeepsWholeStatements) {
+    database->Close();
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const auto mine = engine::DBEngine::CreateWorkspace({}, {}, {})->OpenDatabase(path);
+        mine->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)"), engine::dbFailOnError);
+        engine::DBEngine::Commit();
+        mine->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (2)"), engine::dbFailOnError);
+        ::kill(getpid(), SIGKILL);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    database = workspace->OpenDatabase(path);
+    EXPECT_EQ(Ask(QStringLiteral("SELECT a01clid FROM a01")), QStringList{QStringLiteral("1")});
 }

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QStringList>
+
+namespace test {
+
+/// No file of this process may grow beyond so many bytes: what a full disk looks like. Only on Unix.
+class SmallDisk {
+public:
+    explicit SmallDisk(qint64 bytes);
+    ~SmallDisk();
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+private:
+    quint64 m_before = 0;
+    void (*m_handler)(int) = nullptr;
+};
+
+/// Rights do not bind the administrator, as which a build machine may run the tests: while this lives, the
+/// process is another user, who owns the paths. Only on Unix.
+class PlainUser {
+public:
+    explicit PlainUser(const QStringList& paths);
+    ~PlainUser();
+    PlainUser(const PlainUser&) = delete;
+    PlainUser& operator=(const PlainUser&) = delete;
+
+private:
+    bool m_changed = false;
+};
+
+/// Rights as Unix writes them; elsewhere only whether a file may be written counts.
+void SetRights(const QString& path, int rights);
+/// A path that leads to a pipe: a made one on Unix.
+QString MakePipe(const QString& path);
+/// A second name for a file.
+bool LinkFile(const QString& path, const QString& name);
+
+} // namespace test

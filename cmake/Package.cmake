@@ -1,4 +1,7 @@
 # What `cmake --install` puts where, and the packages that CPack makes of it.
+if(WIN32)
+  include(cmake/PackageWindows.cmake)
+endif()
 if(NOT CMAKE_INSTALL_DOCDIR)
   set(CMAKE_INSTALL_DOCDIR share/doc/zavelik)
 endif()

@@ -17,6 +17,7 @@
 #include <QKeyEvent>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QStyleFactory>
 #include <QTranslator>
 
 namespace forms {
@@ -88,7 +89,12 @@ Application::~Application() {
     sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+/// Whether the program may choose the colours. The style of Windows is kept as users know it.
 bool Application::ChooseStyle() {
+    if (style()->inherits("QWindowsVistaStyle")) {
+        m_systemStyle = style()->objectName();
+        return true;
+    }
     if (!ProgramStyle::IsBuiltOn(*style()))
         return false;
     const bool coloursAreChosen = qobject_cast<const QProxyStyle*>(style()) != nullptr;
@@ -97,13 +103,12 @@ bool Application::ChooseStyle() {
 }
 
 void Application::PreferDark(bool dark) {
-    if (!dark && m_darkened)
-        setPalette(QPalette()); // the theme's own
-    else if (dark && !ProgramStyle::IsDark(palette()))
-        setPalette(ProgramStyle::DarkPalette());
-    else
+    if (dark == m_darkened || (dark && ProgramStyle::IsDark(palette())))
         return;
     m_darkened = dark;
+    if (!m_systemStyle.isEmpty()) // it has light colours alone
+        setStyle(dark ? new ProgramStyle(QStringLiteral("fusion")) : QStyleFactory::create(m_systemStyle));
+    setPalette(dark ? ProgramStyle::DarkPalette() : QPalette()); // else the theme's own
 }
 
 void Application::LoadToolkitTexts() {

@@ -42,6 +42,7 @@ private:
 
     bool m_telling = false;
     bool m_darkened = false; ///< by PreferDark
+    QString m_systemStyle;   ///< style of Windows, if that is used
 };
 
 } // namespace forms

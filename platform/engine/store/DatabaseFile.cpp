@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/runtime/DiskSync.h"
+#include "platform/runtime/System.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -12,14 +13,8 @@
 #include <sqlite3.h>
 
 #include <array>
-#include <cerrno>
 #include <filesystem>
 #include <system_error>
-
-#ifdef Q_OS_UNIX
-#include <fcntl.h>
-#include <unistd.h>
-#endif
 
 namespace engine {
 
@@ -52,20 +47,8 @@ bool IsOlderFormat(QByteArrayView header) {
 
 QByteArray ReadHeader(const QString& path) {
     QFile file(path);
-#ifdef Q_OS_UNIX
-    // Never waits, whatever kind of file takes the place between the look at it and here.
-    const int descriptor =
-        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (descriptor < 0)
-        RaiseEngine(errno == ENOENT ? FileNotFound : CannotOpenFile, path);
-    if (!file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) {
-        ::close(descriptor);
-        RaiseEngine(CannotOpenFile, path);
-    }
-#else
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        RaiseEngine(CannotOpenFile, path);
-#endif
+    if (const std::error_code error = runtime::OpenAtOnce(file))
+        RaiseEngine(error == std::errc::no_such_file_or_directory ? FileNotFound : CannotOpenFile, path);
     QByteArray header = file.read(headerSize);
     if (header.isEmpty() && file.error() != QFileDevice::NoError)
         RaiseEngine(DiskOrNetworkFailure);
@@ -111,6 +94,8 @@ QByteArray EmptyImage() {
 
 void CheckDatabaseFile(const QString& path) {
     CheckFolder(path);
+    if (runtime::NamesDevice(path))
+        RaiseEngine(UnrecognisedFormat, path);
     std::error_code error;
     const auto status = std::filesystem::status(FilePath(path), error);
     switch (status.type()) {

@@ -3,7 +3,6 @@
 #include "platform/engine/functions/Functions.h"
 #include "platform/engine/store/Statement.h"
 
-#include <QFile>
 #include <sqlite3.h>
 
 #include <array>
@@ -45,7 +44,7 @@ Sqlite::Sqlite(const QString& file, QString path)
     : m_path(std::move(path)) {
     sqlite3_hard_heap_limit64(heapLimit);
     const int code =
-        sqlite3_open_v2(QFile::encodeName(file).constData(), &m_db,
+        sqlite3_open_v2(file.toUtf8().constData(), &m_db,
                         SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     try {
         if (code != SQLITE_OK)

@@ -2,9 +2,10 @@
 
 #include "platform/runtime/Failure.h"
 
-#include <mapi.h>
 #include <type_traits>
-#include <windows.h> // before what leans on it
+#include <windows.h>
+// Leans on what stands above it.
+#include <mapi.h>
 
 namespace runtime {
 

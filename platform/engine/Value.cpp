@@ -65,17 +65,7 @@ QString Value::Text() const {
 }
 
 std::int32_t Value::Long() const {
-    if (const auto* number = std::get_if<std::int64_t>(&m_data)) {
-        if (*number < std::numeric_limits<std::int32_t>::min() ||
-            *number > std::numeric_limits<std::int32_t>::max())
-            runtime::Raise(runtime::Overflow);
-        return static_cast<std::int32_t>(*number);
-    }
-    const double rounded = runtime::RoundHalfEven(Number());
-    if (!(rounded >= std::numeric_limits<std::int32_t>::min() &&
-          rounded <= std::numeric_limits<std::int32_t>::max()))
-        runtime::Raise(runtime::Overflow);
-    return static_cast<std::int32_t>(rounded);
+    return runtime::RoundedTo<std::int32_t>(Number());
 }
 
 double Value::Number() const {

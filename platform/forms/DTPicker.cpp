@@ -2,6 +2,7 @@
 
 #include "platform/forms/DateRange.h"
 #include "platform/forms/MonthView.h"
+#include "platform/runtime/Dates.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -29,13 +30,6 @@ constexpr std::array<PartLook, 3> Looks = {{{0, 2, 3}, {3, 2, 1}, {6, 4, 999}}};
 bool IsFull(int part, const QString& digits) {
     const PartLook& look = Looks[static_cast<std::size_t>(part)];
     return digits.size() == look.length || digits.toInt() > look.roomBehind;
-}
-
-/// A year of two digits lies between 1930 and 2029.
-int FullYear(int year, qsizetype digits) {
-    if (digits > 2)
-        return year;
-    return year < 30 ? year + 2000 : year + 1900;
 }
 
 } // namespace
@@ -211,7 +205,7 @@ bool DTPicker::Commit() {
         month = number;
         break;
     default:
-        year = FullYear(number, digits);
+        year = digits > 2 ? number : runtime::FullYear(number);
         break;
     }
     const QDate first(year, month, 1);

@@ -1,5 +1,7 @@
 #include "platform/runtime/DateReader.h"
 
+#include "platform/runtime/Dates.h"
+
 #include <vector>
 
 // Three steps: the text is cut into numbers, words and signs; the time of day and the mark of the year are
@@ -262,14 +264,6 @@ std::optional<Meaning> MeaningOf(const Tokens& parts) {
     return std::nullopt;
 }
 
-int FullYear(int year) {
-    constexpr int FirstOfLastCentury = 30; // 00 to 29 lie in this century
-    constexpr int Hundred = 100;
-    if (year < FirstOfLastCentury)
-        return year + 2000;
-    return year < Hundred ? year + 1900 : year;
-}
-
 std::optional<QDate> DateOf(const Meaning& meaning, QDate today) {
     const bool dayIsYear = meaning.day && meaning.day->IsYear();
     if (dayIsYear || meaning.month->IsYear() || !meaning.month->CanBeMonth())
@@ -288,7 +282,7 @@ std::optional<QDateTime> ReadDate(const QString& text, QDate today) {
         return std::nullopt;
     const QTime timeOfDay = time.value_or(QTime(0, 0));
     if (tokens->empty())
-        return QDateTime(QDate(1899, 12, 30), timeOfDay, Qt::UTC);
+        return QDateTime(DayZero(), timeOfDay, Qt::UTC);
 
     const bool yearMarked = TakeYearMark(*tokens);
     const std::optional<Tokens> parts = Parts(*tokens);

@@ -18,10 +18,6 @@ constexpr double DayBehindLast = 2'958'466; // 1.1.10000
 
 std::optional<QDate> fixedToday;
 
-QDate DayZero() {
-    return {1899, 12, 30};
-}
-
 QString TimeText(QTime time) {
     return QString::number(time.hour()) + time.toString(QStringLiteral(":mm:ss"));
 }
@@ -56,8 +52,15 @@ QString DateToText(QDate date) {
     return DateToText(QDateTime(date, QTime(0, 0), Qt::UTC));
 }
 
-int DaysBetween(QDate from, QDate to) {
-    return static_cast<int>(from.daysTo(to));
+int FullYear(int year) {
+    constexpr int firstOfLastCentury = 30;
+    if (year < 0 || year > 99)
+        return year;
+    return year + (year < firstOfLastCentury ? 2000 : 1900);
+}
+
+QDate DayZero() {
+    return {1899, 12, 30};
 }
 
 bool IsDateNumber(double number) {

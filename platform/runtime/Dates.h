@@ -25,11 +25,13 @@ std::optional<QDateTime> TryTextToDate(const QString& text);
 QString DateToText(const QDateTime& value);
 QString DateToText(QDate date);
 
-/// Days between two dates as the number of midnights passed; negative if `to` lies before `from`.
-int DaysBetween(QDate from, QDate to);
+/// A year as it is written: 0 to 29 mean 2000 to 2029, 30 to 99 mean 1930 to 1999, others themselves.
+int FullYear(int year);
 
-/// Day 0 of date numbers, 30.12.1899; a date number is days since then, the fraction is the time of day,
-/// of which parts of a second are rounded. Failure 6 for a number that IsDateNumber refuses.
+/// Day 0 of date numbers, 30.12.1899.
+QDate DayZero();
+/// A date number is days since day 0, the fraction is the time of day, of which parts of a second are
+/// rounded. Failure 6 for a number that IsDateNumber refuses.
 QDateTime DateFromNumber(double number);
 double NumberFromDate(const QDateTime& value);
 /// Whether the number is that of a moment from 1.1.100 0:00 to the end of 31.12.9999. All moments of a day

@@ -135,14 +135,6 @@ double ParseDecimal(const QByteArray& number) {
     return large ? HUGE_VAL : 0;
 }
 
-template <class Integer>
-Integer Rounded(const QString& text) {
-    const double value = RoundHalfEven(TextToNumber(text));
-    if (value < std::numeric_limits<Integer>::min() || value > std::numeric_limits<Integer>::max())
-        Raise(Overflow);
-    return static_cast<Integer>(value);
-}
-
 } // namespace
 
 double TextToNumber(const QString& text) {
@@ -177,11 +169,7 @@ double TextToNumber(const QString& text) {
 }
 
 std::int32_t TextToLong(const QString& text) {
-    return Rounded<std::int32_t>(text);
-}
-
-std::int16_t TextToInteger(const QString& text) {
-    return Rounded<std::int16_t>(text);
+    return RoundedTo<std::int32_t>(TextToNumber(text));
 }
 
 double Val(const QString& text) {

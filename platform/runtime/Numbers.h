@@ -17,14 +17,21 @@ double TextToNumber(const QString& text);
 
 /// The same rounded half to even and held to 32 bits (failure 6 beyond).
 std::int32_t TextToLong(const QString& text);
-/// The same held to 16 bits (failure 6 beyond).
-std::int16_t TextToInteger(const QString& text);
 
 /// Longest number at the start, with '.' as the point, blanks passed over, &H and &O; else 0. Never fails.
 double Val(const QString& text);
 
 /// Rounds half to the even neighbour.
 double RoundHalfEven(double value);
+/// The same as a whole number of at most 32 bits; failure 6 if it does not fit.
+template <class Whole>
+Whole RoundedTo(double value) {
+    static_assert(sizeof(Whole) <= sizeof(std::int32_t));
+    const double rounded = RoundHalfEven(value);
+    if (!(rounded >= std::numeric_limits<Whole>::min() && rounded <= std::numeric_limits<Whole>::max()))
+        Raise(Overflow);
+    return static_cast<Whole>(rounded);
+}
 
 /// Decimal text of a number as CStr writes it: at most 15 digits or those given, decimal comma, no
 /// thousands sign.

@@ -1,6 +1,7 @@
 #include "platform/engine/sql/Lexer.h"
 
 #include "platform/engine/schema/Names.h"
+#include "platform/runtime/Dates.h"
 #include "platform/runtime/Failure.h"
 
 #include <QRegularExpression>
@@ -52,13 +53,12 @@ std::optional<QDateTime> ReadMoment(QStringView text) {
     const bool timed = has(Minute) || has(Half); // an hour alone is no time
     if (has(Hour) ? !timed : !has(First))
         return {};
-    QDate date(1899, 12, 30);
+    QDate date = runtime::DayZero();
     if (has(First) && match.capturedLength(First) > 2) {
         date = QDate(number(First), number(Second), number(Third));
     } else if (has(First)) {
-        int year = number(Third);
-        if (match.capturedLength(Third) <= 2)
-            year += year < 30 ? 2000 : 1900;
+        const bool isShort = match.capturedLength(Third) <= 2;
+        const int year = isShort ? runtime::FullYear(number(Third)) : number(Third);
         // Month first; a month that cannot be one is the day.
         date = QDate(year, number(First), number(Second));
         if (!date.isValid())

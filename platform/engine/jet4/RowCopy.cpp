@@ -55,25 +55,6 @@ QString InsertText(const Table& table, const CopiedColumns& columns, std::size_t
            values.join(u',');
 }
 
-bool Equals(const Cell& cell, const Value& value) {
-    const auto isWhole = [&](std::int64_t number) {
-        return cell.kind == Cell::Integer && cell.integer == number;
-    };
-    if (const auto* text = value.As<QString>())
-        return cell.kind == Cell::Text && cell.text == *text;
-    if (const auto* whole = value.As<std::int64_t>())
-        return isWhole(*whole);
-    if (const auto* amount = value.As<Money>())
-        return isWhole(amount->units);
-    if (const auto* truth = value.As<bool>())
-        return isWhole(*truth ? 1 : 0);
-    if (const auto* number = value.As<double>())
-        return cell.kind == Cell::Real && cell.real == *number;
-    if (const auto* bytes = value.As<QByteArray>())
-        return cell.kind == Cell::Bytes && cell.bytes == *bytes;
-    return cell.kind == Cell::Null;
-}
-
 } // namespace
 
 RowCopy::RowCopy(const QString& file, const Reader& reader, QString path)
@@ -155,7 +136,7 @@ void RowCopy::Compare(const Table& table) {
         }
         bool equal = found.Next();
         for (std::size_t i = 0; equal && i < columns.places.size(); ++i)
-            equal = Equals(found.Column(static_cast<int>(i)), values[columns.places[i]]);
+            equal = found.Column(static_cast<int>(i)) == CellOf(values[columns.places[i]]);
         if (!equal)
             RaiseEngine(DiskOrNetworkFailure);
     });

@@ -2,8 +2,6 @@
 
 #include "platform/engine/EngineError.h"
 
-#include <sqlite3.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -20,6 +18,11 @@ constexpr std::size_t numberUnits = sizeof(std::int64_t) / sizeof(char16_t);
 constexpr std::size_t lengthUnits = 2;
 constexpr std::int64_t smallLimit = 4096;
 constexpr std::size_t shortLimit = 8192;
+
+/// Units of a text, or bytes.
+std::size_t Size(const auto& view) {
+    return static_cast<std::size_t>(view.size());
+}
 
 bool IsSmall(std::int64_t number) {
     return number >= -smallLimit && number < smallLimit;
@@ -72,31 +75,76 @@ std::size_t UnitsOf(const char16_t* row, int cells) {
     return static_cast<std::size_t>(end - row);
 }
 
-RowBuffer::Cell Read(const char16_t* cell) {
-    RowBuffer::Cell read;
+std::size_t UnitsOf(const Cell& cell) {
+    switch (cell.kind) {
+    case Cell::Integer:
+        return UnitsOf(cell.integer);
+    case Cell::Real:
+        return 1 + numberUnits;
+    case Cell::Text:
+        return 1 + Size(cell.text) + (Size(cell.text) < shortLimit ? 0 : lengthUnits);
+    case Cell::Bytes:
+        return 1 + lengthUnits + (Size(cell.bytes) + 1) / 2;
+    case Cell::Null:
+        break;
+    }
+    return 1;
+}
+
+char16_t* Put(char16_t* to, const Cell& cell) {
+    switch (cell.kind) {
+    case Cell::Integer:
+        return Put(to, cell.integer);
+    case Cell::Real:
+        *to++ = FormReal;
+        std::memcpy(to, &cell.real, sizeof cell.real);
+        return to + numberUnits;
+    case Cell::Text:
+        if (Size(cell.text) < shortLimit) {
+            *to++ = static_cast<char16_t>((Size(cell.text) << 3) | FormShortText);
+        } else {
+            *to++ = FormLongText;
+            to = PutLength(to, Size(cell.text));
+        }
+        return std::copy_n(cell.text.utf16(), cell.text.size(), to);
+    case Cell::Bytes:
+        *to++ = FormBytes;
+        to = PutLength(to, Size(cell.bytes));
+        if (!cell.bytes.isEmpty())
+            std::memcpy(to, cell.bytes.data(), Size(cell.bytes));
+        return to + (Size(cell.bytes) + 1) / 2;
+    case Cell::Null:
+        break;
+    }
+    *to++ = FormNull;
+    return to;
+}
+
+Cell Read(const char16_t* cell) {
+    Cell read;
     switch (*cell & 7) {
     case FormSmall:
-        read.kind = RowBuffer::Cell::Integer;
+        read.kind = Cell::Integer;
         read.integer = (*cell >> 3) - smallLimit;
         break;
     case FormInteger:
-        read.kind = RowBuffer::Cell::Integer;
+        read.kind = Cell::Integer;
         std::memcpy(&read.integer, cell + 1, sizeof read.integer);
         break;
     case FormReal:
-        read.kind = RowBuffer::Cell::Real;
+        read.kind = Cell::Real;
         std::memcpy(&read.real, cell + 1, sizeof read.real);
         break;
     case FormShortText:
-        read.kind = RowBuffer::Cell::Text;
+        read.kind = Cell::Text;
         read.text = QStringView(cell + 1, *cell >> 3);
         break;
     case FormLongText:
-        read.kind = RowBuffer::Cell::Text;
+        read.kind = Cell::Text;
         read.text = QStringView(cell + 1 + lengthUnits, static_cast<qsizetype>(GetLength(cell + 1)));
         break;
     case FormBytes:
-        read.kind = RowBuffer::Cell::Bytes;
+        read.kind = Cell::Bytes;
         read.bytes = QByteArrayView(reinterpret_cast<const char*>(cell + 1 + lengthUnits),
                                     static_cast<qsizetype>(GetLength(cell + 1)));
         break;
@@ -108,88 +156,18 @@ RowBuffer::Cell Read(const char16_t* cell) {
 
 } // namespace
 
-RowBuffer::Source RowBuffer::SourceOf(sqlite3_stmt* row, int column) {
-    Source source;
-    source.type = sqlite3_column_type(row, column);
-    switch (source.type) {
-    case SQLITE_INTEGER:
-        source.integer = sqlite3_column_int64(row, column);
-        break;
-    case SQLITE_FLOAT:
-        source.real = sqlite3_column_double(row, column);
-        break;
-    case SQLITE_TEXT:
-        source.data = sqlite3_column_text16(row, column);
-        if (source.data == nullptr)
-            throw std::bad_alloc();
-        source.size = static_cast<std::size_t>(sqlite3_column_bytes16(row, column)) / 2;
-        break;
-    case SQLITE_BLOB:
-        source.data = sqlite3_column_blob(row, column);
-        source.size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
-        break;
-    default:
-        break;
-    }
-    return source;
-}
-
-std::size_t RowBuffer::UnitsOf(const Source& source) {
-    switch (source.type) {
-    case SQLITE_INTEGER:
-        return engine::UnitsOf(source.integer);
-    case SQLITE_FLOAT:
-        return 1 + numberUnits;
-    case SQLITE_TEXT:
-        return 1 + source.size + (source.size < shortLimit ? 0 : lengthUnits);
-    case SQLITE_BLOB:
-        return 1 + lengthUnits + (source.size + 1) / 2;
-    default:
-        return 1;
-    }
-}
-
-char16_t* RowBuffer::Put(char16_t* to, const Source& source) {
-    switch (source.type) {
-    case SQLITE_INTEGER:
-        return engine::Put(to, source.integer);
-    case SQLITE_FLOAT:
-        *to++ = FormReal;
-        std::memcpy(to, &source.real, sizeof source.real);
-        return to + numberUnits;
-    case SQLITE_TEXT:
-        if (source.size < shortLimit) {
-            *to++ = static_cast<char16_t>((source.size << 3) | FormShortText);
-        } else {
-            *to++ = FormLongText;
-            to = PutLength(to, source.size);
-        }
-        std::memcpy(to, source.data, source.size * 2);
-        return to + source.size;
-    case SQLITE_BLOB:
-        *to++ = FormBytes;
-        to = PutLength(to, source.size);
-        if (source.size > 0)
-            std::memcpy(to, source.data, source.size);
-        return to + (source.size + 1) / 2;
-    default:
-        *to++ = FormNull;
-        return to;
-    }
-}
-
 std::size_t RowBuffer::Collect(const Statement& row) {
     const int columns = row.ColumnCount();
     m_sources.clear();
     std::size_t units = 0;
     for (int column = 0; column < columns; ++column)
-        units += UnitsOf(m_sources.emplace_back(SourceOf(row.Handle(), column)));
+        units += UnitsOf(m_sources.emplace_back(row.Column(column)));
     return units;
 }
 
 char16_t* RowBuffer::PutCollected(char16_t* to) const {
-    for (const Source& source : m_sources)
-        to = Put(to, source);
+    for (const Cell& cell : m_sources)
+        to = Put(to, cell);
     return to;
 }
 
@@ -248,7 +226,7 @@ char16_t* RowBuffer::Reserve(std::size_t units) {
     return start;
 }
 
-RowBuffer::Cell RowBuffer::At(std::size_t place, int column) const {
+Cell RowBuffer::At(std::size_t place, int column) const {
     const char16_t* cell = m_rows[place];
     for (int skipped = 0; skipped < column; ++skipped)
         cell = Skip(cell);

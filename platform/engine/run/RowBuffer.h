@@ -28,18 +28,6 @@ public:
     void Clear() noexcept;
 
 private:
-    /// A column of the statement's row as SQLite delivers it, good until the next step.
-    struct Source {
-        int type = 0; ///< SQLite's
-        std::int64_t integer = 0;
-        double real = 0;
-        const void* data = nullptr; ///< of a text or bytes
-        std::size_t size = 0;       ///< units of a text, or bytes
-    };
-    static Source SourceOf(sqlite3_stmt* row, int column);
-    static std::size_t UnitsOf(const Source& source);
-    static char16_t* Put(char16_t* to, const Source& source);
-
     /// Asks the statement for its columns; the units that they take.
     std::size_t Collect(const Statement& row);
     char16_t* PutCollected(char16_t* to) const;
@@ -47,7 +35,7 @@ private:
     /// Copies the rows to blocks without what replaced rows have left behind.
     void Compact(int cells);
 
-    std::vector<Source> m_sources; ///< of the row being copied: each column is asked once
+    std::vector<Cell> m_sources; ///< of the row being copied: each column is asked once
     std::vector<char16_t*> m_rows;
     std::vector<bool> m_removed; ///< as far as the last row that was removed
     std::vector<std::unique_ptr<char16_t[]>> m_blocks;

@@ -61,7 +61,6 @@ public:
     int Prepare(sqlite3* db, QStringView text, Lifetime lifetime = Lifetime::Once);
 
 private:
-    void BindBytes(int place, QByteArrayView bytes);
     void CheckBound(int code) const;
 
     const Sqlite* m_db = nullptr;

@@ -1,11 +1,9 @@
-// The aggregates that SQLite lacks. All pass over NULL and give NULL over too few rows.
+// The aggregates that SQLite lacks. All but zv_single pass over NULL, and give NULL over too few rows.
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Call.h"
-#include "platform/runtime/Failure.h"
 
 #include <cmath>
-#include <cstdint>
 #include <memory>
 #include <new>
 #include <optional>
@@ -14,172 +12,134 @@ namespace engine::functions {
 
 namespace {
 
-struct FreeValue {
-    void operator()(sqlite3_value* value) const { sqlite3_value_free(value); }
+/// A value kept beyond its row.
+class Kept {
+public:
+    void Keep(sqlite3_value* value) {
+        m_value.reset(sqlite3_value_dup(value));
+        if (!m_value)
+            throw std::bad_alloc();
+    }
+    explicit operator bool() const { return m_value != nullptr; }
+    void Give(sqlite3_context* context) const {
+        if (m_value)
+            sqlite3_result_value(context, m_value.get());
+    }
+
+private:
+    struct Free {
+        void operator()(sqlite3_value* value) const { sqlite3_value_free(value); }
+    };
+    std::unique_ptr<sqlite3_value, Free> m_value;
 };
 
 /// The first or the last value in the order of delivery.
+template <bool Last>
 struct Edge {
-    std::unique_ptr<sqlite3_value, FreeValue> value;
+    Kept kept;
+
+    void Add(sqlite3_value* value) {
+        if (Last || !kept)
+            kept.Keep(value);
+    }
+    void Give(sqlite3_context* context) const { kept.Give(context); }
 };
 
-/// The sum of amounts of money; none of no row.
-struct Sum {
-    std::optional<Money> amount;
-};
-
-/// The value of the only row.
+/// The value of the only row, be it NULL; failure 3354 of several.
 struct Single {
-    bool met = false;
-    std::unique_ptr<sqlite3_value, FreeValue> value;
+    static constexpr bool takesNull = true;
+    Kept kept;
+
+    void Add(sqlite3_value* value) {
+        if (kept)
+            RaiseEngine(SubqueryRows);
+        kept.Keep(value);
+    }
+    void Give(sqlite3_context* context) const { kept.Give(context); }
 };
 
-/// Mean and sum of squared distances, carried along row by row, so that large equal values lose no digits.
+/// The sum of amounts of money in ten-thousandths; failure 6.
+struct Sum {
+    Money sum;
+
+    void Add(sqlite3_value* value) { sum = sum + Money{sqlite3_value_int64(value)}; }
+    void Give(sqlite3_context* context) const { sqlite3_result_int64(context, sum.units); }
+};
+
+/// Variance of a sample or of a whole, or its root. Mean and sum of squared distances are carried along row
+/// by row, so that large equal values lose no digits.
+template <bool Sample, bool Root>
 struct Spread {
     std::int64_t count = 0;
     double mean = 0;
     double squares = 0;
 
-    void Take(double number) {
-        ++count;
-        const double distance = number - mean;
-        mean += distance / static_cast<double>(count);
-        squares += distance * (number - mean);
-    }
-};
-
-/// SQLite gives zeroed memory for the state of a group; an object is made there at the first row.
-template <class State>
-struct Slot {
-    bool made;
-    alignas(State) unsigned char place[sizeof(State)];
-
-    State* Get() { return std::launder(reinterpret_cast<State*>(place)); }
-};
-
-template <class State>
-State* StateOf(sqlite3_context* context) {
-    auto* slot = static_cast<Slot<State>*>(sqlite3_aggregate_context(context, sizeof(Slot<State>)));
-    if (!slot) {
-        sqlite3_result_error_nomem(context);
-        return nullptr;
-    }
-    if (!slot->made) {
-        new (slot->place) State;
-        slot->made = true;
-    }
-    return slot->Get();
-}
-
-/// The state of a group at its end, to be given up; null for a group without rows.
-template <class State>
-std::unique_ptr<State, void (*)(State*)> EndState(sqlite3_context* context) {
-    auto* slot = static_cast<Slot<State>*>(sqlite3_aggregate_context(context, 0));
-    return {slot && slot->made ? slot->Get() : nullptr, [](State* state) { state->~State(); }};
-}
-
-template <bool Last>
-void StepEdge(sqlite3_context* context, int, sqlite3_value** values) {
-    Edge* edge = StateOf<Edge>(context);
-    if (!edge || sqlite3_value_type(values[0]) == SQLITE_NULL)
-        return;
-    if (Last || !edge->value) {
-        edge->value.reset(sqlite3_value_dup(values[0]));
-        if (!edge->value)
-            sqlite3_result_error_nomem(context);
-    }
-}
-
-void EndEdge(sqlite3_context* context) {
-    const auto edge = EndState<Edge>(context);
-    if (edge && edge->value)
-        sqlite3_result_value(context, edge->value.get());
-}
-
-void StepSum(sqlite3_context* context, int, sqlite3_value** values) {
-    Sum* sum = StateOf<Sum>(context);
-    if (!sum || sqlite3_value_type(values[0]) == SQLITE_NULL)
-        return;
-    try {
-        sum->amount = sum->amount.value_or(Money{}) + Money{sqlite3_value_int64(values[0])};
-    } catch (...) { // no exception may pass through SQLite
-        SetFailure(context);
-    }
-}
-
-void EndSum(sqlite3_context* context) {
-    const auto sum = EndState<Sum>(context);
-    if (sum && sum->amount)
-        sqlite3_result_int64(context, sum->amount->units);
-}
-
-void StepSingle(sqlite3_context* context, int, sqlite3_value** values) {
-    Single* single = StateOf<Single>(context);
-    if (!single)
-        return;
-    if (single->met) {
-        try {
-            RaiseEngine(SubqueryRows);
-        } catch (...) { // no exception may pass through SQLite
-            SetFailure(context);
-        }
-        return;
-    }
-    single->met = true;
-    single->value.reset(sqlite3_value_dup(values[0]));
-    if (!single->value)
-        sqlite3_result_error_nomem(context);
-}
-
-void EndSingle(sqlite3_context* context) {
-    const auto single = EndState<Single>(context);
-    if (single && single->value)
-        sqlite3_result_value(context, single->value.get());
-}
-
-void StepSpread(sqlite3_context* context, int, sqlite3_value** values) {
-    Spread* spread = StateOf<Spread>(context);
-    if (!spread || sqlite3_value_type(values[0]) == SQLITE_NULL)
-        return;
-    try {
-        const Value value = FromSqlite(values[0]);
+    void Add(sqlite3_value* given) {
+        const Value value = FromSqlite(given);
         if (!value.IsNumeric())
             RaiseEngine(TypeMismatchInCriteria);
-        spread->Take(value.Number());
+        const double distance = value.Number() - mean;
+        mean += distance / static_cast<double>(++count);
+        squares += distance * (value.Number() - mean);
+    }
+    void Give(sqlite3_context* context) const {
+        const std::int64_t divisor = count - (Sample ? 1 : 0);
+        if (divisor <= 0)
+            return;
+        const double variance = squares / static_cast<double>(divisor);
+        sqlite3_result_double(context, Root ? std::sqrt(variance) : variance);
+    }
+};
+
+/// The state of a group, made at the first row that counts: SQLite keeps and clears the place for the
+/// pointer.
+template <class State>
+State** StateOf(sqlite3_context* context, int size) {
+    return static_cast<State**>(sqlite3_aggregate_context(context, size));
+}
+
+template <class State>
+void Step(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    if (!requires { State::takesNull; } && sqlite3_value_type(values[0]) == SQLITE_NULL)
+        return;
+    try {
+        State** state = StateOf<State>(context, sizeof(State*));
+        if (!state)
+            throw std::bad_alloc();
+        if (!*state)
+            *state = new State;
+        (*state)->Add(values[0]);
     } catch (...) { // no exception may pass through SQLite
         SetFailure(context);
     }
 }
 
-template <bool Sample, bool Root>
-void EndSpread(sqlite3_context* context) {
-    const auto spread = EndState<Spread>(context);
-    const std::int64_t divisor = spread ? spread->count - (Sample ? 1 : 0) : 0;
-    if (divisor <= 0)
-        return;
-    const double variance = spread->squares / static_cast<double>(divisor);
-    sqlite3_result_double(context, Root ? std::sqrt(variance) : variance);
+template <class State>
+void End(sqlite3_context* context) {
+    State** state = StateOf<State>(context, 0);
+    const std::unique_ptr<State> ended(state ? *state : nullptr);
+    if (ended)
+        ended->Give(context);
 }
 
-using Step = void (*)(sqlite3_context*, int, sqlite3_value**);
-using End = void (*)(sqlite3_context*);
+template <class State>
+void Register(sqlite3* db, const char* name) {
+    CheckRegistered(sqlite3_create_function_v2(db, name, 1,
+                                               SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
+                                               nullptr, nullptr, Step<State>, End<State>, nullptr));
+}
 
 } // namespace
 
 void RegisterAggregates(sqlite3* db) {
-    const auto add = [db](const char* name, Step step, End end) {
-        CheckRegistered(sqlite3_create_function_v2(db, name, 1,
-                                                   SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY,
-                                                   nullptr, nullptr, step, end, nullptr));
-    };
-    add("zv_first", StepEdge<false>, EndEdge);
-    add("zv_last", StepEdge<true>, EndEdge);
-    add("zv_sum", StepSum, EndSum);
-    add("zv_single", StepSingle, EndSingle);
-    add("zv_stdev", StepSpread, EndSpread<true, true>);
-    add("zv_stdevp", StepSpread, EndSpread<false, true>);
-    add("zv_var", StepSpread, EndSpread<true, false>);
-    add("zv_varp", StepSpread, EndSpread<false, false>);
+    Register<Edge<false>>(db, "zv_first");
+    Register<Edge<true>>(db, "zv_last");
+    Register<Sum>(db, "zv_sum");
+    Register<Single>(db, "zv_single");
+    Register<Spread<true, true>>(db, "zv_stdev");
+    Register<Spread<false, true>>(db, "zv_stdevp");
+    Register<Spread<true, false>>(db, "zv_var");
+    Register<Spread<false, false>>(db, "zv_varp");
 }
 
 } // namespace engine::functions

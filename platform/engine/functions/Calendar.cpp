@@ -6,28 +6,6 @@
 
 namespace engine::functions {
 
-Interval IntervalOf(const QString& letters) {
-    struct Named {
-        QStringView letters;
-        Interval interval;
-    };
-    static constexpr std::array<Named, 10> known{{{u"yyyy", Interval::Year},
-                                                  {u"q", Interval::Quarter},
-                                                  {u"m", Interval::Month},
-                                                  {u"y", Interval::DayOfYear},
-                                                  {u"d", Interval::Day},
-                                                  {u"w", Interval::Weekday},
-                                                  {u"ww", Interval::Week},
-                                                  {u"h", Interval::Hour},
-                                                  {u"n", Interval::Minute},
-                                                  {u"s", Interval::Second}}};
-    for (const Named& named : known) {
-        if (named.letters.compare(letters, Qt::CaseInsensitive) == 0)
-            return named.interval;
-    }
-    runtime::Raise(runtime::InvalidCall);
-}
-
 int WeekdayOf(QDate date, int first) {
     if (first < 0 || first > 7)
         runtime::Raise(runtime::InvalidCall);
@@ -64,14 +42,6 @@ QString WeekdayName(int day, bool abbreviated) {
     static constexpr std::array<QStringView, 7> shortNames{u"Пн", u"Вт", u"Ср", u"Чт", u"Пт", u"Сб", u"Вс"};
     const auto place = static_cast<std::size_t>(day - 1);
     return (abbreviated ? shortNames : names).at(place).toString();
-}
-
-qint64 DayNumber(QDate date) {
-    return QDate(1899, 12, 30).daysTo(date);
-}
-
-qint64 SecondNumber(const QDateTime& value) {
-    return DayNumber(value.date()) * 86400 + value.time().msecsSinceStartOfDay() / 1000;
 }
 
 } // namespace engine::functions

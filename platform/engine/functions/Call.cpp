@@ -1,16 +1,18 @@
+// The way of a call from SQLite to a function of ours and back.
+
 #include "platform/engine/functions/Call.h"
 
-#include "platform/engine/functions/Text.h"
+#include "platform/engine/store/Cell.h"
 #include "platform/runtime/Dates.h"
-#include "platform/runtime/Failure.h"
 #include "platform/runtime/Numbers.h"
 
+#include <QByteArray>
+#include <QHash>
+
+#include <array>
 #include <cmath>
-#include <cstring>
 #include <exception>
-#include <limits>
 #include <new>
-#include <utility>
 
 namespace engine::functions {
 
@@ -25,25 +27,94 @@ constexpr unsigned singleMark = 's';
 
 /// Whether it is no wider than the dialect's whole numbers.
 bool IsLong(std::int64_t whole) {
-    return whole >= std::numeric_limits<std::int32_t>::min() &&
-           whole <= std::numeric_limits<std::int32_t>::max();
+    return whole == static_cast<std::int32_t>(whole);
 }
 
-void SetText(sqlite3_context* context, const QString& text) {
-    const QString marked = Marked(text);
-    const QString& given = marked.isNull() ? text : marked;
-    sqlite3_result_text16(context, given.utf16(), static_cast<int>(given.size() * 2), SQLITE_TRANSIENT);
+/// Hands a value to SQLite: dates as date numbers, truths as 0 and 1, amounts of money as marked
+/// ten-thousandths.
+void SetResult(sqlite3_context* context, const Value& value) {
+    const auto* whole = value.As<std::int64_t>();
+    if (const auto* date = value.As<QDateTime>())
+        sqlite3_result_double(context, NumberOf(*date));
+    else if (whole && !IsLong(*whole))
+        sqlite3_result_double(context, static_cast<double>(*whole));
+    else
+        ResultCell(context, CellOf(value));
+    if (value.As<Money>())
+        sqlite3_result_subtype(context, moneyMark);
+    else if (value.As<float>())
+        sqlite3_result_subtype(context, singleMark);
+}
+
+Value Call(const ScalarFunction& function, const Arguments& arguments) {
+    switch (function.nulls) {
+    case Nulls::Taken:
+        break;
+    case Nulls::Refused:
+        if (arguments.IsNull(0))
+            runtime::Raise(runtime::InvalidUseOfNull);
+        break;
+    case Nulls::First:
+        if (arguments.IsNull(0))
+            return {};
+        break;
+    case Nulls::Any:
+        if (arguments.AnyNull())
+            return {};
+        break;
+    }
+    return function.call(arguments);
+}
+
+void CallScalar(sqlite3_context* context, int count, sqlite3_value** values) {
+    const auto* function = static_cast<const ScalarFunction*>(sqlite3_user_data(context));
+    try {
+        SetResult(context, Call(*function, Arguments(context, count, values)));
+    } catch (...) { // no exception may pass through SQLite
+        SetFailure(context);
+    }
+}
+
+void Register(sqlite3* db, std::span<const ScalarFunction> functions) {
+    for (const ScalarFunction& function : functions) {
+        const QByteArray name = "zv_" + QByteArray(function.info.name).toLower();
+        const int flags =
+            SQLITE_UTF16 | SQLITE_DIRECTONLY | (function.answers == Answers::Stay ? SQLITE_DETERMINISTIC : 0);
+        for (int count = function.info.minArguments; count <= function.info.maxArguments; ++count)
+            CheckRegistered(sqlite3_create_function_v2(db, name.constData(), count, flags,
+                                                       const_cast<ScalarFunction*>(&function), CallScalar,
+                                                       nullptr, nullptr, nullptr));
+    }
+}
+
+std::array<std::span<const ScalarFunction>, 3> DialectFunctions() {
+    return {TextFunctions(), NumberFunctions(), DateFunctions()};
 }
 
 } // namespace
 
+const FunctionInfo* FindFunction(QStringView name) {
+    static const QHash<QString, const FunctionInfo*> byName = [] {
+        QHash<QString, const FunctionInfo*> made;
+        for (const auto functions : DialectFunctions()) {
+            for (const ScalarFunction& function : functions)
+                made.insert(QString::fromLatin1(function.info.name), &function.info);
+        }
+        return made;
+    }();
+    return byName.value(name.toString().toUpper());
+}
+
+void RegisterFunctions(sqlite3* db) {
+    for (const auto functions : DialectFunctions())
+        Register(db, functions);
+    Register(db, OperatorFunctions());
+    RegisterAggregates(db);
+}
+
 void CheckRegistered(int code) {
     if (code != SQLITE_OK)
         throw std::bad_alloc();
-}
-
-bool Arguments::IsNull(int place) const {
-    return sqlite3_value_type(m_values[place]) == SQLITE_NULL;
 }
 
 bool Arguments::AnyNull() const {
@@ -54,113 +125,49 @@ bool Arguments::AnyNull() const {
     return false;
 }
 
-bool Arguments::IsText(int place) const {
-    return sqlite3_value_type(m_values[place]) == SQLITE_TEXT;
-}
-
-bool Arguments::IsWhole(int place) const {
-    return At(place).As<std::int64_t>() != nullptr;
-}
-
-bool Arguments::IsBytes(int place) const {
-    return sqlite3_value_type(m_values[place]) == SQLITE_BLOB;
-}
-
-Value Arguments::At(int place) const {
-    return FromSqlite(m_values[place]);
-}
-
-QString Arguments::Text(int place) const {
-    return IsText(place) ? TextView(place).toString() : At(place).Text();
-}
-
 QStringView Arguments::TextView(int place) const {
-    const auto* text = static_cast<const char16_t*>(sqlite3_value_text16(m_values[place]));
-    if (!text)
-        return {};
-    return {text, sqlite3_value_bytes16(m_values[place]) / 2};
+    return CellOf(m_values[place]).text;
 }
 
-std::optional<Money> Arguments::Units(int place) const {
-    return IsNull(place) ? std::nullopt : std::optional(Money{sqlite3_value_int64(m_values[place])});
-}
-
-double Arguments::Number(int place) const {
-    return At(place).Number();
-}
-
-std::int32_t Arguments::Long(int place) const {
-    return At(place).Long();
-}
-
-QDateTime Arguments::Date(int place) const {
-    if (IsText(place))
-        return runtime::TextToDate(TextView(place).toString());
-    return DateOf(Number(place));
-}
-
-QDateTime DateOf(double number) {
-    return runtime::DateFromNumber(number);
+QDateTime DateOf(const Value& value) {
+    if (const auto* text = value.As<QString>())
+        return runtime::TextToDate(*text);
+    return runtime::DateFromNumber(value.Number());
 }
 
 double NumberOf(const QDateTime& date) {
-    if (!date.isValid() || date.date().year() < 100 || date.date().year() > 9999)
+    const double number = runtime::NumberFromDate(date);
+    if (!date.isValid() || !runtime::IsDateNumber(number))
         runtime::Raise(runtime::InvalidCall);
-    return runtime::NumberFromDate(date);
+    return number;
+}
+
+Value Finite(double number) {
+    if (std::isnan(number))
+        runtime::Raise(runtime::InvalidCall);
+    if (std::isinf(number))
+        runtime::Raise(runtime::Overflow);
+    return number;
 }
 
 Value FromSqlite(sqlite3_value* value) {
-    switch (sqlite3_value_type(value)) {
-    case SQLITE_INTEGER: {
-        const std::int64_t whole = sqlite3_value_int64(value);
+    const Cell cell = CellOf(value);
+    switch (cell.kind) {
+    case Cell::Integer:
         if (sqlite3_value_subtype(value) == moneyMark)
-            return Money{whole};
-        if (!IsLong(whole))
-            return static_cast<double>(whole);
-        return whole;
+            return Money{cell.integer};
+        return IsLong(cell.integer) ? Value(cell.integer) : Value(static_cast<double>(cell.integer));
+    case Cell::Real:
+        return sqlite3_value_subtype(value) == singleMark ? Value(static_cast<float>(cell.real))
+                                                          : Value(cell.real);
+    case Cell::Text:
+        return cell.text.toString();
+    case Cell::Bytes:
+        return cell.bytes.toByteArray();
+    case Cell::Null:
+        break;
     }
-    case SQLITE_FLOAT:
-        if (sqlite3_value_subtype(value) == singleMark)
-            return static_cast<float>(sqlite3_value_double(value));
-        return sqlite3_value_double(value);
-    case SQLITE_TEXT: {
-        const auto* text = static_cast<const QChar*>(sqlite3_value_text16(value));
-        return Value(text ? QString(text, sqlite3_value_bytes16(value) / 2) : QString());
-    }
-    case SQLITE_BLOB: {
-        const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
-        return Value(QByteArray(bytes, bytes ? sqlite3_value_bytes(value) : 0));
-    }
-    default:
-        return {};
-    }
-}
-
-void SetResult(sqlite3_context* context, const Value& value) {
-    if (const auto* whole = value.As<std::int64_t>()) {
-        if (IsLong(*whole))
-            sqlite3_result_int64(context, *whole);
-        else
-            sqlite3_result_double(context, static_cast<double>(*whole));
-    } else if (const auto* amount = value.As<Money>()) {
-        sqlite3_result_int64(context, amount->units);
-        sqlite3_result_subtype(context, moneyMark);
-    } else if (const auto* single = value.As<float>()) {
-        sqlite3_result_double(context, *single);
-        sqlite3_result_subtype(context, singleMark);
-    } else if (const auto* number = value.As<double>())
-        sqlite3_result_double(context, *number);
-    else if (const auto* text = value.As<QString>())
-        SetText(context, *text);
-    else if (const auto* date = value.As<QDateTime>())
-        sqlite3_result_double(context, NumberOf(*date));
-    else if (const auto* truth = value.As<bool>())
-        sqlite3_result_int(context, *truth ? 1 : 0);
-    else if (const auto* bytes = value.As<QByteArray>())
-        sqlite3_result_blob64(context, bytes->constData(), static_cast<sqlite3_uint64>(bytes->size()),
-                              SQLITE_TRANSIENT);
-    else
-        sqlite3_result_null(context);
+    return {};
 }
 
 void KeepFailure() noexcept {

@@ -1,9 +1,9 @@
 #include "platform/engine/functions/Calendar.h"
 #include "platform/engine/functions/Call.h"
 #include "platform/runtime/Dates.h"
-#include "platform/runtime/Failure.h"
 #include "platform/runtime/Numbers.h"
 
+#include <algorithm>
 #include <array>
 
 namespace engine::functions {
@@ -12,279 +12,181 @@ namespace {
 
 using runtime::Raise;
 
-constexpr qint64 secondsOfDay = 86400;
-const QTime midnight(0, 0);
-
-QDateTime AtMidnight(QDate date) {
-    return {date, midnight, Qt::UTC};
-}
-
-QDateTime DayZero() {
-    return AtMidnight(QDate(1899, 12, 30));
-}
-
-QTime WholeSeconds(QTime time) {
-    return {time.hour(), time.minute(), time.second()};
-}
-
-Value DateToday(const Arguments&) {
-    return AtMidnight(runtime::Today());
-}
-
-Value TimeNow(const Arguments&) {
-    return QDateTime(DayZero().date(), WholeSeconds(runtime::Now().time()), Qt::UTC);
-}
-
-Value Now(const Arguments&) {
-    const QDateTime now = runtime::Now();
-    return QDateTime(now.date(), WholeSeconds(now.time()), Qt::UTC);
-}
-
-template <int (*Part)(const QDateTime&)>
-Value PartOf(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    return Part(arguments.Date(0));
-}
-
-int YearOf(const QDateTime& value) {
-    return value.date().year();
-}
-
-int MonthOf(const QDateTime& value) {
-    return value.date().month();
-}
-
-int DayOf(const QDateTime& value) {
-    return value.date().day();
-}
-
-int HourOf(const QDateTime& value) {
-    return value.time().hour();
-}
-
-int MinuteOf(const QDateTime& value) {
-    return value.time().minute();
-}
-
-int SecondOf(const QDateTime& value) {
-    return value.time().second();
-}
-
+constexpr int secondsOfDay = 86400;
 constexpr int sunday = 1;
-
-Value Weekday(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    return WeekdayOf(arguments.Date(0).date(), arguments.Long(1, sunday));
-}
-
-Value DateAdd(const Arguments& arguments) {
-    const Interval interval = IntervalOf(arguments.Text(0));
-    const std::int32_t count = arguments.Long(1);
-    if (arguments.IsNull(2))
-        return {};
-    const QDateTime start = arguments.Date(2);
-    const auto months = [&start, count](qint64 each) {
-        // Beyond this the range of dates is left anyway, and the calendar's own numbers are not.
-        const qint64 limit = 12 * 10000;
-        const qint64 all = each * count;
-        return NumberOf(all > limit || all < -limit ? QDateTime() : start.addMonths(static_cast<int>(all)));
-    };
-    switch (interval) {
-    case Interval::Year:
-        return months(12);
-    case Interval::Quarter:
-        return months(3);
-    case Interval::Month:
-        return months(1);
-    case Interval::DayOfYear:
-    case Interval::Day:
-    case Interval::Weekday:
-        return NumberOf(start.addDays(count));
-    case Interval::Week:
-        return NumberOf(start.addDays(qint64{count} * 7));
-    case Interval::Hour:
-        return NumberOf(start.addSecs(qint64{count} * 3600));
-    case Interval::Minute:
-        return NumberOf(start.addSecs(qint64{count} * 60));
-    case Interval::Second:
-        return NumberOf(start.addSecs(count));
-    }
-    Raise(runtime::InvalidCall);
-}
 
 qint64 FloorDivide(qint64 number, qint64 divisor) {
     return number / divisor - (number % divisor < 0 ? 1 : 0);
 }
 
-Value DateDiff(const Arguments& arguments) {
-    const Interval interval = IntervalOf(arguments.Text(0));
-    if (arguments.IsNull(1) || arguments.IsNull(2))
+qint64 DayNumber(const QDateTime& value) {
+    return runtime::DayZero().daysTo(value.date());
+}
+
+/// Number of the span of so many seconds in which a moment lies.
+template <int Seconds>
+qint64 TimeNumber(const QDateTime& value, int /*first*/) {
+    return FloorDivide(DayNumber(value) * secondsOfDay + value.time().msecsSinceStartOfDay() / 1000, Seconds);
+}
+
+qint64 WeekNumber(const QDateTime& value, int first) {
+    return FloorDivide(DayNumber(value) - WeekdayOf(value.date(), first) + 1, 7);
+}
+
+template <int Months>
+qint64 MonthNumber(const QDateTime& value, int /*first*/) {
+    return (value.date().year() * 12 + value.date().month() - 1) / Months;
+}
+
+/// A part of a date as DATEADD, DATEDIFF and DATEPART know it. `first` is the first day of the week, `rule`
+/// that of the first week of the year.
+struct Interval {
+    QStringView letters;
+    int months; ///< that DATEADD adds for one
+    int seconds;
+    qint64 (*number)(const QDateTime& value, int first); ///< DATEDIFF tells how far two of them are apart
+    int divisor;                                         ///< of that distance
+    int (*part)(const QDateTime& value, int first, int rule);
+};
+
+using Moment = const QDateTime&;
+
+constexpr auto intervals = std::to_array<Interval>({
+    {u"yyyy", 12, 0, MonthNumber<12>, 1, [](Moment m, int, int) { return m.date().year(); }},
+    {u"q", 3, 0, MonthNumber<3>, 1, [](Moment m, int, int) { return (m.date().month() + 2) / 3; }},
+    {u"m", 1, 0, MonthNumber<1>, 1, [](Moment m, int, int) { return m.date().month(); }},
+    {u"y", 0, secondsOfDay, TimeNumber<secondsOfDay>, 1,
+     [](Moment m, int, int) { return m.date().dayOfYear(); }},
+    {u"d", 0, secondsOfDay, TimeNumber<secondsOfDay>, 1, [](Moment m, int, int) { return m.date().day(); }},
+    {u"w", 0, secondsOfDay, TimeNumber<secondsOfDay>, 7,
+     [](Moment m, int first, int) { return WeekdayOf(m.date(), first); }},
+    {u"ww", 0, 7 * secondsOfDay, WeekNumber, 1,
+     [](Moment m, int first, int rule) { return WeekOf(m.date(), first, rule); }},
+    {u"h", 0, 3600, TimeNumber<3600>, 1, [](Moment m, int, int) { return m.time().hour(); }},
+    {u"n", 0, 60, TimeNumber<60>, 1, [](Moment m, int, int) { return m.time().minute(); }},
+    {u"s", 0, 1, TimeNumber<1>, 1, [](Moment m, int, int) { return m.time().second(); }},
+});
+
+/// By its letters, case ignored; failure 5 for others.
+const Interval& IntervalOf(const QString& letters) {
+    const auto found = std::ranges::find_if(intervals, [&](const Interval& interval) {
+        return interval.letters.compare(letters, Qt::CaseInsensitive) == 0;
+    });
+    if (found == intervals.end())
+        Raise(runtime::InvalidCall);
+    return *found;
+}
+
+Value DateAdd(const QString& letters, const Value& number, const Value& start) {
+    const Interval& interval = IntervalOf(letters);
+    const qint64 count = number.Long();
+    if (start.IsNull())
         return {};
-    const QDateTime from = arguments.Date(1);
-    const QDateTime to = arguments.Date(2);
-    const int first = arguments.Long(3, sunday);
-    const qint64 days = DayNumber(to.date()) - DayNumber(from.date());
-    const auto boundaries = [&from, &to](qint64 seconds) {
-        return FloorDivide(SecondNumber(to), seconds) - FloorDivide(SecondNumber(from), seconds);
-    };
-    const auto weekStart = [first](QDate date) { return DayNumber(date) - WeekdayOf(date, first) + 1; };
-    const qint64 months =
-        (to.date().year() - from.date().year()) * 12 + to.date().month() - from.date().month();
-    qint64 count = 0;
-    switch (interval) {
-    case Interval::Year:
-        count = to.date().year() - from.date().year();
-        break;
-    case Interval::Quarter:
-        count = (to.date().year() - from.date().year()) * 4 + (to.date().month() - 1) / 3 -
-                (from.date().month() - 1) / 3;
-        break;
-    case Interval::Month:
-        count = months;
-        break;
-    case Interval::DayOfYear:
-    case Interval::Day:
-        count = days;
-        break;
-    case Interval::Weekday:
-        count = days / 7;
-        break;
-    case Interval::Week:
-        count = (weekStart(to.date()) - weekStart(from.date())) / 7;
-        break;
-    case Interval::Hour:
-        count = boundaries(3600);
-        break;
-    case Interval::Minute:
-        count = boundaries(60);
-        break;
-    case Interval::Second:
-        count = boundaries(1);
-        break;
-    }
+    // Beyond this the range of dates is left anyway, and the calendar's own numbers are not.
+    constexpr qint64 mostMonths = 12 * 10000;
+    const qint64 months = std::clamp(interval.months * count, -mostMonths, mostMonths);
+    return NumberOf(DateOf(start).addMonths(static_cast<int>(months)).addSecs(interval.seconds * count));
+}
+
+Value DateDiff(const QString& letters, const Value& from, const Value& to,
+               const std::optional<Value>& firstDay, const std::optional<Value>& /*rule*/) {
+    const Interval& interval = IntervalOf(letters);
+    if (from.IsNull() || to.IsNull())
+        return {};
+    const QDateTime start = DateOf(from);
+    const QDateTime end = DateOf(to);
+    const int first = firstDay ? firstDay->Long() : sunday;
+    const qint64 count = (interval.number(end, first) - interval.number(start, first)) / interval.divisor;
     if (count != static_cast<std::int32_t>(count))
         Raise(runtime::Overflow);
-    return static_cast<std::int64_t>(count);
+    return std::int64_t{count};
 }
 
-Value DatePart(const Arguments& arguments) {
-    const Interval interval = IntervalOf(arguments.Text(0));
-    if (arguments.IsNull(1))
+Value DatePart(const QString& letters, const Value& value, const std::optional<Value>& firstDay,
+               const std::optional<Value>& rule) {
+    const Interval& interval = IntervalOf(letters);
+    if (value.IsNull())
         return {};
-    const QDateTime value = arguments.Date(1);
-    const QDate date = value.date();
-    const int first = arguments.Long(2, sunday);
-    const int rule = arguments.Long(3, 1);
-    switch (interval) {
-    case Interval::Year:
-        return date.year();
-    case Interval::Quarter:
-        return (date.month() - 1) / 3 + 1;
-    case Interval::Month:
-        return date.month();
-    case Interval::DayOfYear:
-        return date.dayOfYear();
-    case Interval::Day:
-        return date.day();
-    case Interval::Weekday:
-        return WeekdayOf(date, first);
-    case Interval::Week:
-        return WeekOf(date, first, rule);
-    case Interval::Hour:
-        return value.time().hour();
-    case Interval::Minute:
-        return value.time().minute();
-    case Interval::Second:
-        return value.time().second();
-    }
-    Raise(runtime::InvalidCall);
+    const QDateTime moment = DateOf(value);
+    const int first = firstDay ? firstDay->Long() : sunday;
+    return interval.part(moment, first, rule ? rule->Long() : 1);
 }
 
-/// A part that DATESERIAL and TIMESERIAL take: 16 bits.
-qint64 Part(const Arguments& arguments, int place) {
-    return runtime::Int16(arguments.Long(place)).value();
+QDateTime AtMidnight(QDate date) {
+    return {date, QTime(0, 0), Qt::UTC};
 }
 
-Value DateSerial(const Arguments& arguments) {
-    qint64 year = Part(arguments, 0);
-    if (year >= 0 && year < 100)
-        year += year < 30 ? 2000 : 1900;
-    const qint64 months = Part(arguments, 1) - 1;
-    year += FloorDivide(months, 12);
-    const int month = static_cast<int>(months - FloorDivide(months, 12) * 12) + 1;
-    return NumberOf(AtMidnight(QDate(static_cast<int>(year), month, 1).addDays(Part(arguments, 2) - 1)));
+QDateTime OnDayZero(QTime time) {
+    return {runtime::DayZero(), time, Qt::UTC};
 }
 
-Value TimeSerial(const Arguments& arguments) {
-    const qint64 seconds = Part(arguments, 0) * 3600 + Part(arguments, 1) * 60 + Part(arguments, 2);
-    return static_cast<double>(seconds) / static_cast<double>(secondsOfDay);
+QDateTime NowInSeconds() {
+    const QDateTime now = runtime::Now();
+    return now.addMSecs(-now.time().msec());
 }
 
-/// A date argument of a function that does not pass NULL on.
-QDateTime RequiredDate(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        Raise(runtime::InvalidUseOfNull);
-    return arguments.Date(0);
-}
-
-Value DateValue(const Arguments& arguments) {
-    return AtMidnight(RequiredDate(arguments).date());
-}
-
-Value TimeValue(const Arguments& arguments) {
-    return QDateTime(DayZero().date(), RequiredDate(arguments).time(), Qt::UTC);
-}
-
-Value CDate(const Arguments& arguments) {
-    return RequiredDate(arguments);
-}
-
-Value CVDate(const Arguments& arguments) {
-    return arguments.IsNull(0) ? Value() : CDate(arguments);
-}
-
-Value MonthNameFunction(const Arguments& arguments) {
-    const std::int32_t month = arguments.Long(0);
-    if (month < 1 || month > 12)
-        Raise(runtime::InvalidCall);
-    return runtime::MonthName(month, arguments.Has(1) && arguments.Number(1) != 0);
-}
-
-Value WeekdayNameFunction(const Arguments& arguments) {
-    const std::int32_t place = arguments.Long(0);
-    const std::int32_t first = arguments.Long(2, 0);
-    if (place < 1 || place > 7 || first < 0 || first > 7)
-        Raise(runtime::InvalidCall);
-    const int fromMonday = (place - 1 + (first == 0 ? 0 : first + 5)) % 7;
-    return WeekdayName(fromMonday + 1, arguments.Has(1) && arguments.Number(1) != 0);
-}
-
-constexpr ScalarFunction functions[] = {
-    {{"DATE", 0, 0, DataType::Date}, DateToday, false},
-    {{"TIME", 0, 0, DataType::Date}, TimeNow, false},
-    {{"NOW", 0, 0, DataType::Date}, Now, false},
-    // Texts of a day without a year mean the current one, so whatever reads a date depends on today.
-    {{"YEAR", 1, 1, DataType::Short}, PartOf<YearOf>, false},
-    {{"MONTH", 1, 1, DataType::Short}, PartOf<MonthOf>, false},
-    {{"DAY", 1, 1, DataType::Short}, PartOf<DayOf>, false},
-    {{"HOUR", 1, 1, DataType::Short}, PartOf<HourOf>, false},
-    {{"MINUTE", 1, 1, DataType::Short}, PartOf<MinuteOf>, false},
-    {{"SECOND", 1, 1, DataType::Short}, PartOf<SecondOf>, false},
-    {{"WEEKDAY", 1, 2, DataType::Short}, Weekday, false},
-    {{"DATEADD", 3, 3, DataType::Date}, DateAdd, false},
-    {{"DATEDIFF", 3, 5, DataType::Long}, DateDiff, false},
-    {{"DATEPART", 2, 4, DataType::Short}, DatePart, false},
-    {{"DATESERIAL", 3, 3, DataType::Date}, DateSerial},
-    {{"DATEVALUE", 1, 1, DataType::Date}, DateValue, false},
-    {{"TIMESERIAL", 3, 3, DataType::Date}, TimeSerial},
-    {{"TIMEVALUE", 1, 1, DataType::Date}, TimeValue, false},
-    {{"CDATE", 1, 1, DataType::Date}, CDate, false},
-    {{"CVDATE", 1, 1, DataType::Date}, CVDate, false},
-    {{"MONTHNAME", 1, 2, DataType::Text}, MonthNameFunction},
-    {{"WEEKDAYNAME", 1, 3, DataType::Text}, WeekdayNameFunction},
+/// A part that DATESERIAL and TIMESERIAL take: failure 6 beyond 16 bits.
+struct Part {
+    qint64 number;
+    explicit Part(const Value& value)
+        : number(runtime::Int16(value.Long()).value()) {}
 };
+
+/// Months and days outside their ranges carry over.
+QDateTime DateSerial(Part year, Part month, Part day) {
+    const qint64 months = month.number - 1;
+    const qint64 years = runtime::FullYear(static_cast<int>(year.number)) + FloorDivide(months, 12);
+    const qint64 ofYear = months - FloorDivide(months, 12) * 12 + 1;
+    return AtMidnight(QDate(static_cast<int>(years), static_cast<int>(ofYear), 1).addDays(day.number - 1));
+}
+
+QString WeekdayNameOf(const Value& place, const std::optional<Value>& abbreviated,
+                      const std::optional<Value>& firstDay) {
+    const std::int32_t day = place.Long();
+    const std::int32_t first = firstDay ? firstDay->Long() : 0;
+    if (day < 1 || day > 7 || first < 0 || first > 7)
+        Raise(runtime::InvalidCall);
+    const int fromMonday = (day - 1 + (first == 0 ? 0 : first + 5)) % 7;
+    return WeekdayName(fromMonday + 1, abbreviated && abbreviated->Number() != 0);
+}
+
+using enum DataType;
+using Answers::Vary;
+
+constexpr auto functions = std::to_array<ScalarFunction>({
+    {"DATE", Date, Nulls::Taken, [] { return AtMidnight(runtime::Today()); }, Vary},
+    {"TIME", Date, Nulls::Taken, [] { return OnDayZero(NowInSeconds().time()); }, Vary},
+    {"NOW", Date, Nulls::Taken, Of<NowInSeconds>, Vary},
+    {"YEAR", Short, Nulls::First, [](Moment moment) { return moment.date().year(); }, Vary},
+    {"MONTH", Short, Nulls::First, [](Moment moment) { return moment.date().month(); }, Vary},
+    {"DAY", Short, Nulls::First, [](Moment moment) { return moment.date().day(); }, Vary},
+    {"HOUR", Short, Nulls::First, [](Moment moment) { return moment.time().hour(); }, Vary},
+    {"MINUTE", Short, Nulls::First, [](Moment moment) { return moment.time().minute(); }, Vary},
+    {"SECOND", Short, Nulls::First, [](Moment moment) { return moment.time().second(); }, Vary},
+    {"WEEKDAY", Short, Nulls::First,
+     [](Moment moment, std::optional<std::int32_t> first) {
+         return WeekdayOf(moment.date(), first.value_or(sunday));
+     },
+     Vary},
+    {"DATEADD", Date, Nulls::Taken, Of<DateAdd>, Vary},
+    {"DATEDIFF", Long, Nulls::Taken, Of<DateDiff>, Vary},
+    {"DATEPART", Short, Nulls::Taken, Of<DatePart>, Vary},
+    {"DATESERIAL", Date, Nulls::Taken, Of<DateSerial>},
+    {"DATEVALUE", Date, Nulls::Refused, [](Moment moment) { return AtMidnight(moment.date()); }, Vary},
+    {"TIMESERIAL", Date, Nulls::Taken,
+     [](Part hour, Part minute, Part second) {
+         const qint64 seconds = hour.number * 3600 + minute.number * 60 + second.number;
+         return static_cast<double>(seconds) / secondsOfDay;
+     }},
+    {"TIMEVALUE", Date, Nulls::Refused, [](Moment moment) { return OnDayZero(moment.time()); }, Vary},
+    {"CDATE", Date, Nulls::Refused, [](Moment moment) { return moment; }, Vary},
+    {"CVDATE", Date, Nulls::First, [](Moment moment) { return moment; }, Vary},
+    {"MONTHNAME", Text, Nulls::Taken,
+     [](Within<1, 12> month,
+        std::optional<double>
+            abbreviated) { return runtime::MonthName(month, abbreviated.value_or(0) != 0); }},
+    {"WEEKDAYNAME", Text, Nulls::Taken, Of<WeekdayNameOf>},
+});
 
 } // namespace
 

@@ -1,6 +1,6 @@
 #include "platform/engine/functions/Call.h"
+#include "platform/engine/functions/Functions.h"
 #include "platform/engine/functions/Picture.h"
-#include "platform/engine/functions/Text.h"
 #include "platform/engine/schema/Types.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Failure.h"
@@ -74,7 +74,7 @@ std::optional<QDateTime> DateToShow(const Value& value) {
             return date;
     }
     const auto number = NumberOfValue(value);
-    return number ? std::optional(DateOf(number->Number())) : std::nullopt;
+    return number ? std::optional(runtime::DateFromNumber(number->Number())) : std::nullopt;
 }
 
 QString FormatNull(const Picture& picture, Picture::Kind kind) {

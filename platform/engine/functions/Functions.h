@@ -21,6 +21,10 @@ QString Fold(QStringView text);
 int CompareFolded(QStringView a, QStringView b);
 int CompareSorted(QStringView a, QStringView b);
 
+/// Capitals and small letters, character by character, so that the length stays.
+QString ToUpper(const QString& text);
+QString ToLower(const QString& text);
+
 /// The dialect's LIKE: * ? # [list] [!list], case ignored, the whole text has to match. Failure 93 for a `[`
 /// left open or a descending range.
 bool Like(QStringView text, QStringView pattern);
@@ -42,34 +46,11 @@ struct FunctionInfo {
 /// (they compute only what they need, so the translator writes them as CASE), nor are the aggregates.
 const FunctionInfo* FindFunction(QStringView name);
 
-/// Registers the scalar functions, the aggregates zv_first, zv_last, zv_stdev, zv_stdevp, zv_var, zv_varp,
-/// and what the translator writes for operators and conversions:
-///   zv_like(text, pattern)      LIKE, NULL if either is NULL, numbers as their decimal text
-///   zv_div(a, b)                /, failure 11 on division by zero
-///   zv_intdiv(a, b), zv_mod(a, b)  operands rounded half to even first; failure 11
-///   zv_pow(a, b), zv_add(a, b)  ^ and the + of values whose types only the rows tell
-///   zv_concat(a, b)             &, NULL as empty text
-///   zv_xor, zv_eqv, zv_imp      the logical operators with three values
-///   zv_compare(a, b)            -1, 0, 1 of values whose types only the rows tell; failure 3464 for a text
-///   against a number zv_to(type, size, name, value)  a value assigned to a column of a DataType: its form in
-///   the file; failures 3464,
-///                               3349, 3163; `name` is table.column for the message
-///                               (with NULL for `name`: no failure, what does not fit becomes NULL)
-///   zv_datetext(number)         a date number as the text of its date, for & and CSTR of what is known to be
-///   a date zv_required(name, value)    the value, failure 3314 if it is NULL; with NULL for `name` 3058
-///   zv_whole(value)             the value; whole numbers beyond 32 bits become fractions
-///   zv_cur(units), zv_sng(n)    marked as an amount of money in ten-thousandths, a number of type SINGLE,
-///   for the
-///                               function around it
-///   zv_tomoney(value)           in ten-thousandths; failure 6 beyond the range of CURRENCY
-///   zv_keptmoney(fraction)      the same of a column of an older file, held to the range
-///   zv_units(number)            in ten-thousandths, to be compared with them: no whole number if it is no
-///   amount zv_madd, zv_msub, zv_mmul   the operators for two amounts in ten-thousandths; failure 6
-///   zv_sum(units)               aggregate: the sum of amounts in ten-thousandths; failure 6
-///   zv_single(value)            aggregate: the value of the only row, NULL of none, failure 3354 of several
-/// A failure inside a function reaches the caller through RethrowFailure.
-/// Date values are date numbers (days since 30.12.1899) inside SQLite; truths are 0 and 1 there and -1 when
-/// written out.
+/// Registers the scalar functions (zv_ and the name), the aggregates zv_first, zv_last, zv_stdev, zv_stdevp,
+/// zv_var, zv_varp, zv_sum and zv_single, and what the translator writes for operators and conversions: see
+/// the table in Operators.cpp. A failure inside a function reaches the caller through RethrowFailure. Inside
+/// SQLite dates are date numbers (days since 30.12.1899), amounts of money ten-thousandths, truths 0 and 1
+/// (-1 when they are written out).
 void RegisterFunctions(sqlite3* db);
 
 /// Keeps the exception that is being handled in a function that SQLite has called: none may pass through its
@@ -81,8 +62,10 @@ void RethrowFailure();
 /// Characters of a GUID in braces.
 inline constexpr int guidSize = 38;
 
-/// A value converted to a column's form in the file, as zv_to does it.
-Value ToColumn(const Value& value, DataType type, int size, const QString& name);
+/// A value converted to a column's form in the file. `size`: the most characters of a text or bytes, 0
+/// without limit; the digits of a CURRENCY column that keeps fractions, else 0. Failures: 3464 if the type
+/// does not fit, 3349 beyond the column's range, 3163 beyond its size.
+Value ToColumn(const Value& value, DataType type, int size);
 
 /// FORMAT of the dialect, Russian regional settings. `first` day of the week and `rule` of the first week of
 /// the year as in DATEPART; failure 5 for others where the picture asks for them.

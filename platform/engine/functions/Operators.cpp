@@ -2,43 +2,71 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Call.h"
-#include "platform/engine/functions/Functions.h"
 #include "platform/engine/functions/LikePattern.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Numbers.h"
 
 #include <QtNumeric>
 
+#include <array>
 #include <cmath>
-#include <limits>
 #include <memory>
-#include <optional>
 
 namespace engine::functions {
 
 namespace {
 
 /// The number that an operator sees; failure 3464 if the value is none.
-double Operand(const Value& value) {
-    try {
-        return value.Number();
-    } catch (const runtime::Failure& failure) {
-        if (failure.number() == runtime::TypeMismatch)
-            RaiseEngine(TypeMismatchInCriteria);
-        throw;
+struct Operand {
+    double number;
+    explicit Operand(const Value& value)
+        : number(Read(value)) {}
+
+private:
+    static double Read(const Value& value) {
+        try {
+            return value.Number();
+        } catch (const runtime::Failure& failure) {
+            if (failure.number() == runtime::TypeMismatch)
+                RaiseEngine(TypeMismatchInCriteria);
+            throw;
+        }
     }
+};
+
+/// An operand of `\` and MOD: rounded to a whole number of 32 bits.
+struct WholeOperand {
+    std::int64_t number;
+    explicit WholeOperand(const Value& value)
+        : number(runtime::RoundedTo<std::int32_t>(Operand(value).number)) {}
+};
+
+double NotZero(double divisor) {
+    if (divisor == 0)
+        runtime::Raise(runtime::DivisionByZero);
+    return divisor;
 }
 
-double Operand(const Arguments& arguments, int place) {
-    return Operand(arguments.At(place));
+std::int64_t NotZero(WholeOperand divisor) {
+    if (divisor.number == 0)
+        runtime::Raise(runtime::DivisionByZero);
+    return divisor.number;
 }
 
-Value Finite(double number) {
-    if (std::isnan(number))
+Value Power(Operand base, Operand exponent) {
+    if (base.number == 0 && exponent.number < 0)
         runtime::Raise(runtime::InvalidCall);
-    if (std::isinf(number))
-        runtime::Raise(runtime::Overflow);
-    return number;
+    return Finite(std::pow(base.number, exponent.number));
+}
+
+/// `+` of values whose types only the rows tell: texts are joined, all else is added.
+Value Add(const Value& a, const Value& b) {
+    if (a.As<QString>() && b.As<QString>())
+        return *a.As<QString>() + *b.As<QString>();
+    if (a.As<std::int64_t>() && b.As<std::int64_t>())
+        return *a.As<std::int64_t>() + *b.As<std::int64_t>(); // of 32 bits each
+    const double augend = Operand(a).number;
+    return Finite(augend + Operand(b).number);
 }
 
 /// A pattern stays taken apart for as long as the statement runs, where it is the same for all rows.
@@ -46,211 +74,77 @@ const LikePattern& PatternOf(const Arguments& arguments, std::optional<LikePatte
     constexpr int place = 1;
     if (const auto* kept = static_cast<const LikePattern*>(sqlite3_get_auxdata(arguments.Context(), place)))
         return *kept;
-    auto made = std::make_unique<LikePattern>(arguments.IsText(place) ? arguments.TextView(place)
-                                                                      : arguments.Text(place));
-    sqlite3_set_auxdata(arguments.Context(), place, made.release(),
+    const QString text = arguments.As<QString>(place);
+    sqlite3_set_auxdata(arguments.Context(), place, std::make_unique<LikePattern>(text).release(),
                         [](void* pattern) { delete static_cast<LikePattern*>(pattern); });
     if (const auto* kept = static_cast<const LikePattern*>(sqlite3_get_auxdata(arguments.Context(), place)))
         return *kept;
-    return own.emplace(arguments.Text(place)); // SQLite was short of memory and has dropped it
+    return own.emplace(text); // SQLite was short of memory and has dropped it
 }
 
-Value LikeOperator(const Arguments& arguments) {
-    if (arguments.AnyNull())
-        return {};
+Value Like(const Arguments& arguments) {
     std::optional<LikePattern> own;
     const LikePattern& pattern = PatternOf(arguments, own);
-    if (arguments.IsText(0))
-        return pattern.Matches(arguments.TextView(0));
-    return pattern.Matches(arguments.Text(0));
+    return pattern.Matches(arguments.IsText(0) ? arguments.TextView(0) : arguments.As<QString>(0));
 }
 
-Value Divide(const Arguments& arguments) {
-    if (arguments.AnyNull())
-        return {};
-    const double dividend = Operand(arguments, 0);
-    const double divisor = Operand(arguments, 1);
-    if (divisor == 0)
-        runtime::Raise(runtime::DivisionByZero);
-    return Finite(dividend / divisor);
+Value Order(const auto& a, const auto& b) {
+    return a < b ? -1 : a > b ? 1 : 0;
 }
 
-/// An operand of `\` and MOD: rounded to a whole number of 32 bits.
-std::int64_t WholeOperand(const Arguments& arguments, int place) {
-    const double rounded = runtime::RoundHalfEven(Operand(arguments, place));
-    if (!(rounded >= std::numeric_limits<std::int32_t>::min() &&
-          rounded <= std::numeric_limits<std::int32_t>::max()))
-        runtime::Raise(runtime::Overflow);
-    return static_cast<std::int64_t>(rounded);
-}
-
-std::int64_t Divisor(const Arguments& arguments) {
-    const std::int64_t divisor = WholeOperand(arguments, 1);
-    if (divisor == 0)
-        runtime::Raise(runtime::DivisionByZero);
-    return divisor;
-}
-
-Value DivideWhole(const Arguments& arguments) {
-    if (arguments.AnyNull())
-        return {};
-    const std::int64_t dividend = WholeOperand(arguments, 0);
-    return dividend / Divisor(arguments);
-}
-
-Value Modulo(const Arguments& arguments) {
-    if (arguments.AnyNull())
-        return {};
-    const std::int64_t dividend = WholeOperand(arguments, 0);
-    return dividend % Divisor(arguments);
-}
-
-Value Power(const Arguments& arguments) {
-    if (arguments.AnyNull())
-        return {};
-    const double base = Operand(arguments, 0);
-    const double exponent = Operand(arguments, 1);
-    if (base == 0 && exponent < 0)
-        runtime::Raise(runtime::InvalidCall);
-    return Finite(std::pow(base, exponent));
-}
-
-Value Add(const Arguments& arguments) {
-    if (arguments.AnyNull())
-        return {};
-    if (arguments.IsText(0) && arguments.IsText(1))
-        return arguments.Text(0) + arguments.Text(1);
-    if (arguments.IsWhole(0) && arguments.IsWhole(1)) {
-        std::int64_t sum = 0;
-        if (!qAddOverflow(*arguments.At(0).As<std::int64_t>(), *arguments.At(1).As<std::int64_t>(), &sum))
-            return sum;
-    }
-    return Finite(Operand(arguments, 0) + Operand(arguments, 1));
-}
-
-Value Concatenate(const Arguments& arguments) {
-    return arguments.Text(0) + arguments.Text(1);
-}
-
-/// One of three truths; none for NULL.
-std::optional<bool> Truth(const Arguments& arguments, int place) {
-    if (arguments.IsNull(place))
-        return std::nullopt;
-    return Operand(arguments, place) != 0;
-}
-
-Value ExclusiveOr(const Arguments& arguments) {
-    const auto a = Truth(arguments, 0);
-    const auto b = Truth(arguments, 1);
-    return a && b ? Value(*a != *b) : Value();
-}
-
-Value Equivalent(const Arguments& arguments) {
-    const auto a = Truth(arguments, 0);
-    const auto b = Truth(arguments, 1);
-    return a && b ? Value(*a == *b) : Value();
-}
-
-Value Implies(const Arguments& arguments) {
-    const auto a = Truth(arguments, 0);
-    const auto b = Truth(arguments, 1);
-    if ((a && !*a) || (b && *b))
-        return true;
-    return a && b ? Value(false) : Value();
-}
-
+/// -1, 0 or 1 for values whose types only the rows tell; failure 3464 for a text against anything else.
 Value Compare(const Arguments& arguments) {
-    if (arguments.AnyNull())
-        return {};
     if (arguments.IsText(0) != arguments.IsText(1))
         RaiseEngine(TypeMismatchInCriteria);
     if (arguments.IsText(0))
         return CompareSorted(arguments.TextView(0), arguments.TextView(1));
-    if (arguments.IsWhole(0) && arguments.IsWhole(1)) {
-        const std::int64_t a = *arguments.At(0).As<std::int64_t>();
-        const std::int64_t b = *arguments.At(1).As<std::int64_t>();
-        return a < b ? -1 : a > b ? 1 : 0;
-    }
-    if (arguments.IsBytes(0) && arguments.IsBytes(1)) {
-        const QByteArray a = *arguments.At(0).As<QByteArray>();
-        const QByteArray b = *arguments.At(1).As<QByteArray>();
-        return a < b ? -1 : a == b ? 0 : 1;
-    }
-    const double a = Operand(arguments, 0);
-    const double b = Operand(arguments, 1);
-    return a < b ? -1 : a > b ? 1 : 0;
+    const Value a = arguments.At(0);
+    const Value b = arguments.At(1);
+    if (a.As<QByteArray>() && b.As<QByteArray>())
+        return Order(*a.As<QByteArray>(), *b.As<QByteArray>());
+    const double left = Operand(a).number;
+    return Order(left, Operand(b).number);
 }
 
-/// Without a name for messages the statement passes over what fails: what does not fit becomes NULL.
-Value To(const Arguments& arguments) {
-    const auto type = static_cast<DataType>(arguments.Long(0));
-    const std::int32_t size = arguments.Long(1);
-    if (!arguments.IsNull(2))
-        return ToColumn(arguments.At(3), type, size, arguments.Text(2));
+/// A value assigned to a column: see ToColumn. `name` is table.column; without it the statement passes over
+/// what fails, and what does not fit becomes NULL.
+Value To(std::int32_t number, std::int32_t size, const Value& name, const Value& value) {
+    const auto type = static_cast<DataType>(number);
+    if (!name.IsNull())
+        return ToColumn(value, type, size);
     try {
-        return ToColumn(arguments.At(3), type, size, QString());
+        return ToColumn(value, type, size);
     } catch (const runtime::Failure& failure) {
         if (failure.number() != ValueTooLong)
-            return ToColumn({}, type, size, QString());
+            return ToColumn({}, type, size);
         // What is too long stays: the rule of its column then leaves the whole row out.
-        return type == DataType::Binary ? ToColumn(arguments.At(3), type, 0, QString()) : arguments.At(3);
+        return type == DataType::Binary ? ToColumn(value, type, 0) : value;
     }
 }
 
-Value Required(const Arguments& arguments) {
-    if (!arguments.IsNull(1))
-        return arguments.At(1);
-    if (arguments.IsNull(0))
+/// The value; for NULL failure 3314, or 3058 without a name.
+Value Required(const Value& name, const Value& value) {
+    if (!value.IsNull())
+        return value;
+    if (name.IsNull())
         RaiseEngine(NullInKey);
-    RaiseEngine(NullNotAllowed, arguments.Text(0));
+    RaiseEngine(NullNotAllowed, name.Text());
 }
 
-/// A date number as the text of its date, for `&` and CSTR of what the translator knows to be a date.
-Value DateText(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    return runtime::DateToText(arguments.Date(0));
-}
-
-/// The same value; whole numbers beyond 32 bits have become fractions on their way.
-Value Whole(const Arguments& arguments) {
-    Value value = arguments.At(0);
-    return value.As<double>() ? Finite(*value.As<double>()) : value;
-}
-
-Value MarkedMoney(const Arguments& arguments) {
-    const auto amount = arguments.Units(0);
-    return amount ? Value(*amount) : Value();
-}
-
-Value MarkedSingle(const Arguments& arguments) {
-    return arguments.IsNull(0) ? Value() : Value(static_cast<float>(arguments.Number(0)));
-}
-
-Value ToMoney(const Arguments& arguments) {
-    return arguments.IsNull(0) ? Value() : arguments.At(0).Money();
-}
-
-/// A fraction that an older file keeps; the limits themselves lie a little outside as fractions.
-Value KeptMoney(const Arguments& arguments) {
+/// A fraction that an older file keeps, held to the range of CURRENCY; the limits themselves lie a little
+/// outside as fractions.
+Money KeptMoney(double number) {
     constexpr double end = 922337203685477.5;
-    if (arguments.IsNull(0))
-        return {};
-    const double number = arguments.Number(0);
     if (std::abs(number) <= end)
         return Money::FromNumber(number);
-    return Money{number < 0 ? std::numeric_limits<std::int64_t>::min()
-                            : std::numeric_limits<std::int64_t>::max()};
+    return {number < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max()};
 }
 
 /// A number in ten-thousandths to be compared with an amount: exact where it is one, else between two.
-Value InUnits(const Arguments& arguments) {
-    const Value value = arguments.At(0);
-    if (value.IsNull())
-        return value;
+Value InUnits(const Value& value) {
     if (value.As<std::int64_t>() || value.As<Money>())
         return value.Money();
-    const double number = Operand(value);
+    const double number = Operand(value).number;
     constexpr double surelyWithin = 922337203685477;
     if (std::abs(number) <= surelyWithin) {
         const Money nearest = Money::FromNumber(number);
@@ -260,47 +154,47 @@ Value InUnits(const Arguments& arguments) {
     return number * Money::unitsOfOne;
 }
 
-enum class Step { Add, Subtract, Multiply };
-
-template <Step step>
-Value OfAmounts(const Arguments& arguments) {
-    const auto a = arguments.Units(0);
-    const auto b = arguments.Units(1);
-    if (!a || !b)
-        return {};
-    if constexpr (step == Step::Add)
-        return *a + *b;
-    else if constexpr (step == Step::Subtract)
-        return *a - *b;
-    else
-        return *a * *b;
+Money AmountAt(const Arguments& arguments, int place) {
+    return {arguments.Whole(place)};
 }
 
-constexpr ScalarFunction functions[] = {
-    {{"WHOLE", 1, 1, DataType::Long}, Whole},
-    {{"CUR", 1, 1, DataType::Currency}, MarkedMoney},
-    {{"SNG", 1, 1, DataType::Single}, MarkedSingle},
-    {{"TOMONEY", 1, 1, DataType::Currency}, ToMoney},
-    {{"KEPTMONEY", 1, 1, DataType::Currency}, KeptMoney},
-    {{"UNITS", 1, 1, DataType::Double}, InUnits},
-    {{"MADD", 2, 2, DataType::Currency}, OfAmounts<Step::Add>},
-    {{"MSUB", 2, 2, DataType::Currency}, OfAmounts<Step::Subtract>},
-    {{"MMUL", 2, 2, DataType::Currency}, OfAmounts<Step::Multiply>},
-    {{"LIKE", 2, 2, DataType::Bit}, LikeOperator},
-    {{"DIV", 2, 2, DataType::Double}, Divide},
-    {{"INTDIV", 2, 2, DataType::Long}, DivideWhole},
-    {{"MOD", 2, 2, DataType::Long}, Modulo},
-    {{"POW", 2, 2, DataType::Double}, Power},
-    {{"ADD", 2, 2, DataType::Unknown}, Add},
-    {{"CONCAT", 2, 2, DataType::Text}, Concatenate},
-    {{"XOR", 2, 2, DataType::Bit}, ExclusiveOr},
-    {{"EQV", 2, 2, DataType::Bit}, Equivalent},
-    {{"IMP", 2, 2, DataType::Bit}, Implies},
-    {{"COMPARE", 2, 2, DataType::Short}, Compare},
-    {{"TO", 4, 4, DataType::Unknown}, To, false}, // a day without a year depends on today
-    {{"REQUIRED", 2, 2, DataType::Unknown}, Required},
-    {{"DATETEXT", 1, 1, DataType::Text}, DateText, false},
-};
+template <Money (*Compute)(Money, Money)>
+Value OfAmounts(const Arguments& arguments) {
+    return Compute(AmountAt(arguments, 0), AmountAt(arguments, 1));
+}
+
+using enum DataType;
+
+constexpr auto functions = std::to_array<ScalarFunction>({
+    // The operators. Failures: 3464 for a text that is no number, 11 for division by zero, 6 beyond the
+    // range.
+    {{"LIKE", 2, 2, Bit}, Nulls::Any, Like},
+    {"DIV", Double, Nulls::Any, [](Operand a, Operand b) { return Finite(a.number / NotZero(b.number)); }},
+    {"INTDIV", Long, Nulls::Any, [](WholeOperand a, WholeOperand b) { return a.number / NotZero(b); }},
+    {"MOD", Long, Nulls::Any, [](WholeOperand a, WholeOperand b) { return a.number % NotZero(b); }},
+    {"POW", Double, Nulls::Any, Of<Power>},
+    {"ADD", Unknown, Nulls::Any, Of<Add>},
+    {"CONCAT", Text, Nulls::Taken, [](const QString& a, const QString& b) { return a + b; }},
+    {{"COMPARE", 2, 2, Short}, Nulls::Any, Compare},
+    // Assignments to columns.
+    {"TO", Unknown, Nulls::Taken, Of<To>, Answers::Vary},
+    {"REQUIRED", Unknown, Nulls::Taken, Of<Required>},
+    // A date number as the text of its date, for `&` and CSTR of what is known to be a date.
+    {"DATETEXT", Text, Nulls::First, [](const QDateTime& date) { return runtime::DateToText(date); },
+     Answers::Vary},
+    // The value; whole numbers beyond 32 bits have become fractions on their way.
+    {"WHOLE", Long, Nulls::Taken,
+     [](const Value& value) { return value.As<double>() ? Finite(value.Number()) : value; }},
+    // Amounts in ten-thousandths, and numbers of type SINGLE, marked for the function around them.
+    {{"CUR", 1, 1, Currency}, Nulls::Any, [](const Arguments& a) { return Value(AmountAt(a, 0)); }},
+    {"SNG", Single, Nulls::Any, [](double number) { return static_cast<float>(number); }},
+    {"TOMONEY", Currency, Nulls::Any, [](const Value& value) { return value.Money(); }},
+    {"KEPTMONEY", Currency, Nulls::Any, Of<KeptMoney>},
+    {"UNITS", Double, Nulls::Any, Of<InUnits>},
+    {{"MADD", 2, 2, Currency}, Nulls::Any, OfAmounts<[](Money a, Money b) { return a + b; }>},
+    {{"MSUB", 2, 2, Currency}, Nulls::Any, OfAmounts<[](Money a, Money b) { return a - b; }>},
+    {{"MMUL", 2, 2, Currency}, Nulls::Any, OfAmounts<[](Money a, Money b) { return a * b; }>},
+});
 
 } // namespace
 

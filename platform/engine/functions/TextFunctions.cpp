@@ -1,12 +1,10 @@
 #include "platform/engine/functions/Call.h"
-#include "platform/engine/functions/Functions.h"
-#include "platform/engine/functions/Text.h"
 #include "platform/runtime/Codec1251.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Numbers.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 
 namespace engine::functions {
 
@@ -14,63 +12,27 @@ namespace {
 
 using runtime::Raise;
 
-/// The longest text that a function may make; more would only bring the machine down.
+/// The longest text that a function may make, in characters; more would only bring the machine down.
 constexpr std::int32_t longestText = 16 * 1024 * 1024;
 
 constexpr QChar blank = u' ';
 
-enum CompareMode { BinaryCompare = 0, TextCompare = 1, DatabaseCompare = 2 };
+/// How texts are compared: 0 by case; 1 as a text and 2 as the database does, both without case.
+using CompareMode = Within<0, 2>;
 
-/// Whether an optional argument asks for the comparison by case; by default it is ignored.
-bool ByCase(const Arguments& arguments, int place) {
-    const std::int32_t mode = arguments.Long(place, DatabaseCompare);
-    if (mode < BinaryCompare || mode > DatabaseCompare)
-        Raise(runtime::InvalidCall);
-    return mode == BinaryCompare;
+bool ByCase(const std::optional<CompareMode>& mode) {
+    return mode && *mode == 0;
 }
 
-/// A length or count; failure 5 if it is below the least one allowed.
-std::int32_t Count(const Arguments& arguments, int place, std::int32_t least = 0) {
-    const std::int32_t count = arguments.Long(place);
-    if (count < least)
-        Raise(runtime::InvalidCall);
-    return count;
-}
-
-Value Left(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    return arguments.Text(0).left(Count(arguments, 1));
-}
-
-Value Right(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    return arguments.Text(0).right(Count(arguments, 1));
-}
-
-Value Mid(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    const std::int32_t start = Count(arguments, 1, 1);
-    const std::int32_t length = arguments.Has(2) ? Count(arguments, 2) : longestText;
-    return arguments.Text(0).mid(start - 1, length);
-}
-
-Value Len(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    return std::int64_t{arguments.Text(0).size()};
-}
-
+/// INSTR([start,] text, sought [, mode]).
 Value InStr(const Arguments& arguments) {
     const int first = arguments.Count() > 2 ? 1 : 0;
-    const bool byCase = ByCase(arguments, 3);
+    const bool byCase = ByCase(arguments.As<std::optional<CompareMode>>(3));
     if (arguments.IsNull(first) || arguments.IsNull(first + 1))
         return {};
-    const std::int32_t start = first == 1 ? Count(arguments, 0, 1) : 1;
-    QString text = arguments.Text(first);
-    QString sought = arguments.Text(first + 1);
+    const std::int32_t start = first == 1 ? arguments.As<Position>(0) : 1;
+    QString text = arguments.As<QString>(first);
+    QString sought = arguments.As<QString>(first + 1);
     if (start > text.size())
         return 0;
     if (!byCase) {
@@ -80,15 +42,16 @@ Value InStr(const Arguments& arguments) {
     return std::int64_t{text.indexOf(sought, start - 1) + 1};
 }
 
+/// INSTRREV(text, sought [, start [, mode]]); a start of -1 is the end.
 Value InStrRev(const Arguments& arguments) {
-    const bool byCase = ByCase(arguments, 3);
+    const bool byCase = ByCase(arguments.As<std::optional<CompareMode>>(3));
     if (arguments.IsNull(0) || arguments.IsNull(1))
         return {};
-    const std::int32_t start = arguments.Long(2, -1);
-    if (start == 0 || start < -1)
+    const std::int32_t start = arguments.As<std::optional<Within<-1>>>(2).value_or(Within<-1>(-1));
+    if (start == 0)
         Raise(runtime::InvalidCall);
-    QString text = arguments.Text(0);
-    QString sought = arguments.Text(1);
+    QString text = arguments.As<QString>(0);
+    QString sought = arguments.As<QString>(1);
     const qsizetype end = start == -1 ? text.size() : start;
     if (text.isEmpty() || end > text.size())
         return 0;
@@ -103,84 +66,43 @@ Value InStrRev(const Arguments& arguments) {
     return std::int64_t{text.lastIndexOf(sought, end - sought.size()) + 1};
 }
 
-template <Value (*Change)(const QString&)>
-Value OfText(const Arguments& arguments) {
-    return arguments.IsNull(0) ? Value() : Change(arguments.Text(0));
-}
-
-Value TrimBoth(const QString& text) {
-    return runtime::Trim(text);
-}
-
-Value TrimLeft(const QString& text) {
+QString TrimLeft(const QString& text) {
     const auto start = std::find_if(text.begin(), text.end(), [](QChar unit) { return unit != blank; });
     return text.sliced(start - text.begin());
 }
 
-Value TrimRight(const QString& text) {
+QString TrimRight(const QString& text) {
     const auto end = std::find_if(text.rbegin(), text.rend(), [](QChar unit) { return unit != blank; });
     return text.first(text.rend() - end);
 }
 
-Value Upper(const QString& text) {
-    return ToUpper(text);
-}
-
-Value Lower(const QString& text) {
-    return ToLower(text);
-}
-
-Value StrComp(const Arguments& arguments) {
-    const bool byCase = ByCase(arguments, 2);
-    if (arguments.IsNull(0) || arguments.IsNull(1))
+Value StrComp(const Value& a, const Value& b, const std::optional<CompareMode>& mode) {
+    if (a.IsNull() || b.IsNull())
         return {};
-    const QString a = arguments.Text(0);
-    const QString b = arguments.Text(1);
-    if (byCase)
-        return a < b ? -1 : a == b ? 0 : 1;
-    return CompareSorted(a, b);
+    if (ByCase(mode))
+        return a.Text() < b.Text() ? -1 : a.Text() == b.Text() ? 0 : 1;
+    return CompareSorted(a.Text(), b.Text());
 }
 
-Value StrConv(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    const QString text = arguments.Text(0);
-    switch (arguments.Long(1)) {
-    case 1:
+/// 1 capitals, 2 small letters, 3 a capital at the start of each word.
+QString StrConv(const QString& text, std::int32_t conversion, const std::optional<Value>& /*locale*/) {
+    if (conversion == 1)
         return ToUpper(text);
-    case 2:
-        return ToLower(text);
-    case 3: {
-        QString proper = ToLower(text);
-        for (qsizetype i = 0; i < proper.size(); ++i) {
-            if (i == 0 || proper[i - 1].isSpace())
-                proper[i] = proper[i].toUpper();
-        }
-        return proper;
-    }
-    default:
+    QString converted = ToLower(text);
+    if (conversion == 2)
+        return converted;
+    if (conversion != 3)
         Raise(runtime::InvalidCall);
+    for (qsizetype i = 0; i < converted.size(); ++i) {
+        if (i == 0 || converted[i - 1].isSpace())
+            converted[i] = converted[i].toUpper();
     }
+    return converted;
 }
 
-Value StrReverse(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        Raise(runtime::InvalidUseOfNull);
-    QString text = arguments.Text(0);
-    std::reverse(text.begin(), text.end());
-    return text;
-}
-
-Value Val(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        Raise(runtime::InvalidUseOfNull);
-    return runtime::Val(arguments.Text(0));
-}
-
-Value Str(const Arguments& arguments) {
-    const double number = arguments.Number(0);
+/// A blank stands in the place of a plus, and the zero before the point is left out.
+QString Str(double number) {
     QString text = runtime::NumberToText(number).replace(u',', u'.');
-    // The nought before the point is left out.
     if (text.startsWith(u"0."))
         text.remove(0, 1);
     else if (text.startsWith(u"-0."))
@@ -188,49 +110,18 @@ Value Str(const Arguments& arguments) {
     return number < 0 ? text : blank + text;
 }
 
-Value CStr(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        Raise(runtime::InvalidUseOfNull);
-    if (arguments.IsBytes(0))
-        Raise(runtime::TypeMismatch);
-    return arguments.Text(0);
-}
+using Code = Within<0, 255>;
 
-/// The first character of a text that must have one; failures 94 and 5.
-QString FirstCharacter(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        Raise(runtime::InvalidUseOfNull);
-    const QString text = arguments.Text(0);
+/// Failure 5 for the empty text.
+QChar FirstCharacter(const QString& text) {
     if (text.isEmpty())
         Raise(runtime::InvalidCall);
-    return text.first(1);
+    return text.front();
 }
 
-Value Asc(const Arguments& arguments) {
-    return static_cast<int>(static_cast<unsigned char>(runtime::To1251(FirstCharacter(arguments)).at(0)));
-}
-
-Value AscW(const Arguments& arguments) {
-    // A whole number of 16 bits with its sign, as every code above 7FFF comes out.
-    return static_cast<int>(static_cast<std::int16_t>(FirstCharacter(arguments).at(0).unicode()));
-}
-
-QString CharacterOfCode(std::int32_t code) {
-    if (code < 0 || code > 255)
-        Raise(runtime::InvalidCall);
+QString CharacterOfCode(Code code) {
     const char byte = static_cast<char>(code);
     return runtime::From1251(QByteArrayView(&byte, 1));
-}
-
-Value Chr(const Arguments& arguments) {
-    return CharacterOfCode(arguments.Long(0));
-}
-
-Value ChrW(const Arguments& arguments) {
-    const std::int32_t code = arguments.Long(0);
-    if (code < -32768 || code > 65535)
-        Raise(runtime::InvalidCall);
-    return QString(QChar(static_cast<char16_t>(code)));
 }
 
 QString Repeated(std::int32_t count, QChar character) {
@@ -239,81 +130,94 @@ QString Repeated(std::int32_t count, QChar character) {
     return QString(count, character);
 }
 
-Value Space(const Arguments& arguments) {
-    return Repeated(Count(arguments, 0), blank);
-}
-
-Value String(const Arguments& arguments) {
-    const std::int32_t count = Count(arguments, 0);
-    if (arguments.IsNull(1))
+/// A text gives its first character, a number the one of its code.
+Value String(Length count, const Value& character) {
+    if (character.IsNull())
         return {};
-    QString character;
-    if (arguments.IsText(1))
-        character = arguments.Text(1);
-    else
-        character = CharacterOfCode(arguments.Long(1) & 0xFF);
-    if (character.isEmpty())
-        Raise(runtime::InvalidCall);
-    return Repeated(count, character.at(0));
+    if (const auto* text = character.As<QString>())
+        return Repeated(count, FirstCharacter(*text));
+    return Repeated(count, CharacterOfCode(Code(character.Long() & 0xFF)).front());
 }
 
-template <int Base>
-Value InBase(const Arguments& arguments) {
-    if (arguments.IsNull(0))
-        return {};
-    return QString::number(static_cast<std::uint32_t>(arguments.Long(0)), Base).toUpper();
+QString InBase(std::int32_t number, int base) {
+    return QString::number(static_cast<std::uint32_t>(number), base).toUpper();
 }
 
-Value FormatFunction(const Arguments& arguments) {
-    const QString picture = arguments.Has(1) ? arguments.Text(1) : QString();
-    return Format(arguments.At(0), picture, arguments.Long(2, 1), arguments.Long(3, 1));
-}
+using enum DataType;
 
-Value IsNullFunction(const Arguments& arguments) {
-    return arguments.IsNull(0);
-}
-
-Value IsNumericFunction(const Arguments& arguments) {
-    return arguments.At(0).IsNumeric();
-}
-
-Value IsDateFunction(const Arguments& arguments) {
-    return arguments.IsText(0) && runtime::IsDate(arguments.Text(0));
-}
-
-constexpr ScalarFunction functions[] = {
-    {{"LEFT", 2, 2, DataType::Text}, Left},
-    {{"RIGHT", 2, 2, DataType::Text}, Right},
-    {{"MID", 2, 3, DataType::Text}, Mid},
-    {{"LEN", 1, 1, DataType::Long}, Len},
-    {{"INSTR", 2, 4, DataType::Long}, InStr},
-    {{"INSTRREV", 2, 4, DataType::Long}, InStrRev},
-    {{"TRIM", 1, 1, DataType::Text}, OfText<TrimBoth>},
-    {{"LTRIM", 1, 1, DataType::Text}, OfText<TrimLeft>},
-    {{"RTRIM", 1, 1, DataType::Text}, OfText<TrimRight>},
-    {{"UCASE", 1, 1, DataType::Text}, OfText<Upper>},
-    {{"LCASE", 1, 1, DataType::Text}, OfText<Lower>},
-    {{"STRCOMP", 2, 3, DataType::Short}, StrComp},
-    {{"STRCONV", 2, 3, DataType::Text}, StrConv},
-    {{"STRREVERSE", 1, 1, DataType::Text}, StrReverse},
-    {{"VAL", 1, 1, DataType::Double}, Val},
-    {{"STR", 1, 1, DataType::Text}, Str},
-    {{"CSTR", 1, 1, DataType::Text}, CStr},
-    {{"ASC", 1, 1, DataType::Short}, Asc},
-    {{"ASCW", 1, 1, DataType::Short}, AscW},
-    {{"CHR", 1, 1, DataType::Text}, Chr},
-    {{"CHRW", 1, 1, DataType::Text}, ChrW},
-    {{"SPACE", 1, 1, DataType::Text}, Space},
-    {{"STRING", 2, 2, DataType::Text}, String},
-    {{"HEX", 1, 1, DataType::Text}, InBase<16>},
-    {{"OCT", 1, 1, DataType::Text}, InBase<8>},
-    {{"FORMAT", 1, 4, DataType::Text}, FormatFunction},
-    {{"ISNULL", 1, 1, DataType::Bit}, IsNullFunction},
-    {{"ISNUMERIC", 1, 1, DataType::Bit}, IsNumericFunction},
-    {{"ISDATE", 1, 1, DataType::Bit}, IsDateFunction, false}, // a day without a year depends on today
-};
+constexpr auto functions = std::to_array<ScalarFunction>({
+    {"LEFT", Text, Nulls::First, [](const QString& text, Length count) { return text.left(count); }},
+    {"RIGHT", Text, Nulls::First, [](const QString& text, Length count) { return text.right(count); }},
+    {"MID", Text, Nulls::First,
+     [](const QString& text, Position start, std::optional<Length> length) {
+         return text.mid(start - 1, length ? *length : -1);
+     }},
+    {"LEN", Long, Nulls::First, [](const QString& text) { return text.size(); }},
+    {{"INSTR", 2, 4, Long}, Nulls::Taken, InStr},
+    {{"INSTRREV", 2, 4, Long}, Nulls::Taken, InStrRev},
+    {"TRIM", Text, Nulls::First, Of<runtime::Trim>},
+    {"LTRIM", Text, Nulls::First, Of<TrimLeft>},
+    {"RTRIM", Text, Nulls::First, Of<TrimRight>},
+    {"UCASE", Text, Nulls::First, Of<ToUpper>},
+    {"LCASE", Text, Nulls::First, Of<ToLower>},
+    {"STRCOMP", Short, Nulls::Taken, Of<StrComp>},
+    {"STRCONV", Text, Nulls::First, Of<StrConv>},
+    {"STRREVERSE", Text, Nulls::Refused,
+     [](QString text) {
+         std::reverse(text.begin(), text.end());
+         return text;
+     }},
+    {"VAL", Double, Nulls::Refused, Of<runtime::Val>},
+    {"STR", Text, Nulls::Taken, Of<Str>},
+    {"CSTR", Text, Nulls::Refused,
+     [](const Value& value) {
+         if (value.As<QByteArray>())
+             Raise(runtime::TypeMismatch);
+         return value.Text();
+     }},
+    {"ASC", Short, Nulls::Refused,
+     [](const QString& text) {
+         return static_cast<unsigned char>(runtime::To1251(QString(FirstCharacter(text))).front());
+     }},
+    // A whole number of 16 bits with its sign, as every code above 7FFF comes out.
+    {"ASCW", Short, Nulls::Refused,
+     [](const QString& text) { return static_cast<std::int16_t>(FirstCharacter(text).unicode()); }},
+    {"CHR", Text, Nulls::Taken, Of<CharacterOfCode>},
+    {"CHRW", Text, Nulls::Taken,
+     [](Within<-0x8000, 0xFFFF> code) { return QString(QChar(static_cast<char16_t>(code))); }},
+    {"SPACE", Text, Nulls::Taken, [](Length count) { return Repeated(count, blank); }},
+    {"STRING", Text, Nulls::Taken, Of<String>},
+    {"HEX", Text, Nulls::First, [](std::int32_t number) { return InBase(number, 16); }},
+    {"OCT", Text, Nulls::First, [](std::int32_t number) { return InBase(number, 8); }},
+    {"FORMAT", Text, Nulls::Taken,
+     [](const Value& value, const std::optional<QString>& picture, std::optional<std::int32_t> first,
+        std::optional<std::int32_t> rule) {
+         return Format(value, picture.value_or(QString()), first.value_or(1), rule.value_or(1));
+     }},
+    {"ISNUMERIC", Bit, Nulls::Taken, [](const Value& value) { return value.IsNumeric(); }},
+    {"ISDATE", Bit, Nulls::Taken,
+     [](const Value& value) {
+         const auto* text = value.As<QString>();
+         return text && runtime::IsDate(*text);
+     },
+     Answers::Vary},
+});
 
 } // namespace
+
+QString ToUpper(const QString& text) {
+    QString capitals = text;
+    for (QChar& unit : capitals)
+        unit = unit.toUpper();
+    return capitals;
+}
+
+QString ToLower(const QString& text) {
+    QString small = text;
+    for (QChar& unit : small)
+        unit = unit.toLower();
+    return small;
+}
 
 std::span<const ScalarFunction> TextFunctions() {
     return functions;

@@ -12,107 +12,66 @@ namespace engine::functions {
 
 namespace {
 
-/// The number assigned; failure 3464 if the value is none, 3349 if it is too large for any column.
-double NumberFor(const Value& value) {
-    try {
-        return value.Number();
-    } catch (const runtime::Failure& failure) {
-        RaiseEngine(failure.number() == runtime::Overflow ? NumberOutOfRange : TypeMismatchInCriteria);
-    }
-}
-
-Value WholeFor(const Value& value, std::int64_t least, std::int64_t greatest) {
-    if (const auto* whole = value.As<std::int64_t>()) {
-        if (*whole < least || *whole > greatest)
-            RaiseEngine(NumberOutOfRange);
-        return *whole;
-    }
-    const double rounded = runtime::RoundHalfEven(NumberFor(value));
-    if (!(rounded >= static_cast<double>(least) && rounded <= static_cast<double>(greatest)))
-        RaiseEngine(NumberOutOfRange);
-    return static_cast<std::int64_t>(rounded);
-}
-
-template <class Whole>
-Value WholeOf(const Value& value) {
-    return WholeFor(value, std::numeric_limits<Whole>::min(), std::numeric_limits<Whole>::max());
-}
-
-/// `digits`: 0, or those of a column that keeps a fraction.
-Value MoneyFor(const Value& value, int digits) {
-    try {
-        const Money amount = value.Money();
-        return digits > 0 ? Value(amount.Number()) : Value(amount);
-    } catch (const runtime::Failure& failure) {
-        RaiseEngine(failure.number() == runtime::Overflow ? NumberOutOfRange : TypeMismatchInCriteria);
-    }
-}
-
 double NumberWithin(const Value& value, double greatest) {
-    const double number = NumberFor(value);
+    const double number = value.Number();
     if (!(std::abs(number) <= greatest))
-        RaiseEngine(NumberOutOfRange);
+        runtime::Raise(runtime::Overflow);
     return number;
 }
 
-Value DateFor(const Value& value) {
+double DateNumber(const Value& value) {
     if (const auto* text = value.As<QString>()) {
         if (const auto date = runtime::TryTextToDate(*text))
             return runtime::NumberFromDate(*date);
     }
-    const double number = NumberFor(value);
+    const double number = value.Number();
     if (!runtime::IsDateNumber(number))
-        RaiseEngine(NumberOutOfRange);
+        runtime::Raise(runtime::Overflow);
     return number;
+}
+
+/// A text or bytes that their column has room for; it has no limit where `size` is 0.
+Value Sized(auto content, int size) {
+    if (size > 0 && content.size() > size)
+        RaiseEngine(ValueTooLong);
+    return content;
 }
 
 Value TextFor(const Value& value, int size) {
     if (value.As<QByteArray>())
-        RaiseEngine(TypeMismatchInCriteria);
-    QString text = value.Text();
-    if (size > 0 && text.size() > size)
-        RaiseEngine(ValueTooLong);
-    return text;
+        runtime::Raise(runtime::TypeMismatch);
+    return Sized(value.Text(), size);
 }
 
 Value BytesFor(const Value& value, int size) {
-    QByteArray bytes;
-    if (const auto* given = value.As<QByteArray>()) {
-        bytes = *given;
-    } else if (const auto* text = value.As<QString>()) {
-        bytes = QByteArray(reinterpret_cast<const char*>(text->utf16()), text->size() * 2);
-    } else {
-        RaiseEngine(TypeMismatchInCriteria);
-    }
-    if (size > 0 && bytes.size() > size)
-        RaiseEngine(ValueTooLong);
-    return bytes;
+    if (const auto* bytes = value.As<QByteArray>())
+        return Sized(*bytes, size);
+    const auto* text = value.As<QString>();
+    if (!text)
+        runtime::Raise(runtime::TypeMismatch);
+    return Sized(QByteArray(reinterpret_cast<const char*>(text->utf16()), text->size() * 2), size);
 }
 
-} // namespace
-
-Value ToColumn(const Value& value, DataType type, int size, const QString& /*name*/) {
-    if (value.IsNull())
-        return type == DataType::Bit ? Value(false) : Value();
+/// The value in the column's form, with the failures of conversions as they come.
+Value Converted(const Value& value, DataType type, int size) {
     switch (type) {
     case DataType::Bit:
-        return NumberFor(value) != 0;
+        return value.Number() != 0;
     case DataType::Byte:
-        return WholeOf<std::uint8_t>(value);
+        return int{runtime::RoundedTo<std::uint8_t>(value.Number())};
     case DataType::Short:
-        return WholeOf<std::int16_t>(value);
+        return int{runtime::RoundedTo<std::int16_t>(value.Number())};
     case DataType::Long:
     case DataType::Counter:
-        return WholeOf<std::int32_t>(value);
+        return value.Long();
     case DataType::Single:
-        return static_cast<double>(
-            static_cast<float>(NumberWithin(value, std::numeric_limits<float>::max())));
+        return double{static_cast<float>(NumberWithin(value, std::numeric_limits<float>::max()))};
     case DataType::Double:
         return NumberWithin(value, std::numeric_limits<double>::max());
-    case DataType::Currency:
-        return MoneyFor(value, size);
+    case DataType::Currency: // the size is 0, or the digits of a column that keeps a fraction
+        return size > 0 ? Value(value.Money().Number()) : Value(value.Money());
     case DataType::Date:
-        return DateFor(value);
+        return DateNumber(value);
     case DataType::Text:
     case DataType::Memo:
         return TextFor(value, size);
@@ -124,6 +83,22 @@ Value ToColumn(const Value& value, DataType type, int size, const QString& /*nam
         break;
     }
     return value;
+}
+
+} // namespace
+
+Value ToColumn(const Value& value, DataType type, int size) {
+    if (value.IsNull())
+        return type == DataType::Bit ? Value(false) : Value();
+    try {
+        return Converted(value, type, size);
+    } catch (const runtime::Failure& failure) {
+        if (failure.number() == runtime::Overflow)
+            RaiseEngine(NumberOutOfRange);
+        if (failure.number() == runtime::TypeMismatch)
+            RaiseEngine(TypeMismatchInCriteria);
+        throw;
+    }
 }
 
 } // namespace engine::functions

@@ -62,7 +62,7 @@ std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QS
 
 void CheckRange(const Value& value, const ColumnInfo& column, const Table& table, const QString& path) {
     try {
-        functions::ToColumn(value, column.type, 0, column.name);
+        functions::ToColumn(value, column.type, 0);
     } catch (const runtime::Failure& failure) {
         throw runtime::Failure(
             failure.number(),

@@ -305,7 +305,7 @@ void Connection::Bind(Statement& statement, int firstPlace, const std::vector<sq
         const Value* value = &literal;
         if (parameter.column && !FitsAsItIs(literal, *parameter.column)) {
             const ColumnInfo& column = *parameter.column;
-            values.push_back(functions::ToColumn(literal, column.type, column.size, column.name));
+            values.push_back(functions::ToColumn(literal, column.type, column.size));
             value = &values.back();
         }
         statement.Bind(place++, *value);
@@ -469,7 +469,7 @@ bool Connection::BindAction(Statement& statement, const BoundPlan& bound, bool f
         if (parameter.column && !FitsAsItIs(literal, *parameter.column)) {
             const ColumnInfo& column = *parameter.column;
             try {
-                values.push_back(functions::ToColumn(literal, column.type, column.size, column.name));
+                values.push_back(functions::ToColumn(literal, column.type, column.size));
             } catch (const runtime::Failure& failure) {
                 const bool tooLong = failure.number() == ValueTooLong;
                 if (plan.verb == sql::Verb::Insert && failOnError)

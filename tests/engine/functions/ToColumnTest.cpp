@@ -77,7 +77,7 @@ TEST(ToColumn, ConvertsOrNamesTheReason) {
         int failure = 0;
         Value stored;
         try {
-            stored = engine::functions::ToColumn(row.value, row.type, row.size, QStringLiteral("t.c"));
+            stored = engine::functions::ToColumn(row.value, row.type, row.size);
         } catch (const runtime::Failure& raised) {
             failure = raised.number();
         }

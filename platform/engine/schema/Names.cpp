@@ -34,6 +34,15 @@ QString QuoteName(QStringView name) {
     return u'"' + name.toString().replace(u'"', QLatin1String("\"\"")) + u'"';
 }
 
+QString QuoteText(QStringView text) {
+    QString quoted = text.toString();
+    quoted = u'\'' + quoted.replace(u'\'', QLatin1String("''")) + u'\'';
+    // A NUL would end the statement.
+    if (quoted.contains(QChar(u'\0')))
+        quoted = u'(' + quoted.replace(QChar(u'\0'), QLatin1String("' || char(0) || '")) + u')';
+    return quoted;
+}
+
 QString QuoteNames(const QStringList& names) {
     QStringList quoted;
     for (const QString& name : names)

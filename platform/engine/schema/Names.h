@@ -16,7 +16,9 @@ bool SameName(QStringView a, QStringView b);
 bool HasName(const QStringList& names, QStringView name);
 /// A name as SQLite takes it, in quotes.
 QString QuoteName(QStringView name);
-/// The same, separated by commas.
+/// A text as SQLite takes it, in quotes.
+QString QuoteText(QStringView text);
+/// Names in quotes, separated by commas.
 QString QuoteNames(const QStringList& names);
 /// The word in capitals; nothing if it is longer or has other letters than those of ASCII.
 std::optional<std::string> Capitals(QStringView word, std::size_t longest);

@@ -51,60 +51,44 @@ bool Names(std::u16string_view name, const QString& word) {
 class Choice {
 public:
     explicit Choice(const QString& start)
-        : m_texts{start} {}
+        : m_start(start) {}
 
     /// `words` stand in front of the result.
     void Add(const QString& words, const Written& result) {
-        m_texts.back() += words;
-        m_texts.emplace_back();
-        m_results.push_back(result);
+        m_results.emplace_back(words, result);
         m_wide = m_wide || result.wide;
-        if (result.null)
-            return;
-        m_type = m_any ? CommonType(m_type, result.type) : result.type;
-        m_any = true;
+        if (!result.null)
+            m_type = m_type ? CommonType(*m_type, result.type) : result.type;
     }
 
     Written Take() const {
-        Written choice;
-        choice.type = m_type;
-        choice.wide = m_wide;
         const bool amounts = m_type == DataType::Currency;
-        for (std::size_t i = 0; i < m_results.size(); ++i)
-            choice.text += m_texts[i] + (amounts ? Units(m_results[i]) : m_results[i].text);
-        choice.text += u" END"_s;
-        if (amounts)
-            SetMoney(choice, choice.text);
+        QString text = m_start;
+        for (const auto& [words, result] : m_results)
+            text += words + (amounts ? Units(result) : result.text);
+        text += u" END"_s;
+        Written choice = amounts ? MakeAmount(text) : MakeWritten(text, m_type.value_or(DataType::Unknown));
+        choice.wide = m_wide;
         return choice;
     }
 
 private:
-    std::vector<QString> m_texts; ///< in front of each result
-    std::vector<Written> m_results;
-    DataType m_type = DataType::Unknown;
-    bool m_any = false;
+    QString m_start;
+    std::vector<std::pair<QString, Written>> m_results;
+    std::optional<DataType> m_type;
     bool m_wide = false;
 };
 
-int AggregateFailure(AggregateRule rule) {
-    switch (rule) {
-    case AggregateRule::InWhere:
-        return AggregateInWhere;
-    case AggregateRule::InOrderBy:
-        return AggregateInOrderBy;
-    case AggregateRule::InGroupBy:
-        return AggregateInGroupBy;
-    case AggregateRule::InJoin:
-        return AggregateInJoin;
-    default:
-        return AggregateInExpression;
-    }
+const Aggregate* FindAggregate(const QString& name) {
+    const auto found =
+        std::ranges::find_if(aggregates, [&](const Aggregate& a) { return Names(a.name, name); });
+    return found == aggregates.end() ? nullptr : &*found;
 }
 
 } // namespace
 
 bool ExpressionWriter::IsAggregate(const QString& name) {
-    return std::ranges::any_of(aggregates, [&](const Aggregate& a) { return Names(a.name, name); });
+    return FindAggregate(name) != nullptr;
 }
 
 void ExpressionWriter::FailArguments(const Node& node) const {
@@ -112,77 +96,10 @@ void ExpressionWriter::FailArguments(const Node& node) const {
 }
 
 Written ExpressionWriter::WriteCall(const Node& node) {
-    if (auto aggregate = WriteAggregate(node))
-        return *aggregate;
+    if (IsAggregate(node.name))
+        return WriteAggregate(node);
     if (node.all)
         m_context.RaiseSyntax(node, u"Ошибка синтаксиса"_s);
-    if (auto choice = WriteChoice(node))
-        return *choice;
-    return WriteFunction(node);
-}
-
-std::optional<Written> ExpressionWriter::WriteAggregate(const Node& node) {
-    const auto found =
-        std::ranges::find_if(aggregates, [&](const Aggregate& a) { return Names(a.name, node.name); });
-    if (found == aggregates.end())
-        return {};
-    const bool counts = found == aggregates.begin();
-    if (node.all ? !counts : node.children.size() != 1)
-        FailArguments(node);
-    if (m_rule != AggregateRule::Allowed)
-        RaiseEngine(AggregateFailure(m_rule), m_context.Text(node).toString());
-    m_sawAggregate = true;
-    Written result;
-    result.type = found->result == Aggregate::Whole ? DataType::Long : DataType::Double;
-    QString function = QString::fromUtf16(found->function);
-    const QString filter = m_filter.isEmpty() ? QString() : u" FILTER (WHERE "_s + m_filter + u')';
-    if (node.all) {
-        result.text = u"count(*)"_s + filter;
-        return result;
-    }
-    const Written value = WriteAggregated(*node.children[0]);
-    QString argument = value.text;
-    if (found->result == Aggregate::Same) {
-        result.type = value.type == DataType::Counter ? DataType::Long : value.type;
-        result.size = value.size;
-        result.wide = value.wide;
-        argument = Sorted(value);
-    } else if (found->result == Aggregate::Fraction) {
-        if (value.Kind() == TypeKind::Text || value.Kind() == TypeKind::Bytes)
-            m_context.AddTypeMismatch();
-        if (value.Kind() == TypeKind::Unknown && !value.null)
-            argument = u"zv_add("_s + value.text + u", 0)"_s;
-        if (function == u"sum("_s && !value.money.isEmpty()) {
-            function = u"zv_sum("_s;
-            argument = value.money;
-            result.type = DataType::Currency;
-        }
-    }
-    result.text = function + argument + u')' + filter;
-    if (result.type == DataType::Currency)
-        SetMoney(result, result.text);
-    return result;
-}
-
-/// The argument of an aggregate.
-Written ExpressionWriter::WriteAggregated(const Node& node) {
-    const AggregateRule rule = std::exchange(m_rule, AggregateRule::InExpression);
-    const bool own = std::exchange(m_sawOwn, false);
-    const bool outer = std::exchange(m_sawOuter, false);
-    Written value = Value(node);
-    if (m_sawOuter && !m_sawOwn && !m_scope.Sources().empty()) {
-        // SQLite would take the aggregate for one of the statement around this one.
-        const QString text = Delivered(value).text;
-        value = DeliveredValue(value, u"CASE "_s + m_scope.Sources().front().columns.front().value.text +
-                                          u" WHEN 0 THEN "_s + text + u" ELSE "_s + text + u" END"_s);
-    }
-    m_sawOwn = m_sawOwn || own;
-    m_sawOuter = m_sawOuter || outer;
-    m_rule = rule;
-    return value;
-}
-
-std::optional<Written> ExpressionWriter::WriteChoice(const Node& node) {
     if (Names(u"IIF", node.name))
         return WriteIif(node);
     if (Names(u"SWITCH", node.name))
@@ -192,15 +109,59 @@ std::optional<Written> ExpressionWriter::WriteChoice(const Node& node) {
     if (Names(u"ISNULL", node.name)) {
         if (node.children.size() != 1)
             FailArguments(node);
-        Written result;
-        result.text = Value(*node.children[0]).At(AddPrecedence) + u" IS NULL"_s;
-        result.precedence = EqualPrecedence;
-        result.condition = true;
-        result.type = DataType::Bit;
-        result.nullable = false;
-        return result;
+        return WriteIsNull(*node.children[0], false);
     }
-    return {};
+    return WriteFunction(node);
+}
+
+Written ExpressionWriter::WriteAggregate(const Node& node) {
+    const Aggregate& aggregate = *FindAggregate(node.name);
+    const bool counts = aggregate.result == Aggregate::Whole;
+    if (node.all ? !counts : node.children.size() != 1)
+        FailArguments(node);
+    if (m_aggregateFailure != 0)
+        RaiseEngine(m_aggregateFailure, m_context.Text(node).toString());
+    m_sawAggregate = true;
+    const QString filter = m_filter.isEmpty() ? QString() : u" FILTER (WHERE "_s + m_filter + u')';
+    if (node.all)
+        return MakeWritten(u"count(*)"_s + filter, DataType::Long);
+    const Written value = WriteAggregated(*node.children[0]);
+    const QString function = QString::fromUtf16(aggregate.function);
+    if (aggregate.result == Aggregate::Same) {
+        const QString text = function + Sorted(value).text + u')' + filter;
+        Written same = value.type == DataType::Currency  ? MakeAmount(text)
+                       : value.type == DataType::Counter ? MakeWritten(text, DataType::Long)
+                                                         : MakeWritten(text, value.type);
+        same.size = value.size;
+        same.wide = value.wide;
+        return same;
+    }
+    if (counts)
+        return MakeWritten(function + value.text + u')' + filter, DataType::Long);
+    if (value.IsText() || value.Kind() == TypeKind::Bytes)
+        m_context.AddTypeMismatch();
+    if (Names(aggregate.name, u"SUM"_s) && value.IsAmount())
+        return MakeAmount(u"zv_sum("_s + value.money + u')' + filter);
+    const QString number = value.IsUnknown() ? u"zv_add("_s + value.text + u", 0)"_s : value.text;
+    return MakeWritten(function + number + u')' + filter, DataType::Double);
+}
+
+/// The argument of an aggregate.
+Written ExpressionWriter::WriteAggregated(const Node& node) {
+    const int failure = std::exchange(m_aggregateFailure, AggregateInExpression);
+    const bool own = std::exchange(m_sawOwn, false);
+    const bool outer = std::exchange(m_sawOuter, false);
+    Written value = Value(node);
+    if (m_sawOuter && !m_sawOwn && !m_scope.sources.empty()) {
+        // SQLite would take the aggregate for one of the statement around this one.
+        const QString text = Delivered(value).text;
+        value = DeliveredValue(value, u"CASE "_s + m_scope.sources.front().columns.front().value.text +
+                                          u" WHEN 0 THEN "_s + text + u" ELSE "_s + text + u" END"_s);
+    }
+    m_sawOwn = m_sawOwn || own;
+    m_sawOuter = m_sawOuter || outer;
+    m_aggregateFailure = failure;
+    return value;
 }
 
 /// CASE computes only what it needs, as the engine does. An IIF in the last place continues the same CASE.
@@ -255,31 +216,24 @@ Written ExpressionWriter::WriteFunction(const Node& node) {
         std::ranges::any_of(textFunctions,
                             [&](std::u16string_view name) { return Names(name, node.name); }) ||
         (count == 1 && Names(u"FORMAT", node.name));
-    Written result;
-    result.type = info->result;
-    result.text = u"zv_"_s + QString::fromLatin1(info->name).toLower() + u'(';
-    for (int i = 0; i < count; ++i) {
-        const Written value = Value(*node.children[static_cast<std::size_t>(i)]);
-        if (i > 0)
-            result.text += u", "_s;
-        if (readsText && value.Kind() == TypeKind::Date)
-            result.text += u"zv_datetext("_s + value.text + u')';
-        else
-            result.text += Argument(value);
-        if (i == 0 && info->result == DataType::Unknown) {
-            result.type = value.Kind() == TypeKind::Text ? DataType::Double : value.type;
-            result.wide = value.wide;
+    DataType type = info->result;
+    bool wide = false;
+    QStringList arguments;
+    for (const NodePtr& child : node.children) {
+        const Written value = Value(*child);
+        if (arguments.isEmpty() && type == DataType::Unknown) {
+            type = value.IsText() ? DataType::Double : value.type;
+            wide = value.wide;
         }
+        arguments += readsText && value.IsDate() ? u"zv_datetext("_s + value.text + u')' : Argument(value);
     }
-    result.text += u')';
-    if (result.type == DataType::Currency)
-        SetMoney(result, result.text);
+    const QString text =
+        u"zv_"_s + QString::fromLatin1(info->name).toLower() + u'(' + arguments.join(u", "_s) + u')';
     // A truth may come as 1 or as -1.
-    if (info->result == DataType::Bit) {
-        result.text += u" <> 0"_s;
-        result.precedence = EqualPrecedence;
-        result.condition = true;
-    }
+    if (info->result == DataType::Bit)
+        return MakeCondition(text + u" <> 0"_s, EqualPrecedence);
+    Written result = type == DataType::Currency ? MakeAmount(text) : MakeWritten(text, type);
+    result.wide = wide;
     return result;
 }
 

@@ -11,20 +11,11 @@ namespace engine::sql {
 
 namespace {
 
-QString QuotedText(const QString& text) {
-    QString quoted = text;
-    quoted = u'\'' + quoted.replace(u'\'', u"''"_s) + u'\'';
-    // A NUL would end the statement.
-    if (quoted.contains(QChar(u'\0')))
-        quoted = u'(' + quoted.replace(QChar(u'\0'), u"' || char(0) || '"_s) + u')';
-    return quoted;
-}
-
 QString InlineText(const Token& token) {
     const Value value = Lexer::LiteralValue(token);
     switch (token.kind) {
     case TokenKind::Text:
-        return QuotedText(value.Text());
+        return QuoteText(value.Text());
     case TokenKind::Integer:
         return QString::number(value.Long());
     case TokenKind::Fraction: {
@@ -38,48 +29,41 @@ QString InlineText(const Token& token) {
     }
 }
 
+DataType TypeOf(const Token& literal) {
+    switch (literal.kind) {
+    case TokenKind::Text:
+        return DataType::Text;
+    case TokenKind::Integer:
+        return DataType::Long;
+    case TokenKind::Fraction:
+        return Lexer::LiteralValue(literal).As<Money>() ? DataType::Currency : DataType::Double;
+    default:
+        return DataType::Date;
+    }
+}
+
 } // namespace
 
 void Context::RaiseSyntax(const Node& node, const QString& reason) const {
-    if (criteria)
+    if (!m_catalog)
         RaiseEngine(SyntaxInCriteria, reason);
     RaiseEngine(SyntaxInExpression, reason, Text(node).toString());
 }
 
 Written Context::WriteLiteral(const Node& literal) {
-    Written written;
+    const QString text = literal.literal >= 0 ? ParameterOf(literal, {}, {}) : InlineText(literal.token);
+    Written written = StoredValue(text, TypeOf(literal.token));
     written.nullable = false;
-    written.text = literal.literal >= 0 ? ParameterOf(literal, {}, {}) : InlineText(literal.token);
-    if (written.text.startsWith(u'-'))
+    if (text.startsWith(u'-'))
         written.precedence = CollatePrecedence;
-    switch (literal.token.kind) {
-    case TokenKind::Text:
-        written.type = DataType::Text;
-        break;
-    case TokenKind::Integer:
-        written.type = DataType::Long;
-        break;
-    case TokenKind::Fraction:
-        written.type = DataType::Double;
-        if (Lexer::LiteralValue(literal.token).As<Money>())
-            SetMoney(written, written.text);
-        break;
-    default:
-        written.type = DataType::Date;
-        break;
-    }
     return written;
 }
 
-std::optional<Written> Context::WriteAssigned(const Node& literal, const ColumnInfo& column,
+std::optional<QString> Context::WriteAssigned(const Node& literal, const ColumnInfo& column,
                                               const QString& table) {
-    if (literal.literal < 0)
+    if (literal.kind != NodeKind::Literal || literal.literal < 0)
         return {};
-    Written written;
-    written.nullable = false;
-    written.type = column.type;
-    written.text = ParameterOf(literal, column, table);
-    return written;
+    return ParameterOf(literal, column, table);
 }
 
 QString Context::ParameterOf(const Node& literal, const std::optional<ColumnInfo>& column,
@@ -97,12 +81,10 @@ void Context::AddUnknownName(const QString& name) {
 }
 
 void Context::RaiseMistakes() const {
+    if (!m_unknown.isEmpty() && !m_catalog)
+        RaiseEngine(UnknownNameInFind, m_unknown.front());
     if (!m_unknown.isEmpty())
         RaiseEngine(TooFewParameters, QString::number(m_unknown.size()));
-    RaiseTypeMismatch();
-}
-
-void Context::RaiseTypeMismatch() const {
     if (m_mismatch)
         RaiseEngine(TypeMismatchInCriteria);
 }

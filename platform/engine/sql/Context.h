@@ -8,19 +8,28 @@
 
 namespace engine::sql {
 
-/// What the writers of one statement share: its literals on their way to parameters, and the mistakes that
-/// are reported only when the whole of it is known.
+/// What the writers of one statement share: the tables, its literals on their way to parameters, and the
+/// mistakes that are reported only when the whole of it is known.
 class Context {
 public:
-    /// `firstParameter`: how many parameters stand before those of the literals.
-    Context(const Scanned& scanned, int firstParameter)
+    Context(const Scanned& scanned, const Catalog& catalog)
         : m_scanned(scanned)
-        , m_firstParameter(firstParameter) {}
+        , m_catalog(&catalog) {}
+    /// For the criteria of a search: `columns` parameters stand before those of the literals.
+    Context(const Scanned& scanned, int columns)
+        : m_scanned(scanned)
+        , m_firstParameter(columns) {}
+
+    /// Null if there is none.
+    const TableInfo* FindTable(const QString& name) const {
+        return m_catalog ? m_catalog->FindTable(name) : nullptr;
+    }
 
     /// A literal: a parameter, or its value if the statement writes it out.
     Written WriteLiteral(const Node& literal);
-    /// A literal that goes into a column as it is; nothing if its value is written out.
-    std::optional<Written> WriteAssigned(const Node& literal, const ColumnInfo& column, const QString& table);
+    /// A literal that goes into a column as it is: a parameter with that column. Nothing if the node is none,
+    /// or its value is written out.
+    std::optional<QString> WriteAssigned(const Node& literal, const ColumnInfo& column, const QString& table);
 
     QStringView Text(const Node& node) const {
         return QStringView(m_scanned.text).mid(node.start, node.end - node.start);
@@ -32,26 +41,21 @@ public:
     void AddUnknownName(const QString& name);
     void AddTypeMismatch() { m_mismatch = true; }
     const QStringList& UnknownNames() const { return m_unknown; }
-    /// Failures 3061 and 3464, if anything called for them.
+    /// Failures 3061 (3070 in criteria) and 3464, if anything called for them.
     void RaiseMistakes() const;
-    void RaiseTypeMismatch() const;
 
     /// A name for a source, unlike any other in the statement.
     QString NewAlias() { return u'q' + QString::number(++m_aliases); }
 
-    /// Failure 3075 with the text of the expression, 3077 in the criteria of a search.
+    /// Failure 3075 with the text of the expression, 3077 in criteria.
     [[noreturn]] void RaiseSyntax(const Node& node, const QString& reason) const;
-
-    /// In the form of an action statement that leaves failing rows out, conversions do not fail.
-    bool lenient = false;
-    /// The text is the criteria of a search, not a statement.
-    bool criteria = false;
 
 private:
     QString ParameterOf(const Node& literal, const std::optional<ColumnInfo>& column, const QString& table);
 
     const Scanned& m_scanned;
-    int m_firstParameter;
+    const Catalog* m_catalog = nullptr; ///< null in criteria
+    int m_firstParameter = 0;
     std::vector<Parameter> m_parameters;
     std::map<int, int> m_numbers; ///< parameter of each literal
     QStringList m_unknown;

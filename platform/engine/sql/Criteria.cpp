@@ -17,11 +17,9 @@ namespace {
 /// The columns of the result as one source, whose values come as parameters.
 ScopeSource ResultSource(const std::vector<ResultColumn>& columns) {
     ScopeSource source;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        ScopeColumn column;
-        column.name = columns[i].name;
-        column.value = StoredValue(u'?' + QString::number(i + 1), columns[i].type);
-        source.columns.push_back(std::move(column));
+    for (const ResultColumn& column : columns) {
+        const QString number = QString::number(source.columns.size() + 1);
+        source.columns.push_back({column.name, StoredValue(u'?' + number, column.type)});
     }
     return source;
 }
@@ -63,15 +61,10 @@ CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultC
     if (HasQuery(*criteria))
         RaiseEngine(SyntaxInCriteria, u"Ошибка синтаксиса"_s);
     ResolveFullNames(*criteria, columns);
-    Scope scope(nullptr);
-    scope.Sources().push_back(ResultSource(columns));
+    const Scope scope{nullptr, {ResultSource(columns)}};
     Context context(scanned, static_cast<int>(columns.size()));
-    context.criteria = true;
-    ExpressionWriter writer(context, nullptr, scope, AggregateRule::InExpression);
-    const Written condition = writer.Condition(*criteria);
-    if (!context.UnknownNames().isEmpty())
-        RaiseEngine(UnknownNameInFind, context.UnknownNames().front());
-    context.RaiseTypeMismatch();
+    const Written condition = ExpressionWriter(context, scope, AggregateInExpression).Condition(*criteria);
+    context.RaiseMistakes();
     CriteriaPlan plan;
     // The last parameter is named even if nothing else needs it, so that all of them can be bound.
     plan.text = u"SELECT "_s + condition.text + u" FROM (SELECT ?"_s +

@@ -7,16 +7,19 @@
 
 namespace engine::sql {
 
-/// Where an expression stands, as far as aggregates are concerned.
-enum class AggregateRule : std::uint8_t { Allowed, InExpression, InWhere, InOrderBy, InGroupBy, InJoin };
-
-/// Writes the expressions of one clause in SQLite's words. Sub-queries go through QueryWriter.
+/// Writes the expressions of one clause: `a01last LIKE 'и*' AND a01clid <> 3` becomes
+/// `zv_like(q1."a01last", ?1) AND q1."a01clid" <> ?2`. Sub-queries go through QueryWriter.
 class ExpressionWriter {
 public:
-    ExpressionWriter(Context& context, const Catalog* catalog, const Scope& scope, AggregateRule rule);
+    /// `aggregateFailure`: the failure that an aggregate is in this clause, 0 where it may stand.
+    ExpressionWriter(Context& context, const Scope& scope, int aggregateFailure)
+        : m_context(context)
+        , m_scope(scope)
+        , m_aggregateFailure(aggregateFailure)
+        , m_used(scope.sources.size(), false) {}
 
     /// Only the sources of one join can be named (failure 3082 for others of the same FROM).
-    void LimitSources(int first, int last);
+    void LimitSources(std::size_t first, std::size_t end);
     /// Aliases of the list, which its expressions can use.
     void OfferAliases(std::span<const SelectItem> items) { m_items = items; }
 
@@ -26,7 +29,9 @@ public:
     /// As it comes: a value or a condition.
     Written Write(const Node& node);
     /// A value: a condition becomes -1 or 0.
-    Written Value(const Node& node);
+    Written Value(const Node& node) { return AsNumber(Write(node)); }
+    /// What a column delivers: a condition becomes -1 or 0.
+    Written ColumnValue(const Node& node);
     /// A condition: a number stands for its not being 0.
     Written Condition(const Node& node);
     /// A comparison of two values; `op` is one of the six.
@@ -38,43 +43,30 @@ public:
     /// Sources of the own scope that were named.
     const std::vector<bool>& UsedSources() const { return m_used; }
 
-    /// Conditions and yes-or-no columns as the dialect's numbers, -1 and 0.
-    static Written AsNumber(Written value);
     /// Whether a literal behind LIKE holds no wildcard, so that LIKE is an equality.
     static bool IsPlainPattern(const Node& literal);
     static bool IsAggregate(const QString& name);
 
-    /// A text in the form in which equal texts meet in DISTINCT, GROUP BY and UNION.
-    static QString Folded(const Written& value);
-    /// A text in the form in which it is sorted.
-    static QString Sorted(const Written& value);
-
 private:
+    Written WriteKind(const Node& node);
     Written WriteName(const Node& node);
     std::optional<Written> WriteAlias(const QString& name);
-    Written WriteNot(const Node& node);
     Written WriteNegate(const Node& node);
     Written WriteBinary(const Node& node);
     Written WriteLogical(const Node& node);
-    Written WriteArithmetic(const Node& node);
-    std::optional<Written> WriteAmount(Op op, const Written& left, const Written& right);
-    Written WriteAdd(const Written& left, const Written& right);
-    Written WriteConcat(const Written& left, const Written& right);
+    Written WriteArithmetic(const Operator& op, Written left, Written right);
     Written WriteLike(const Node& node);
     Written WriteBetween(const Node& node);
     Written WriteInList(const Node& node);
-    Written WriteInQuery(const Node& node);
-    Written WriteIsNull(const Node& node);
+    Written WriteInQuery(const Written& value, const Query& query, bool negated);
+    Written WriteIsNull(const Node& value, bool negated);
     Written WriteSubquery(const Node& node);
-    Written WriteExists(const Node& node);
     Written WriteQuantified(const Node& node);
-    Written WriteIn(const Written& value, const Query& query, bool negated);
-    bool CheckComparable(const Written& left, const Written& right);
+    void CheckComparable(const Written& left, const Written& right);
 
     Written WriteCall(const Node& node);
-    std::optional<Written> WriteAggregate(const Node& node);
+    Written WriteAggregate(const Node& node);
     Written WriteAggregated(const Node& node);
-    std::optional<Written> WriteChoice(const Node& node);
     Written WriteIif(const Node& node);
     Written WriteSwitch(const Node& node);
     Written WriteChoose(const Node& node);
@@ -82,11 +74,10 @@ private:
     [[noreturn]] void FailArguments(const Node& node) const;
 
     Context& m_context;
-    const Catalog* m_catalog;
     const Scope& m_scope;
-    AggregateRule m_rule;
-    int m_first = 0;
-    int m_last = -1; ///< -1: all sources
+    int m_aggregateFailure;
+    std::size_t m_first = 0;
+    std::size_t m_end = 0; ///< 0: all sources
     std::span<const SelectItem> m_items;
     std::vector<const SelectItem*> m_openAliases;
     std::vector<bool> m_used;

@@ -37,7 +37,7 @@ std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope) {
         return {};
     if (node.op == Op::Like && !ExpressionWriter::IsPlainPattern(*literal))
         return {};
-    return KeyCondition{place->column, literal->literal};
+    return KeyCondition{static_cast<int>(place->column), literal->literal};
 }
 
 namespace {
@@ -63,15 +63,15 @@ void CollectKeys(const Node& node, const Scope& scope, std::vector<KeyCondition>
 
 } // namespace
 
-std::vector<KeyCondition> FindKeys(const Node* where, const Scope& scope) {
-    std::vector<KeyCondition> keys;
+bool FindKeys(const Node* where, const Scope& scope, Plan& plan) {
     if (where)
-        CollectKeys(*where, scope, keys);
-    const TableInfo* table = scope.Sources().front().table;
-    if (table &&
-        std::ranges::any_of(keys, [&](const KeyCondition& key) { return IsUnique(*table, key.column); }))
-        keys.clear();
-    return keys;
+        CollectKeys(*where, scope, plan.keys);
+    const TableInfo& table = *scope.sources.front().table;
+    if (std::ranges::any_of(plan.keys, [&](const KeyCondition& key) { return IsUnique(table, key.column); }))
+        plan.keys.clear();
+    if (!plan.keys.empty())
+        plan.keyTable = table.name;
+    return !plan.keys.empty();
 }
 
 } // namespace engine::sql

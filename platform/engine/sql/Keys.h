@@ -5,8 +5,8 @@
 
 namespace engine::sql {
 
-/// The conditions of a WHERE on one table through which an index in memory finds the rows.
-std::vector<KeyCondition> FindKeys(const Node* where, const Scope& scope);
+/// Whether an index in memory finds the rows of a WHERE on one table; the plan is told the conditions.
+bool FindKeys(const Node* where, const Scope& scope, Plan& plan);
 
 /// Which rows of its table a statement looks at: all of them, or those that an index has named.
 enum class Rows { All, One, Listed };

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "platform/engine/sql/Plan.h"
+#include "platform/engine/sql/Tree.h"
 #include "platform/engine/sql/Written.h"
 
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -16,46 +17,38 @@ struct ScopeColumn {
 
 /// A table or sub-query of a FROM.
 struct ScopeSource {
-    QString name;                     ///< by which columns are qualified
-    QString alias;                    ///< in SQLite's text
+    QString name = {};                ///< by which columns are qualified
+    QString alias = {};               ///< in SQLite's text
     const TableInfo* table = nullptr; ///< null for a sub-query
-    std::vector<ScopeColumn> columns;
+    std::vector<ScopeColumn> columns = {};
 
-    /// The row number in SQLite's words, under a name that no column hides.
+    /// SQLite's row number under that of its three names that no column of the table bears.
     QString RowId() const;
 };
 
 /// Place of a column in a scope.
 struct ScopePlace {
-    int source = 0;
-    int column = 0;
+    std::size_t source = 0;
+    std::size_t column = 0;
 
     friend bool operator==(const ScopePlace&, const ScopePlace&) = default;
 };
 
-/// The tables whose columns a clause can name, and those of the statement around it.
-class Scope {
-public:
-    explicit Scope(const Scope* outer)
-        : m_outer(outer) {}
+/// The tables whose columns a clause can name.
+struct Scope {
+    const Scope* outer = nullptr; ///< of the statement around this one
+    std::vector<ScopeSource> sources = {};
 
-    const Scope* Outer() const { return m_outer; }
-    std::vector<ScopeSource>& Sources() { return m_sources; }
-    const std::vector<ScopeSource>& Sources() const { return m_sources; }
-
-    /// A column of this scope alone; failure 3079 if several sources have it. `first` and `last` narrow the
+    /// A column of this scope alone; failure 3079 if several sources have it. `first` and `end` narrow the
     /// search to the sources of one join.
-    std::optional<ScopePlace> Find(const QString& qualifier, const QString& name) const;
-    std::optional<ScopePlace> Find(const QString& qualifier, const QString& name, int first, int last) const;
+    std::optional<ScopePlace> Find(const QString& qualifier, const QString& name, std::size_t first = 0,
+                                   std::size_t end = std::numeric_limits<std::size_t>::max()) const;
+    const ScopeColumn& Column(ScopePlace place) const { return sources[place.source].columns[place.column]; }
 
-    const ScopeColumn& Column(ScopePlace place) const {
-        return m_sources[static_cast<std::size_t>(place.source)]
-            .columns[static_cast<std::size_t>(place.column)];
-    }
-
-private:
-    const Scope* m_outer;
-    std::vector<ScopeSource> m_sources;
+    /// Whether two expressions over this scope mean the same.
+    bool Same(const Node& a, const Node& b) const;
+    /// Whether an expression of a query with groups names only what a group decides.
+    bool IsDecided(const Node& node, const std::vector<NodePtr>& groups) const;
 };
 
 } // namespace engine::sql

@@ -1,7 +1,7 @@
-#include "platform/engine/sql/TransformWriter.h"
-
+// TRANSFORM: one row for each group, one column for each value of the pivot.
 #include "platform/engine/EngineError.h"
-#include "platform/engine/sql/Grouping.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/sql/QueryWriter.h"
 
 using namespace Qt::StringLiterals;
 
@@ -38,10 +38,12 @@ QString ListedText(const Node& heading) {
     }
 }
 
-} // namespace
+struct PivotColumn {
+    Written value;
+    QString name;
+};
 
-std::vector<TransformWriter::PivotColumn> TransformWriter::ListedColumns(const Transform& transform,
-                                                                         ExpressionWriter& writer) const {
+std::vector<PivotColumn> ListedColumns(const Transform& transform, ExpressionWriter& writer) {
     std::vector<PivotColumn> columns;
     for (const NodePtr& heading : transform.headings) {
         const QString name = ColumnName(ListedText(*heading));
@@ -50,46 +52,43 @@ std::vector<TransformWriter::PivotColumn> TransformWriter::ListedColumns(const T
     return columns;
 }
 
-std::vector<TransformWriter::PivotColumn> TransformWriter::ToldColumns(const std::vector<Heading>& headings,
-                                                                       const Written& pivot) const {
+std::vector<PivotColumn> ToldColumns(const std::vector<Heading>& headings, const Written& pivot) {
     std::vector<PivotColumn> columns;
     for (const Heading& heading : headings) {
-        PivotColumn column;
-        column.value = StoredValue(
-            heading.literal.startsWith(u'-') ? u'(' + heading.literal + u')' : heading.literal, pivot.type);
-        column.value.null = heading.literal == u"NULL";
-        column.name = ColumnName(heading.name);
-        columns.push_back(std::move(column));
+        const bool negative = heading.literal.startsWith(u'-');
+        Written value = StoredValue(negative ? u'(' + heading.literal + u')' : heading.literal, pivot.type);
+        value.null = heading.literal == u"NULL";
+        columns.push_back({std::move(value), ColumnName(heading.name)});
     }
     return columns;
 }
 
-QString TransformWriter::HeadingsText(const SelectParts& parts, const Written& pivot) {
+QString HeadingsText(const SelectParts& parts, const Written& pivot) {
     const Written heading = DeliveredValue(pivot, u"c0"_s);
-    const QString name =
-        pivot.Kind() == TypeKind::Date ? u"zv_datetext(c0)"_s : u"zv_cstr("_s + Argument(heading) + u')';
-    const QString where = parts.where.isEmpty() ? QString() : u" WHERE "_s + parts.where;
+    const QString name = pivot.IsDate() ? u"zv_datetext(c0)"_s : u"zv_cstr("_s + Argument(heading) + u')';
+    const QString& condition = parts.where.text;
+    const QString where = condition.isEmpty() ? QString() : u" WHERE "_s + condition;
     return u"SELECT quote(c0), CASE WHEN c0 IS NULL THEN '<>' ELSE "_s + name +
-           u" END FROM (SELECT DISTINCT "_s + ExpressionWriter::Folded(pivot) + u" AS c0 FROM "_s +
-           parts.from.text + where + u") ORDER BY "_s + ExpressionWriter::Sorted(heading);
+           u" END FROM (SELECT DISTINCT "_s + Folded(pivot).text + u" AS c0 FROM "_s + parts.from + where +
+           u") ORDER BY "_s + Sorted(heading).text;
 }
 
-void TransformWriter::Write(const Transform& transform, const Query& query,
-                            const std::vector<Heading>* headings, Plan& plan) {
+} // namespace
+
+void WriteTransform(Context& context, const Transform& transform, const Query& query,
+                    const std::vector<Heading>* headings, Plan& plan) {
     const Select* select = query.parts.size() == 1 ? query.parts.front().select.get() : nullptr;
     if (!select || select->groupBy.empty() || select->distinct || select->top > 0 || !select->into.isEmpty())
         RaiseEngine(SyntaxInTransform);
-    QueryWriter queries(m_context, &m_catalog, nullptr);
-    Scope scope(nullptr);
-    SelectParts parts = queries.WriteParts(*select, query.orderBy, scope);
-    ExpressionWriter pivots(m_context, &m_catalog, scope, AggregateRule::InGroupBy);
+    Scope scope;
+    SelectParts parts = QueryWriter(context, nullptr).WriteParts(*select, query.orderBy, scope);
+    ExpressionWriter pivots(context, scope, AggregateInGroupBy);
     const Written pivot = pivots.Value(*transform.pivot);
-    ExpressionWriter values(m_context, &m_catalog, scope, AggregateRule::Allowed);
-    const Written value = values.Value(*transform.value);
-    m_context.RaiseMistakes();
-    if (!values.SawAggregate())
-        RaiseEngine(NotInAggregate, m_context.Text(*transform.value).toString());
-    GroupingCheck(select->groupBy, scope, m_context).Check(*transform.value);
+    ExpressionWriter values(context, scope, 0);
+    const Written value = Delivered(values.Value(*transform.value));
+    context.RaiseMistakes();
+    if (!values.SawAggregate() || !scope.IsDecided(*transform.value, select->groupBy))
+        RaiseEngine(NotInAggregate, context.Text(*transform.value).toString());
     plan.verb = Verb::Select;
     if (transform.headings.empty() && !headings) {
         plan.headingsText = HeadingsText(parts, pivot);
@@ -102,17 +101,13 @@ void TransformWriter::Write(const Transform& transform, const Query& query,
         const QString here = column.value.null ? pivot.At(AddPrecedence) + u" IS NULL"_s
                                                : pivots.Compare(Op::Equal, pivot, column.value).text;
         values.FilterAggregates(here);
-        WrittenColumn cell;
-        cell.name = column.name;
-        cell.value = Delivered(value);
         // A cell without rows is NULL whatever the aggregate.
-        cell.value.text = u"CASE WHEN count(*) FILTER (WHERE "_s + here + u") > 0 THEN "_s +
-                          Delivered(values.Value(*transform.value)).text + u" END"_s;
-        cell.value.precedence = PrimaryPrecedence;
-        parts.columns.push_back(std::move(cell));
+        const QString cell = u"CASE WHEN count(*) FILTER (WHERE "_s + here + u") > 0 THEN "_s +
+                             Delivered(values.Value(*transform.value)).text + u" END"_s;
+        parts.columns.push_back({column.name, value.As(cell, value.type)});
     }
-    m_context.RaiseMistakes();
-    plan.text = queries.Assemble(parts, ColumnNames::None);
+    context.RaiseMistakes();
+    plan.text = parts.Assemble();
     for (const WrittenColumn& column : parts.columns)
         plan.columns.push_back({column.name, column.value.type});
 }

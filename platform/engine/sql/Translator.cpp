@@ -3,7 +3,6 @@
 #include "platform/engine/sql/Keys.h"
 #include "platform/engine/sql/Parser.h"
 #include "platform/engine/sql/QueryWriter.h"
-#include "platform/engine/sql/TransformWriter.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,124 +22,97 @@ Query WholeTable(const QString& table) {
     return query;
 }
 
-/// Translates one statement that has been read.
-class Translation {
-public:
-    Translation(const Scanned& scanned, const Catalog& catalog, const std::vector<Heading>* headings)
-        : m_catalog(catalog)
-        , m_headings(headings)
-        , m_context(scanned, 0) {}
-
-    Plan Run(const Statement& statement, Purpose purpose) {
-        switch (statement.kind) {
-        case Statement::QueryKind:
-        case Statement::TableKind:
-            TranslateQuery(statement, purpose);
-            break;
-        case Statement::SchemaKind:
-            m_plan.verb = Verb::Schema;
-            m_plan.change = statement.schema;
-            m_plan.target = statement.schema.table.name;
-            CheckChange(m_plan.change, m_catalog);
-            break;
-        case Statement::InsertKind:
-            ActionWriter(m_context, m_catalog).WriteInsert(statement.insert, m_plan);
-            break;
-        case Statement::UpdateKind:
-            ActionWriter(m_context, m_catalog).WriteUpdate(statement.update, m_plan);
-            break;
-        case Statement::DeleteKind:
-            ActionWriter(m_context, m_catalog).WriteDelete(statement.remove, m_plan);
-            break;
+void WriteSelect(Context& context, const Query& query, Plan& plan) {
+    QueryWriter writer(context, nullptr);
+    std::vector<WrittenColumn> columns;
+    if (query.parts.size() > 1 || query.parts.front().query) {
+        WrittenQuery written = writer.Write(query);
+        plan.text = written.text;
+        columns = std::move(written.columns);
+    } else {
+        Scope scope;
+        SelectParts parts = writer.WriteParts(*query.parts.front().select, query.orderBy, scope);
+        context.RaiseMistakes();
+        const QString rowNumber = parts.IsPlain() ? parts.table->RowId() : QString();
+        plan.text = parts.Assemble(rowNumber);
+        const int parameter = context.ParameterCount() + 1;
+        if (parts.table && FindKeys(query.parts.front().select->where.get(), scope, plan)) {
+            const QString where = parts.where.At(AndPrecedence) + u" AND "_s;
+            const auto keyed = [&](Rows rows) {
+                parts.where = MakeCondition(where + KeyText(*parts.table, parameter, rows), AndPrecedence);
+                return parts.Assemble(rowNumber);
+            };
+            plan.keyedText = keyed(Rows::Listed);
+            plan.keyedRowText = keyed(Rows::One);
         }
-        m_context.RaiseMistakes();
-        m_plan.parameters = m_context.Parameters();
-        if (purpose == Purpose::OpenRecordset && m_plan.verb != Verb::Select)
-            RaiseEngine(InvalidOperation);
-        return std::move(m_plan);
-    }
-
-private:
-    void TranslateQuery(const Statement& statement, Purpose purpose) {
-        if (statement.kind == Statement::TableKind) {
-            if (purpose == Purpose::Execute || !m_catalog.FindTable(statement.table))
-                RaiseEngine(UnknownTable, statement.table);
-            WriteSelect(WholeTable(statement.table));
-            return;
-        }
-        const Query& query = *statement.query;
-        const auto& first = query.parts.front();
-        if (statement.transform)
-            TransformWriter(m_context, m_catalog).Write(*statement.transform, query, m_headings, m_plan);
-        else if (query.parts.size() == 1 && first.select && !first.select->into.isEmpty())
-            ActionWriter(m_context, m_catalog).WriteInto(query, m_plan);
-        else
-            WriteSelect(query);
-        if (purpose == Purpose::Execute && m_plan.verb == Verb::Select) {
-            m_context.RaiseMistakes();
-            RaiseEngine(CannotExecuteSelect);
-        }
-    }
-
-    void WriteSelect(const Query& query) {
-        m_plan.verb = Verb::Select;
-        const bool simple = query.parts.size() == 1 && query.parts.front().select;
-        if (!simple) {
-            const WrittenQuery written =
-                QueryWriter(m_context, &m_catalog, nullptr).Write(query, ColumnNames::None);
-            m_plan.text = written.text;
-            AddColumns(written.columns);
-            return;
-        }
-        const Select& select = *query.parts.front().select;
-        QueryWriter writer(m_context, &m_catalog, nullptr);
-        Scope scope(nullptr);
-        const SelectParts parts = writer.WriteParts(select, query.orderBy, scope);
-        m_context.RaiseMistakes();
-        AddColumns(parts.columns);
-        const QString row = QString::number(m_context.ParameterCount() + 1);
-        QString rowNumber;
         if (parts.IsPlain()) {
-            rowNumber = parts.from.table->RowId();
-            SelectParts one = parts;
-            one.where = rowNumber + u" = ?"_s + row;
-            one.orderBy.clear();
-            m_plan.rowText = writer.Assemble(one, ColumnNames::None);
-            m_plan.rowTable = parts.from.table->table->name;
+            plan.rowTable = parts.table->table->name;
+            parts.where = MakeCondition(KeyText(*parts.table, parameter, Rows::One), EqualPrecedence);
+            parts.orderBy.clear();
+            plan.rowText = parts.Assemble();
         }
-        m_plan.text = writer.Assemble(parts, ColumnNames::None, {}, rowNumber);
-        if (!parts.from.table)
-            return;
-        m_plan.keys = FindKeys(select.where.get(), scope);
-        if (m_plan.keys.empty())
-            return;
-        m_plan.keyTable = parts.from.table->table->name;
-        const auto keyed = [&](Rows rows) {
-            return writer.Assemble(parts, ColumnNames::None,
-                                   KeyText(*parts.from.table, m_context.ParameterCount() + 1, rows),
-                                   rowNumber);
-        };
-        m_plan.keyedText = keyed(Rows::Listed);
-        m_plan.keyedRowText = keyed(Rows::One);
+        columns = std::move(parts.columns);
     }
+    for (const WrittenColumn& column : columns)
+        plan.columns.push_back({column.name, column.value.type});
+}
 
-    void AddColumns(const std::vector<WrittenColumn>& columns) {
-        for (const WrittenColumn& column : columns)
-            m_plan.columns.push_back({column.name, column.value.type});
+void WriteQuery(Context& context, const Statement& statement, Purpose purpose,
+                const std::vector<Heading>* headings, Plan& plan) {
+    const bool executes = purpose == Purpose::Execute;
+    if (statement.kind == Statement::TableKind) {
+        if (executes || !context.FindTable(statement.table))
+            RaiseEngine(UnknownTable, statement.table);
+        WriteSelect(context, WholeTable(statement.table), plan);
+        return;
     }
-
-    const Catalog& m_catalog;
-    const std::vector<Heading>* m_headings;
-    Context m_context;
-    Plan m_plan;
-};
+    const Query& query = *statement.query;
+    const auto& first = query.parts.front();
+    if (statement.transform)
+        WriteTransform(context, *statement.transform, query, headings, plan);
+    else if (query.parts.size() == 1 && first.select && !first.select->into.isEmpty())
+        WriteInto(context, query, plan);
+    else
+        WriteSelect(context, query, plan);
+    if (executes && plan.verb == Verb::Select) {
+        context.RaiseMistakes();
+        RaiseEngine(CannotExecuteSelect);
+    }
+}
 
 } // namespace
 
 Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
                const std::vector<Heading>* headings) {
     const Statement statement = Parser(scanned.text, scanned.cacheable).ParseStatement();
-    return Translation(scanned, catalog, headings).Run(statement, purpose);
+    Context context(scanned, catalog);
+    Plan plan;
+    switch (statement.kind) {
+    case Statement::QueryKind:
+    case Statement::TableKind:
+        WriteQuery(context, statement, purpose, headings, plan);
+        break;
+    case Statement::SchemaKind:
+        plan.verb = Verb::Schema;
+        plan.change = statement.schema;
+        plan.target = statement.schema.table.name;
+        CheckChange(plan.change, catalog);
+        break;
+    case Statement::InsertKind:
+        WriteInsert(context, statement.insert, plan);
+        break;
+    case Statement::UpdateKind:
+        WriteUpdate(context, statement.update, plan);
+        break;
+    case Statement::DeleteKind:
+        WriteDelete(context, statement.remove, plan);
+        break;
+    }
+    context.RaiseMistakes();
+    plan.parameters = context.Parameters();
+    if (purpose == Purpose::OpenRecordset && plan.verb != Verb::Select)
+        RaiseEngine(InvalidOperation);
+    return plan;
 }
 
 } // namespace engine::sql

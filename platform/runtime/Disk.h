@@ -71,6 +71,9 @@ public:
 
     /// Whether another program holds any lock on the file.
     static bool IsLocked(const QString& path);
+    /// The same where programs of other makes count: also one that has locked the file as a whole or, where
+    /// the system tells that, has it open at all. Links are followed.
+    static bool IsInUse(const QString& path);
 
 private:
     Result Take(const QString& path, bool alone);

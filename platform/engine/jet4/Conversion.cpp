@@ -1,12 +1,13 @@
 #include "platform/engine/jet4/Conversion.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/jet4/OtherPrograms.h"
 #include "platform/engine/jet4/RowCheck.h"
 #include "platform/engine/jet4/RowCopy.h"
 #include "platform/engine/schema/Names.h"
+#include "platform/engine/sql/Plan.h"
 #include "platform/engine/store/DatabaseFile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -41,46 +42,33 @@ QString Resolved(const QString& path) {
     return canonical.isEmpty() ? path : canonical;
 }
 
-QString Quoted(const QString& name) {
-    return u'[' + name + u']';
+/// What a statement of the owner makes; without columns if the table is not known.
+TableInfo Made(const KnownTable& known) {
+    class NoTables : public Catalog {
+        const TableInfo* FindTable(QStringView) const override { return nullptr; }
+    };
+    if (known.statement.isEmpty())
+        return {};
+    TableInfo made =
+        sql::Translate(sql::Scan(known.statement), NoTables(), sql::Purpose::Execute).change.table;
+    for (const QString& column : known.emptyTexts)
+        made.At(made.Find(column)).allowZeroLength = true;
+    return made;
 }
 
-void AllowEmptyText(Database& target, const Table& table, const Column& column) {
-    if (IsText(column.type))
-        target.TableDefs(table.name).Fields(column.name).SetAllowZeroLength(true);
-}
-
-/// A table without a rule but the types of its columns.
-void MakePlainTable(Database& target, const Table& table) {
-    QStringList declarations;
+/// The columns that nobody knows, without a rule but their types.
+void AddFurtherColumns(TableInfo& made, const Table& table) {
+    const bool known = !made.columns.empty();
+    if (!known)
+        made.name = table.name;
     for (const Column& column : table.columns) {
-        if (column.type != DataType::Unknown)
-            declarations += Quoted(column.name) + u' ' + column.TypeText();
-    }
-    if (declarations.isEmpty())
-        return;
-    target.Execute(QStringLiteral("CREATE TABLE ") + Quoted(table.name) + QStringLiteral(" (") +
-                       declarations.join(QStringLiteral(", ")) + u')',
-                   dbFailOnError);
-    for (const Column& column : table.columns)
-        AllowEmptyText(target, table, column);
-}
-
-/// Columns that a user has added to a known table.
-void AddFurtherColumns(Database& target, const Table& table) {
-    const TableDef made = target.TableDefs(table.name);
-    QStringList known;
-    for (int i = 0; i < made.FieldsCount(); ++i)
-        known += made.Fields(i).Name();
-    for (Column added : table.columns) {
-        if (added.type == DataType::Unknown || HasName(known, added.name))
+        if (column.type == DataType::Unknown || made.Find(column.name) >= 0)
             continue;
-        if (added.type == DataType::Counter)
-            added.type = DataType::Long;
-        target.Execute(QStringLiteral("ALTER TABLE ") + Quoted(table.name) + QStringLiteral(" ADD COLUMN ") +
-                           Quoted(added.name) + u' ' + added.TypeText(),
-                       dbFailOnError);
-        AllowEmptyText(target, table, added);
+        ColumnInfo further{column, column.name};
+        further.allowZeroLength = IsText(column.type);
+        if (known && column.type == DataType::Counter)
+            further.type = DataType::Long;
+        made.columns.push_back(std::move(further));
     }
 }
 
@@ -103,6 +91,18 @@ QString FreeName(const QString& name, const QStringList& taken) {
     for (int place = 2; free != name && HasName(taken, free); ++place)
         free = form.left(longestName - longestPlace) + QStringLiteral("_%1").arg(place);
     return free;
+}
+
+/// Failure 3045 if another program has the database open: it holds a lock on the file, or on the file of
+/// users (`Book.ldb`) beside it. What it has not written yet would be missing in a copy. A file of users that
+/// nobody holds was left by a crash and says nothing.
+void CheckNotInUse(const QString& path) {
+    const QFileInfo file(path);
+    const QString users = file.dir().filePath(file.completeBaseName() + QStringLiteral(".ldb"));
+    for (const QString& held : {path, users, users.chopped(3) + QStringLiteral("LDB")}) {
+        if (runtime::FileMark::IsInUse(held))
+            RaiseEngine(FileInUse, path);
+    }
 }
 
 QString CheckedPath(const QString& path) {
@@ -130,6 +130,7 @@ Conversion::Conversion(const QString& path, Rules rules)
     CheckRows();
     GiveNames();
     m_report.notCopied = m_reader->OtherObjects();
+    CompleteTables();
 }
 
 void Conversion::CheckTables() const {
@@ -149,11 +150,11 @@ QString Conversion::KeptName() const {
 
 void Conversion::CheckRows() {
     for (Table& table : m_tables) {
-        const QString statement = m_rules.known(*m_reader, table).statement;
-        if (statement.isEmpty())
+        m_made.push_back(Made(m_rules.known(*m_reader, table)));
+        if (m_made.back().columns.empty())
             CheckUnknownRows(*m_reader, table);
         else
-            CheckKnownRows(*m_reader, table, statement, m_path);
+            CheckKnownRows(*m_reader, table, m_made.back(), m_path);
     }
 }
 
@@ -186,32 +187,17 @@ void Conversion::GiveNames() {
     }
 }
 
-void Conversion::MakeTable(Database& target, const Table& table) {
-    for (const Column& column : table.columns) {
-        if (column.type == DataType::Unknown)
-            m_report.notCopied += table.name + u'.' + column.name;
-    }
-    const KnownTable known = m_rules.known(*m_reader, table);
-    if (known.statement.isEmpty()) {
-        MakePlainTable(target, table);
-        if (table.indexCount > 0)
+/// Settles what is made of each table, and reports what is not copied.
+void Conversion::CompleteTables() {
+    for (std::size_t i = 0; i < m_tables.size(); ++i) {
+        const Table& table = m_tables[i];
+        if (m_made[i].columns.empty() && table.indexCount > 0)
             m_report.withoutIndexes += table.name;
-        return;
+        AddFurtherColumns(m_made[i], table);
+        for (const Column& column : table.columns)
+            if (column.type == DataType::Unknown)
+                m_report.notCopied += table.name + u'.' + column.name;
     }
-    target.Execute(known.statement, dbFailOnError);
-    for (const QString& column : known.emptyTexts)
-        target.TableDefs(table.name).Fields(column).SetAllowZeroLength(true);
-    AddFurtherColumns(target, table);
-}
-
-void Conversion::MakeTables(const QString& path) {
-    const auto workspace = DBEngine::CreateWorkspace(QStringLiteral("Conversion"), QString(), QString());
-    const auto target = workspace->CreateDatabase(path, QString::fromUtf16(dbLangGeneral));
-    workspace->BeginTrans();
-    for (const Table& table : m_tables)
-        MakeTable(*target, table);
-    workspace->CommitTrans();
-    workspace->Close();
 }
 
 Report Conversion::Run() {
@@ -220,15 +206,8 @@ Report Conversion::Run() {
 
 Report Conversion::Run(runtime::Disk& disk) {
     const TemporaryFile finished(QFileInfo(m_path).absolutePath());
-    try {
-        MakeTables(finished.Path());
-    } catch (const runtime::Failure& failure) {
-        // The user knows the book alone.
-        if (failure.number() == CannotOpenFile)
-            RaiseEngine(CannotOpenFile, m_path);
-        throw;
-    }
-    RowCopy(finished.Path(), *m_reader, m_path).CopyAll(m_tables);
+    WriteEmptyDatabase(finished.Path(), m_path);
+    RowCopy(finished.Path(), *m_reader, m_path).CopyAll(m_tables, m_made);
     RowCopy(finished.Path(), *m_reader, m_path).CompareAll(m_tables);
     QFile::setPermissions(finished.Path(), QFile::permissions(m_path) | QFile::WriteOwner);
     m_reader.reset();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/engine/dao/DBEngine.h"
 #include "platform/engine/jet4/Reader.h"
 #include "platform/engine/jet4/Replacement.h"
+#include "platform/engine/schema/Table.h"
 
 #include <QDateTime>
 #include <QString>
@@ -16,7 +16,7 @@ namespace engine::jet4 {
 /// How a table that the owner of the data knows is made in the new file.
 struct KnownTable {
     QString statement;      ///< CREATE TABLE; empty if the name is not known
-    QStringList emptyTexts; ///< columns that take the empty text
+    QStringList emptyTexts; ///< columns of it that take the empty text
 };
 
 /// What the owner of the data knows of it.
@@ -67,15 +67,15 @@ private:
     void CheckRows();
     void CheckUnchanged() const;
     void GiveNames();
-    void MakeTables(const QString& path);
-    void MakeTable(Database& target, const Table& table);
+    void CompleteTables();
 
     QString m_path; ///< with links resolved
     QDateTime m_changed;
     qint64 m_size = 0;
     std::optional<Reader> m_reader; ///< keeps the old file open
     Rules m_rules;
-    std::vector<Table> m_tables; ///< as the new file has them
+    std::vector<Table> m_tables;   ///< as the new file has them
+    std::vector<TableInfo> m_made; ///< for each of them, what is made
     Report m_report;
 };
 

@@ -6,90 +6,42 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace engine::jet4 {
 
 namespace {
 
-enum ColumnType : std::uint8_t {
-    YesNo = 1,
-    Byte = 2,
-    Short = 3,
-    Long = 4,
-    Money = 5,
-    Float = 6,
-    Double = 7,
-    Date = 8,
-    ShortBinary = 9,
-    Text = 10,
-    LongBinary = 11,
-    Memo = 12,
-    Guid = 15,
-    // Of these nothing but their places is known.
-    Decimal = 16,
-    Internal = 17,
+constexpr std::uint8_t shortBinary = 9;
+
+/// A column type of the file, the type that takes its values, and the bytes of a value; 0 where they are not
+/// always as many. Of those of an Unknown type nothing but their places is known.
+struct Form {
+    std::uint8_t code;
+    DataType type;
+    std::uint8_t size;
 };
+constexpr auto forms = std::to_array<Form>({
+    {1, DataType::Bit, 0},
+    {2, DataType::Byte, 1},
+    {3, DataType::Short, 2},
+    {4, DataType::Long, 4},
+    {5, DataType::Currency, 8},
+    {6, DataType::Single, 4},
+    {7, DataType::Double, 8},
+    {8, DataType::Date, 8},
+    {shortBinary, DataType::Binary, 0},
+    {10, DataType::Text, 0},
+    {11, DataType::Binary, 0},
+    {12, DataType::Memo, 0},
+    {15, DataType::Guid, 16},
+    {16, DataType::Unknown, 0},
+    {17, DataType::Unknown, 0},
+});
 
 constexpr std::uint8_t fixedFlag = 1;
 constexpr std::uint8_t counterFlag = 4;
-
-DataType TypeFor(std::uint8_t type, std::uint8_t flags) {
-    switch (type) {
-    case YesNo:
-        return DataType::Bit;
-    case Byte:
-        return DataType::Byte;
-    case Short:
-        return DataType::Short;
-    case Long:
-        return flags & counterFlag ? DataType::Counter : DataType::Long;
-    case Money:
-        return DataType::Currency;
-    case Float:
-        return DataType::Single;
-    case Double:
-        return DataType::Double;
-    case Date:
-        return DataType::Date;
-    case ShortBinary:
-    case LongBinary:
-        return DataType::Binary;
-    case Text:
-        return DataType::Text;
-    case Memo:
-        return DataType::Memo;
-    case Guid:
-        return DataType::Guid;
-    case Decimal:
-    case Internal:
-        return DataType::Unknown;
-    default:
-        throw Damage();
-    }
-}
-
-/// Bytes of a value whose type has one size; 0 for the others.
-std::uint32_t SizeOf(DataType type) {
-    switch (type) {
-    case DataType::Byte:
-        return 1;
-    case DataType::Short:
-        return 2;
-    case DataType::Long:
-    case DataType::Counter:
-    case DataType::Single:
-        return 4;
-    case DataType::Currency:
-    case DataType::Double:
-    case DataType::Date:
-        return 8;
-    case DataType::Guid:
-        return 16;
-    default:
-        return 0;
-    }
-}
 
 Value Finite(double number) {
     if (!std::isfinite(number))
@@ -146,19 +98,23 @@ Value TextValue(const Bytes& bytes, int size) {
 
 Column Reader::ReadColumn(const Bytes& definition) {
     Column column;
-    const std::uint8_t type = definition.U8(0);
     const std::uint8_t flags = definition.U8(15);
-    column.type = TypeFor(type, flags);
+    const auto form = std::ranges::find(forms, definition.U8(0), &Form::code);
+    if (form == forms.end())
+        throw Damage();
+    const bool counts = form->type == DataType::Long && (flags & counterFlag) != 0;
+    column.type = counts ? DataType::Counter : form->type;
+    column.valueSize = form->size;
     column.number = definition.U16(5);
     column.variable = definition.U16(7);
     column.fixed = flags & fixedFlag;
     column.offset = definition.U16(21);
     column.length = definition.U16(23);
-    if (type == Text)
+    if (column.type == DataType::Text)
         column.size = std::clamp(column.length / 2, 1, longestText);
-    else if (type == ShortBinary)
+    else if (form->code == shortBinary)
         column.size = column.length;
-    if (const std::uint32_t size = SizeOf(column.type); size > 0 && column.length != size)
+    if (column.valueSize > 0 && column.length != column.valueSize)
         throw Damage();
     return column;
 }
@@ -178,8 +134,8 @@ Value Reader::ReadValue(const Column& column, const RowParts& parts) const {
     if (column.type == DataType::Unknown || !parts.IsPresent(column))
         return {};
     const Bytes bytes = parts.Value(column);
-    if (const std::uint32_t size = SizeOf(column.type); size > 0)
-        return NumberValue(column.type, bytes.Whole(size));
+    if (column.valueSize > 0)
+        return NumberValue(column.type, bytes.Whole(column.valueSize));
     if (column.type == DataType::Text)
         return TextValue(bytes, column.size);
     if (column.size > 0)

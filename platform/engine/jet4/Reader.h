@@ -1,12 +1,13 @@
 #pragma once
 
-#include "platform/engine/jet4/RowRange.h"
+#include "platform/engine/jet4/Image.h"
 #include "platform/engine/schema/Types.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace engine::jet4 {
@@ -15,7 +16,8 @@ namespace engine::jet4 {
 /// lie in a row.
 struct Column : SizedType {
     QString name;
-    std::uint16_t number = 0; ///< its bit in the null mask
+    std::uint8_t valueSize = 0; ///< bytes of a value; 0 if they are not always as many
+    std::uint16_t number = 0;   ///< its bit in the null mask
     bool fixed = false;
     std::uint16_t offset = 0;   ///< of a fixed column, among the fixed data
     std::uint16_t length = 0;   ///< of a fixed column, bytes
@@ -61,18 +63,19 @@ public:
     /// Names of what is no table that can be read: queries, links to other files, tables of other programs.
     const QStringList& OtherObjects() const { return m_others; }
 
-    /// See RowRange; the table has to outlive it.
-    RowRange Rows(const Table& table) const { return {m_image, table}; }
+    /// Calls `visit` with the place of each row, every one exactly once, page by page; a moved row comes
+    /// where its pointer stands. Failure 3049 where the rows are not as many as the table says.
+    void ForEachPlace(const Table& table, const std::function<void(RowPlace)>& visit) const;
     /// The values of a row, one for each column; NULL for columns of an Unknown type. Failure 3049.
     void Read(const Table& table, RowPlace place, std::vector<Value>& values) const;
     /// Calls `visit` with the values of each row.
     template <class Visit>
     void ForEachRow(const Table& table, Visit visit) const {
         std::vector<Value> values;
-        for (const RowPlace place : Rows(table)) {
+        ForEachPlace(table, [&](RowPlace place) {
             Read(table, place, values);
             visit(values);
-        }
+        });
     }
 
 private:
@@ -85,6 +88,8 @@ private:
     void ReadCatalog();
     void AddObject(std::int64_t id, std::int64_t type, bool isSystem, const QString& name);
 
+    std::uint32_t RowsOn(const Table& table, std::uint32_t page) const;
+    RowPlace Follow(const Table& table, const Bytes& pointer) const;
     Value ReadValue(const Column& column, const RowParts& parts) const;
     QByteArray ReadLong(const Bytes& value) const;
 

@@ -2,7 +2,6 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Functions.h"
-#include "platform/engine/sql/Plan.h"
 
 #include <algorithm>
 
@@ -40,12 +39,7 @@ struct Rule {
     Distinct seen;
 };
 
-std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QString& path) {
-    class NoTables : public Catalog {
-        const TableInfo* FindTable(QStringView) const override { return nullptr; }
-    };
-    const TableInfo made =
-        sql::Translate(sql::Scan(statement), NoTables(), sql::Purpose::Execute).change.table;
+std::vector<Rule> RulesOf(const Table& table, const TableInfo& made, const QString& path) {
     std::vector<Rule> rules;
     for (const ColumnInfo& column : made.columns) {
         const int place = table.Find(column.name);
@@ -61,20 +55,19 @@ std::vector<Rule> RulesOf(const Table& table, const QString& statement, const QS
 }
 
 void CheckRange(const Value& value, const ColumnInfo& column, const Table& table, const QString& path) {
-    try {
-        functions::ToColumn(value, column.type, 0);
-    } catch (const runtime::Failure& failure) {
+    const auto* number = value.As<std::int64_t>();
+    const WholeRange range = RangeOf(column.type);
+    if (number && (*number < range.least || *number > range.greatest))
         throw runtime::Failure(
-            failure.number(),
-            failure.description() +
+            NumberOutOfRange,
+            EngineText(NumberOutOfRange) +
                 QStringLiteral(" Файл '%1', таблица '%2', поле '%3'.").arg(path, table.name, column.name));
-    }
 }
 
 } // namespace
 
-void CheckKnownRows(const Reader& reader, const Table& table, const QString& statement, const QString& path) {
-    std::vector<Rule> rules = RulesOf(table, statement, path);
+void CheckKnownRows(const Reader& reader, const Table& table, const TableInfo& made, const QString& path) {
+    std::vector<Rule> rules = RulesOf(table, made, path);
     reader.ForEachRow(table, [&](const std::vector<Value>& values) {
         for (Rule& rule : rules) {
             const Value& value = values[rule.place];

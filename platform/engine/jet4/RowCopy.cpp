@@ -3,6 +3,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/FileCatalog.h"
 #include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/SchemaEditor.h"
 
 #include <utility>
 
@@ -67,11 +68,21 @@ RowCopy::RowCopy(const QString& file, const Reader& reader, QString path)
              Doing::Copy);
 }
 
-void RowCopy::CopyAll(const std::vector<Table>& tables) {
+void RowCopy::CopyAll(const std::vector<Table>& tables, const std::vector<TableInfo>& made) {
     m_db.Run("BEGIN", Doing::Copy);
+    for (const TableInfo& table : made)
+        if (!table.columns.empty())
+            Make(table);
     for (const Table& table : tables)
         Copy(table);
     m_db.Run("COMMIT", Doing::Copy);
+}
+
+void RowCopy::Make(const TableInfo& table) {
+    const FileCatalog catalog(m_db);
+    Counters counters(m_db);
+    bool rulesAreOff = false; // they are for all of this file
+    SchemaEditor(m_db, catalog, counters, rulesAreOff).Apply({.table = table});
 }
 
 void RowCopy::CompareAll(const std::vector<Table>& tables) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/engine/jet4/Reader.h"
+#include "platform/engine/schema/Table.h"
 #include "platform/engine/store/Statement.h"
 
 namespace engine::jet4 {
@@ -14,12 +15,13 @@ public:
     /// them.
     RowCopy(const QString& file, const Reader& reader, QString path);
 
-    /// The tables as the new file has them. Failure 3026 on a full disk.
-    void CopyAll(const std::vector<Table>& tables);
+    /// Makes the tables, as `made` has them, and copies their rows. Failure 3026 on a full disk.
+    void CopyAll(const std::vector<Table>& tables, const std::vector<TableInfo>& made);
     /// Reads every row back; failure 3043 if one differs from what was read of the old file.
     void CompareAll(const std::vector<Table>& tables);
 
 private:
+    void Make(const TableInfo& table);
     void Copy(const Table& table);
     void Compare(const Table& table);
 

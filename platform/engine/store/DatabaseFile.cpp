@@ -148,6 +148,10 @@ bool JournalNamesAFile(const QString& journal) {
     return sum == withSign || sum == without;
 }
 
+void WriteEmptyDatabase(const QString& file, const QString& path) {
+    CheckDisk(runtime::Disk::Current().Write(file, EmptyImage()), path);
+}
+
 QString TemporaryName(const QString& folder) {
     const quint64 number = QRandomGenerator::global()->generate64();
     return QDir(folder).filePath(
@@ -193,7 +197,7 @@ NewFile::NewFile(QString path, std::shared_ptr<const runtime::OldFile> old)
     const QString folder = runtime::FolderOf(m_name);
     RemoveStale(QDir(folder));
     m_file = TemporaryName(folder);
-    CheckDisk(runtime::Disk::Current().Write(m_file, EmptyImage()), m_path);
+    WriteEmptyDatabase(m_file, m_path);
     m_identity = runtime::IdentityOf(m_file).value_or(runtime::FileIdentity());
 }
 

@@ -60,6 +60,9 @@ private:
     runtime::FileIdentity m_identity;
 };
 
+/// Makes a file that is an empty database of ours. Failures 3051, 3026, 3043 tell of `path`.
+void WriteEmptyDatabase(const QString& file, const QString& path);
+
 /// A new name for a file that is to be made in the folder before it bears its own; hidden, so that no dialog
 /// offers what a crash may leave.
 QString TemporaryName(const QString& folder);

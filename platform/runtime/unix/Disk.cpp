@@ -142,4 +142,10 @@ bool FileMark::IsLocked(const QString& path) {
     return file && IsLockedIn(*file, 0, 0);
 }
 
+bool FileMark::IsInUse(const QString& path) {
+    const Descriptor file(path, O_RDONLY);
+    return file &&
+           (IsLockedIn(*file, 0, 0) || (::flock(*file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK));
+}
+
 } // namespace runtime

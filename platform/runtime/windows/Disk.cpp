@@ -139,4 +139,10 @@ bool FileMark::IsLocked(const QString& path) {
     return IsLockedIn(*file, 0, MAXDWORD, MAXDWORD >> 1);
 }
 
+bool FileMark::IsInUse(const QString& path) {
+    constexpr DWORD alone = 0;
+    const Handle file(path, GENERIC_READ, alone);
+    return !file && (::GetLastError() == ERROR_SHARING_VIOLATION || ::GetLastError() == ERROR_LOCK_VIOLATION);
+}
+
 } // namespace runtime

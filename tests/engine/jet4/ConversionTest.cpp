@@ -1,6 +1,7 @@
 #include "platform/engine/jet4/Conversion.h"
 
 #include "platform/engine/EngineError.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "tests/engine/jet4/OldFiles.h"
 #include "tests/support/TestBook.h"
 

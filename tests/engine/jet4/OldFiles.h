@@ -57,11 +57,12 @@ public:
     }
     /// The first byte of a table's row, by its place in the file.
     qsizetype Row(const char16_t* table, int place) const {
-        for (const auto row : m_sound.Rows(Table(table))) {
+        qsizetype found = -1;
+        m_sound.ForEachPlace(Table(table), [&](engine::jet4::RowPlace row) {
             if (place-- == 0)
-                return RowAt(row.page, row.row);
-        }
-        throw std::out_of_range("row");
+                found = RowAt(row.page, row.row);
+        });
+        return found >= 0 ? found : throw std::out_of_range("row");
     }
     /// The table's row in the catalog.
     qsizetype CatalogRow(const char16_t* table) const {

@@ -2,7 +2,6 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/jet4/RowCheck.h"
-#include "platform/engine/jet4/RowCopy.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/sql/Plan.h"
 #include "platform/engine/store/DatabaseFile.h"
@@ -12,7 +11,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <filesystem>
 #include <system_error>
 
 namespace engine::jet4 {
@@ -110,9 +108,7 @@ QString CheckedPath(const QString& path) {
     CheckNotInUse(resolved);
     std::error_code error;
     const QString kept = FreeKeptName(resolved);
-    const bool stands =
-        std::filesystem::exists(std::filesystem::symlink_status(kept.toStdU16String(), error));
-    if (!stands && error == std::errc::filename_too_long)
+    if (!runtime::Stands(kept, error) && error == std::errc::filename_too_long)
         RaiseEngine(InvalidPath, kept);
     return resolved;
 }
@@ -124,13 +120,12 @@ Conversion::Conversion(const QString& path, Rules rules)
     , m_changed(QFileInfo(m_path).lastModified())
     , m_size(QFileInfo(m_path).size())
     , m_reader(m_path)
-    , m_rules(std::move(rules))
-    , m_tables(m_reader->Tables()) {
+    , m_rules(std::move(rules)) {
     CheckTables();
-    CheckRows();
+    for (const Table& table : m_reader->Tables())
+        m_tables.push_back({table, {}});
     GiveNames();
-    m_report.notCopied = m_reader->OtherObjects();
-    CompleteTables();
+    PlanTables();
 }
 
 void Conversion::CheckTables() const {
@@ -148,16 +143,6 @@ QString Conversion::KeptName() const {
     return QFileInfo(FreeKeptName(m_path)).fileName();
 }
 
-void Conversion::CheckRows() {
-    for (Table& table : m_tables) {
-        m_made.push_back(Made(m_rules.known(*m_reader, table)));
-        if (m_made.back().columns.empty())
-            CheckUnknownRows(*m_reader, table);
-        else
-            CheckKnownRows(*m_reader, table, m_made.back(), m_path);
-    }
-}
-
 void Conversion::CheckUnchanged() const {
     const QFileInfo file(m_path);
     if (file.lastModified() != m_changed || file.size() != m_size)
@@ -168,9 +153,9 @@ void Conversion::CheckUnchanged() const {
 /// Names that the new file cannot take give way to others.
 void Conversion::GiveNames() {
     QStringList tables;
-    for (const Table& table : m_tables)
+    for (const Table& table : m_reader->Tables())
         tables += table.name;
-    for (Table& table : m_tables) {
+    for (auto& [table, made] : m_tables) {
         QStringList columns;
         for (const Column& column : table.columns)
             columns += column.name;
@@ -187,13 +172,19 @@ void Conversion::GiveNames() {
     }
 }
 
-/// Settles what is made of each table, and reports what is not copied.
-void Conversion::CompleteTables() {
-    for (std::size_t i = 0; i < m_tables.size(); ++i) {
-        const Table& table = m_tables[i];
-        if (m_made[i].columns.empty() && table.indexCount > 0)
-            m_report.withoutIndexes += table.name;
-        AddFurtherColumns(m_made[i], table);
+/// Checks the rows, settles what is made of each table, and reports what is not copied.
+void Conversion::PlanTables() {
+    m_report.notCopied = m_reader->OtherObjects();
+    for (auto& [table, made] : m_tables) {
+        made = Made(m_rules.known(*m_reader, table));
+        if (!made.columns.empty()) {
+            CheckKnownRows(*m_reader, table, made, m_path);
+        } else {
+            CheckUnknownRows(*m_reader, table);
+            if (table.indexCount > 0)
+                m_report.withoutIndexes += table.name;
+        }
+        AddFurtherColumns(made, table);
         for (const Column& column : table.columns)
             if (column.type == DataType::Unknown)
                 m_report.notCopied += table.name + u'.' + column.name;
@@ -207,7 +198,7 @@ Report Conversion::Run() {
 Report Conversion::Run(runtime::Disk& disk) {
     const TemporaryFile finished(QFileInfo(m_path).absolutePath());
     WriteEmptyDatabase(finished.Path(), m_path);
-    RowCopy(finished.Path(), *m_reader, m_path).CopyAll(m_tables, m_made);
+    RowCopy(finished.Path(), *m_reader, m_path).CopyAll(m_tables);
     RowCopy(finished.Path(), *m_reader, m_path).CompareAll(m_tables);
     QFile::setPermissions(finished.Path(), QFile::permissions(m_path) | QFile::WriteOwner);
     m_reader.reset();

@@ -2,7 +2,7 @@
 
 #include "platform/engine/jet4/Reader.h"
 #include "platform/engine/jet4/Replacement.h"
-#include "platform/engine/schema/Table.h"
+#include "platform/engine/jet4/RowCopy.h"
 
 #include <QDateTime>
 #include <QString>
@@ -64,18 +64,16 @@ public:
 
 private:
     void CheckTables() const;
-    void CheckRows();
-    void CheckUnchanged() const;
     void GiveNames();
-    void CompleteTables();
+    void PlanTables();
+    void CheckUnchanged() const;
 
     QString m_path; ///< with links resolved
     QDateTime m_changed;
     qint64 m_size = 0;
     std::optional<Reader> m_reader; ///< keeps the old file open
     Rules m_rules;
-    std::vector<Table> m_tables;   ///< as the new file has them
-    std::vector<TableInfo> m_made; ///< for each of them, what is made
+    std::vector<CopiedTable> m_tables;
     Report m_report;
 };
 

@@ -44,9 +44,7 @@ enum ObjectType : std::int64_t {
 };
 
 bool IsSoundName(const QString& name) {
-    return !name.isEmpty() && name.size() <= longestName &&
-           std::none_of(name.begin(), name.end(),
-                        [](QChar sign) { return sign < u' ' || QStringView(u".![]`").contains(sign); });
+    return !name.isEmpty() && IsValidName(name);
 }
 
 std::unique_ptr<QIODevice> OpenFile(const QString& path) {

@@ -2,34 +2,28 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/store/DatabaseFile.h"
+#include "platform/runtime/FileIdentity.h"
 
 #include <QDir>
 #include <QFileInfo>
-
-#include <filesystem>
 
 namespace engine::jet4 {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 using runtime::FolderOf;
 using runtime::Stands;
 
-fs::path FilePath(const QString& path) {
-    return {path.toStdU16String()};
-}
-
-bool IsSameFile(const QString& a, const QString& b) {
-    std::error_code error;
-    return fs::equivalent(FilePath(a), FilePath(b), error) && !error;
+/// Whether `name` is one more name of the file; a symbolic link is none.
+bool IsSecondName(const QString& path, const QString& name) {
+    const auto file = runtime::IdentityOf(path);
+    return file && file == runtime::IdentityOf(name) && !QFileInfo(name).isSymLink();
 }
 
 /// Gives the old file its second name; tells whether its first one is gone with that. By a link the file
 /// never lacks its first name; where the file system knows no links it is renamed.
 bool GiveSecondName(runtime::Disk& disk, const QString& path, const QString& kept) {
-    if (Stands(kept) && IsSameFile(path, kept))
+    if (IsSecondName(path, kept))
         return false;
     const std::error_code linked = disk.Link(path, kept);
     if (!linked)
@@ -53,7 +47,7 @@ QString KeptName(const QString& path, int place) {
 QString FreeKeptName(const QString& path) {
     for (int place = 1;; ++place) {
         QString name = KeptName(path, place);
-        if (!Stands(name) || IsSameFile(path, name))
+        if (!Stands(name) || IsSecondName(path, name))
             return name;
     }
 }

@@ -9,28 +9,23 @@ namespace engine::jet4 {
 
 namespace {
 
-/// Remembers values and tells whether one came twice. Of a text 64 bits are remembered, which is as good as
-/// all of it.
+/// Remembers texts or whole numbers and tells whether one came twice. Of a text 64 bits are remembered, which
+/// is as good as all of it.
 class Distinct {
 public:
     void Add(const Value& value) {
         if (const auto* text = value.As<QString>())
-            m_texts.push_back(qHash(functions::Fold(*text)));
+            m_seen.push_back(qHash(functions::Fold(*text)));
         else if (const auto* number = value.As<std::int64_t>())
-            m_numbers.push_back(static_cast<std::int32_t>(*number));
+            m_seen.push_back(static_cast<std::size_t>(*number));
     }
-    bool Repeats() { return Repeats(m_texts) || Repeats(m_numbers); }
+    bool Repeats() {
+        std::ranges::sort(m_seen);
+        return std::ranges::adjacent_find(m_seen) != m_seen.end();
+    }
 
 private:
-    template <class Element>
-    static bool Repeats(std::vector<Element>& seen) {
-        if (!std::is_sorted(seen.begin(), seen.end()))
-            std::sort(seen.begin(), seen.end());
-        return std::adjacent_find(seen.begin(), seen.end()) != seen.end();
-    }
-
-    std::vector<std::size_t> m_texts;
-    std::vector<std::int32_t> m_numbers;
+    std::vector<std::size_t> m_seen;
 };
 
 struct Rule {
@@ -79,13 +74,12 @@ void CheckKnownRows(const Reader& reader, const Table& table, const TableInfo& m
                 rule.seen.Add(value);
         }
     });
-    if (std::any_of(rules.begin(), rules.end(), [](Rule& rule) { return rule.seen.Repeats(); }))
+    if (std::ranges::any_of(rules, &Distinct::Repeats, &Rule::seen))
         RaiseEngine(CannotOpenDatabase, path);
 }
 
 void CheckUnknownRows(const Reader& reader, Table& table) {
-    const auto counter = std::find_if(table.columns.begin(), table.columns.end(),
-                                      [](const Column& column) { return column.type == DataType::Counter; });
+    const auto counter = std::ranges::find(table.columns, DataType::Counter, &Column::type);
     const auto place = static_cast<std::size_t>(counter - table.columns.begin());
     Distinct seen;
     bool lacks = false;
@@ -95,11 +89,9 @@ void CheckUnknownRows(const Reader& reader, Table& table) {
         lacks = lacks || values[place].IsNull();
         seen.Add(values[place]);
     });
-    const bool isSound = !lacks && !seen.Repeats();
-    for (auto column = counter; column != table.columns.end(); ++column) {
-        if (column->type == DataType::Counter && !(column == counter && isSound))
+    for (auto column = counter; column != table.columns.end(); ++column)
+        if (column->type == DataType::Counter && (column != counter || lacks || seen.Repeats()))
             column->type = DataType::Long;
-    }
 }
 
 } // namespace engine::jet4

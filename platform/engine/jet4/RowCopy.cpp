@@ -11,27 +11,24 @@ namespace engine::jet4 {
 
 namespace {
 
-/// The columns of a table that the new file has, with their places in a row that is read.
+/// The columns that the new file has, with their places in a row that is read.
 struct CopiedColumns {
     QStringList names; ///< in quotes
     std::vector<std::size_t> places;
     int rowNumber = -1; ///< which of them SQLite keeps as the row number
 };
 
-/// Raises 3043 if the new file lacks one.
-CopiedColumns ColumnsOf(const Table& table, const FileCatalog& catalog) {
-    const TableInfo* info = catalog.FindTable(table.name);
+CopiedColumns ColumnsOf(const CopiedTable& table) {
+    const int rowNumber = table.made.RowNumberColumn();
     CopiedColumns columns;
-    for (std::size_t place = 0; place < table.columns.size(); ++place) {
-        const Column& column = table.columns[place];
-        if (column.type == DataType::Unknown)
-            continue;
-        const int target = info ? info->Find(column.name) : -1;
+    for (std::size_t place = 0; place < table.source.columns.size(); ++place) {
+        const QString& name = table.source.columns[place].name;
+        const int target = table.made.Find(name);
         if (target < 0)
-            RaiseEngine(DiskOrNetworkFailure);
-        if (target == info->RowNumberColumn())
+            continue;
+        if (target == rowNumber)
             columns.rowNumber = static_cast<int>(columns.places.size());
-        columns.names += QuoteName(column.name);
+        columns.names += QuoteName(name);
         columns.places.push_back(place);
     }
     return columns;
@@ -48,11 +45,10 @@ qsizetype BytesIn(const std::vector<Value>& values) {
     return bytes;
 }
 
-QString InsertText(const Table& table, const CopiedColumns& columns, std::size_t rows) {
+QString InsertText(const QString& table, const CopiedColumns& columns, std::size_t rows) {
     const QStringList parameters(columns.names.size(), QStringLiteral("?"));
     const QStringList values(static_cast<qsizetype>(rows), u'(' + parameters.join(u',') + u')');
-    return QStringLiteral("INSERT INTO %1 (%2) VALUES ")
-               .arg(QuoteName(table.name), columns.names.join(u',')) +
+    return QStringLiteral("INSERT INTO %1 (%2) VALUES ").arg(QuoteName(table), columns.names.join(u',')) +
            values.join(u',');
 }
 
@@ -68,12 +64,9 @@ RowCopy::RowCopy(const QString& file, const Reader& reader, QString path)
              Doing::Copy);
 }
 
-void RowCopy::CopyAll(const std::vector<Table>& tables, const std::vector<TableInfo>& made) {
+void RowCopy::CopyAll(const std::vector<CopiedTable>& tables) {
     m_db.Run("BEGIN", Doing::Copy);
-    for (const TableInfo& table : made)
-        if (!table.columns.empty())
-            Make(table);
-    for (const Table& table : tables)
+    for (const CopiedTable& table : tables)
         Copy(table);
     m_db.Run("COMMIT", Doing::Copy);
 }
@@ -85,16 +78,17 @@ void RowCopy::Make(const TableInfo& table) {
     SchemaEditor(m_db, catalog, counters, rulesAreOff).Apply({.table = table});
 }
 
-void RowCopy::CompareAll(const std::vector<Table>& tables) {
-    for (const Table& table : tables)
+void RowCopy::CompareAll(const std::vector<CopiedTable>& tables) {
+    for (const CopiedTable& table : tables)
         Compare(table);
 }
 
 // Many rows go into one statement: what SQLite does once for each statement weighs as much as a row.
-void RowCopy::Copy(const Table& table) {
-    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db));
+void RowCopy::Copy(const CopiedTable& table) {
+    const CopiedColumns columns = ColumnsOf(table);
     if (columns.places.empty())
         return;
+    Make(table.made);
     constexpr std::size_t mostRows = 50;
     constexpr qsizetype mostBytes = 1 << 20;
     std::vector<std::vector<Value>> rows;
@@ -103,7 +97,7 @@ void RowCopy::Copy(const Table& table) {
     std::size_t prepared = 0;
     const auto write = [&] {
         if (rows.size() != std::exchange(prepared, rows.size()))
-            insert = Statement(m_db, InsertText(table, columns, rows.size()), Doing::Copy, {},
+            insert = Statement(m_db, InsertText(table.made.name, columns, rows.size()), Doing::Copy, {},
                                Statement::Lifetime::Kept);
         int parameter = 0;
         for (const std::vector<Value>& values : rows) {
@@ -115,7 +109,7 @@ void RowCopy::Copy(const Table& table) {
         rows.clear();
         bytes = 0;
     };
-    m_reader.ForEachRow(table, [&](std::vector<Value>& values) {
+    m_reader.ForEachRow(table.source, [&](std::vector<Value>& values) {
         bytes += BytesIn(values);
         rows.push_back(std::move(values));
         if (rows.size() == mostRows || bytes > mostBytes)
@@ -126,20 +120,20 @@ void RowCopy::Copy(const Table& table) {
 }
 
 // Rows with a key are looked up by it; the others stand in the order in which they were written.
-void RowCopy::Compare(const Table& table) {
-    const CopiedColumns columns = ColumnsOf(table, FileCatalog(m_db));
+void RowCopy::Compare(const CopiedTable& table) {
+    const CopiedColumns columns = ColumnsOf(table);
     if (columns.places.empty())
         return;
     const bool keyed = columns.rowNumber >= 0;
     const auto key = static_cast<std::size_t>(columns.rowNumber);
-    const QString name = QuoteName(table.name);
+    const QString name = QuoteName(table.made.name);
     Statement found(m_db,
                     QStringLiteral("SELECT %1 FROM %2 ").arg(columns.names.join(u','), name) +
                         (keyed ? QStringLiteral("WHERE %1 = ?").arg(columns.names[columns.rowNumber])
                                : QStringLiteral("NOT INDEXED")),
                     Doing::Copy, {}, Statement::Lifetime::Kept);
     std::int64_t count = 0;
-    m_reader.ForEachRow(table, [&](const std::vector<Value>& values) {
+    m_reader.ForEachRow(table.source, [&](const std::vector<Value>& values) {
         ++count;
         if (keyed) {
             found.Reset();

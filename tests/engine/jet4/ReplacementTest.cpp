@@ -96,11 +96,12 @@ TEST_F(Replacement, TakesTheFirstFreeName) {
     Write(Kept(), "somebody's");
     QDir().mkdir(Kept("Книга.jet4-2.mdb"));
     ASSERT_TRUE(QFile::link(QStringLiteral("/nowhere"), Kept("Книга.jet4-3.mdb")));
-    EXPECT_EQ(FreeKeptName(Book()), Kept("Книга.jet4-4.mdb"));
+    ASSERT_TRUE(QFile::link(Book(), Kept("Книга.jet4-4.mdb")));
+    EXPECT_EQ(FreeKeptName(Book()), Kept("Книга.jet4-5.mdb"));
     Disk disk;
-    EXPECT_EQ(ReplaceKeeping(disk, Finished(), Book()), Kept("Книга.jet4-4.mdb"));
+    EXPECT_EQ(ReplaceKeeping(disk, Finished(), Book()), Kept("Книга.jet4-5.mdb"));
     EXPECT_EQ(Content(Kept()), "somebody's");
-    EXPECT_EQ(Content(Kept("Книга.jet4-4.mdb")), "old");
+    EXPECT_EQ(Content(Kept("Книга.jet4-5.mdb")), "old");
 
     EXPECT_EQ(engine::jet4::KeptName(QStringLiteral("/a/b.c.mdb"), 1), QStringLiteral("/a/b.c.jet4.mdb"));
     EXPECT_EQ(engine::jet4::KeptName(QStringLiteral("/a/book"), 2), QStringLiteral("/a/book.jet4-2"));

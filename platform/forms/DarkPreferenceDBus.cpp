@@ -47,6 +47,7 @@ public:
         , m_tell(std::move(tell)) {
         if (!m_bus.isConnected())
             return;
+        qRegisterMetaType<QDBusVariant>(); // else no slot is found that takes one
         m_bus.connect(Service(), Path(), Interface(), QStringLiteral("SettingChanged"), this,
                       SLOT(SettingChanged(QString, QString, QDBusVariant)));
         Read();

@@ -56,6 +56,9 @@ void RowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelInde
     QStyledItemDelegate::initStyleOption(option, index);
     // A row is one line high: all its texts stand on the same one.
     option->displayAlignment = (option->displayAlignment & Qt::AlignHorizontal_Mask) | Qt::AlignVCenter;
+    // Some styles write pale what does not have the keyboard, also in the window in front.
+    option->palette.setColor(QPalette::Inactive, QPalette::Text,
+                             option->palette.color(QPalette::Active, QPalette::Text));
     if (option->state.testFlag(QStyle::State_Selected) && option->widget && !HasKeyboard(*option->widget))
         MakePale(option->palette);
 }

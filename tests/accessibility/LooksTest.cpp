@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMdiSubWindow>
 #include <QProxyStyle>
 #include <QStyleFactory>
@@ -122,6 +123,9 @@ protected:
         Choose("mnuRecordsEdit");
         const auto card = Last("frmEditRecords");
         EXPECT_EQ(TextFaults(*card->Surface()), QStringList());
+        auto& types = Control<QListWidget>(card, "lstTelefonType");
+        for (int row = 0; row < 2; ++row) // selected and not, without the keyboard
+            EXPECT_GE(MarkOn(*types.viewport(), types.visualItemRect(types.item(row))), Readable);
         if (IsOwnStyle()) {
             EXPECT_GE(SignsOf(FrameOf(card)), Visible) << "on the title bar in front";
             EXPECT_GE(SignsOf(FrameOf(list)), Visible) << "on the one behind";

@@ -40,7 +40,9 @@ protected:
 FileWindow::FileWindow(QWidget* owner, bool save, int flags)
     : QFileDialog(owner, save ? QStringLiteral("Сохранить как") : QStringLiteral("Открыть"))
     , m_flags(flags) {
-    // The toolkit's own dialog: the system's might ask about overwriting, or speak another language.
+    // The toolkit's own dialog: the system's, also through a portal, asks about overwriting before the
+    // callers do, tells the name only when it has closed, behind which a refused one cannot be mended, and
+    // may speak another language.
     setOption(DontUseNativeDialog);
     setOption(DontConfirmOverwrite);
     setAcceptMode(save ? AcceptSave : AcceptOpen);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+using namespace Qt::StringLiterals;
+
 namespace engine {
 
 namespace {
@@ -130,22 +132,7 @@ QString EngineText(int number, const QString& first, const QString& second) {
     if (entry == entries.end() || entry->number != number)
         return runtime::RuntimeText(number);
     // Not QString::arg: a name may itself hold a place mark, and a text without marks is no mistake.
-    const QString pattern = QString::fromUtf16(entry->text);
-    QString text;
-    text.reserve(pattern.size() + first.size() + second.size());
-    for (qsizetype at = 0; at < pattern.size(); ++at) {
-        const bool mark = pattern[at] == u'%' && at + 1 < pattern.size();
-        if (mark && pattern[at + 1] == u'1') {
-            text += first;
-            ++at;
-        } else if (mark && pattern[at + 1] == u'2') {
-            text += second;
-            ++at;
-        } else {
-            text += pattern[at];
-        }
-    }
-    return text;
+    return QString::fromUtf16(entry->text).split(u"%1"_s).replaceInStrings(u"%2"_s, second).join(first);
 }
 
 void RaiseEngine(int number, const QString& first, const QString& second) {

@@ -30,17 +30,14 @@ bool Value::IsFilled() const {
 }
 
 bool Value::IsNumeric() const {
-    if (const auto* text = std::get_if<QString>(&m_data)) {
-        try {
-            runtime::TextToNumber(*text);
-            return true;
-        } catch (const runtime::Failure&) {
-            return false;
-        }
+    if (As<QDateTime>())
+        return false;
+    try {
+        Number();
+        return true;
+    } catch (const runtime::Failure&) {
+        return false;
     }
-    return std::holds_alternative<std::int64_t>(m_data) || std::holds_alternative<double>(m_data) ||
-           std::holds_alternative<float>(m_data) || std::holds_alternative<engine::Money>(m_data) ||
-           std::holds_alternative<bool>(m_data);
 }
 
 QString Value::Text() const {

@@ -140,6 +140,10 @@ QDateTime DateSerial(Part year, Part month, Part day) {
     return AtMidnight(QDate(static_cast<int>(years), static_cast<int>(ofYear), 1).addDays(day.number - 1));
 }
 
+QString MonthNameOf(Within<1, 12> month, std::optional<double> abbreviated) {
+    return runtime::MonthName(month, abbreviated.value_or(0) != 0);
+}
+
 QString WeekdayNameOf(const Value& place, const std::optional<Value>& abbreviated,
                       const std::optional<Value>& firstDay) {
     const std::int32_t day = place.Long();
@@ -181,10 +185,7 @@ constexpr auto functions = std::to_array<ScalarFunction>({
     {"TIMEVALUE", Date, Nulls::Refused, [](Moment moment) { return OnDayZero(moment.time()); }, Vary},
     {"CDATE", Date, Nulls::Refused, [](Moment moment) { return moment; }, Vary},
     {"CVDATE", Date, Nulls::First, [](Moment moment) { return moment; }, Vary},
-    {"MONTHNAME", Text, Nulls::Taken,
-     [](Within<1, 12> month,
-        std::optional<double>
-            abbreviated) { return runtime::MonthName(month, abbreviated.value_or(0) != 0); }},
+    {"MONTHNAME", Text, Nulls::Taken, Of<MonthNameOf>},
     {"WEEKDAYNAME", Text, Nulls::Taken, Of<WeekdayNameOf>},
 });
 

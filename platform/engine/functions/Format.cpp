@@ -14,13 +14,8 @@ namespace engine::functions {
 
 namespace {
 
-/// A picture that has a name.
-struct NamedPicture {
-    QStringView name;
-    QStringView picture;
-};
-
-constexpr std::array<NamedPicture, 16> namedPictures{{
+/// By their names.
+constexpr std::array<std::pair<QStringView, QStringView>, 16> namedPictures{{
     {u"Currency", u"#,##0.00\u00A0\\\u20BD"},
     {u"Fixed", u"0.00"},
     {u"Standard", u"#,##0.00"},
@@ -40,10 +35,9 @@ constexpr std::array<NamedPicture, 16> namedPictures{{
 }};
 
 QStringView Unnamed(QStringView picture) {
-    for (const NamedPicture& named : namedPictures) {
-        if (named.name.compare(picture, Qt::CaseInsensitive) == 0)
-            return named.picture;
-    }
+    for (const auto& [name, named] : namedPictures)
+        if (name.compare(picture, Qt::CaseInsensitive) == 0)
+            return named;
     return picture;
 }
 

@@ -12,6 +12,11 @@ namespace {
 constexpr QChar decimalComma = u',';
 constexpr QChar thousandsSign = u'\u00A0';
 
+void ChopZeros(QByteArray& digits, int forced) {
+    while (digits.size() > forced && digits.endsWith('0'))
+        digits.chop(1);
+}
+
 /// The digits that a number is shown by, without its sign: 0.digits times ten to the power of `point`.
 class Decimal {
 public:
@@ -23,16 +28,13 @@ public:
             // A whole number of ten-thousandths.
             m_digits = QByteArray::number(qlonglong{amount->units}).replace("-", "");
             m_point = static_cast<int>(m_digits.size()) - 4;
-            while (m_digits.endsWith('0'))
-                m_digits.chop(1);
-            return;
+        } else {
+            const QByteArray text = QByteArray::number(std::abs(number), 'e', value.As<float>() ? 6 : 14);
+            const qsizetype exponent = text.indexOf('e');
+            m_digits = text.first(exponent).replace(".", "");
+            m_point = text.sliced(exponent + 1).toInt() + 1;
         }
-        const QByteArray text = QByteArray::number(std::abs(number), 'e', value.As<float>() ? 6 : 14);
-        const qsizetype exponent = text.indexOf('e');
-        m_digits = text.first(exponent).replace(".", "");
-        while (m_digits.endsWith('0'))
-            m_digits.chop(1);
-        m_point = text.sliced(exponent + 1).toInt() + 1;
+        ChopZeros(m_digits, 0);
     }
 
     bool IsZero() const { return m_digits.isEmpty(); }
@@ -46,7 +48,7 @@ public:
             return;
         const bool up = keep >= 0 && m_digits[keep] >= '5';
         m_digits.truncate(std::max(keep, 0));
-        while (up && !m_digits.isEmpty() && m_digits.endsWith('9'))
+        while (up && m_digits.endsWith('9'))
             m_digits.chop(1);
         if (up && m_digits.isEmpty()) {
             m_digits = "1";
@@ -54,14 +56,11 @@ public:
         } else if (up) {
             m_digits.back() = static_cast<char>(m_digits.back() + 1);
         }
-        while (m_digits.endsWith('0'))
-            m_digits.chop(1);
+        ChopZeros(m_digits, 0);
     }
 
     QByteArray Whole() const {
-        return IsZero() || m_point <= 0 ? QByteArray()
-                                        : m_digits.first(std::min<qsizetype>(m_point, m_digits.size()))
-                                              .leftJustified(m_point, '0');
+        return IsZero() || m_point <= 0 ? QByteArray() : m_digits.leftJustified(m_point, '0', true);
     }
 
     QByteArray Fraction(int decimals) const {
@@ -87,7 +86,6 @@ public:
         : m_section(section) {
         for (std::size_t i = 0; i < section.size(); ++i)
             Take(i);
-        m_decimalsForced = std::min(m_decimalsForced, m_decimals);
     }
 
     bool HasDigits() const { return m_wholes + m_decimals > 0; }
@@ -95,21 +93,19 @@ public:
     QString Write(const Value& number) {
         Decimal decimal(number);
         decimal.Shift(2 * m_percents - 3 * m_scales);
-        if (m_exponentAt < m_section.size())
-            m_exponent = decimal.IsZero() ? 0 : decimal.Point() - m_wholes;
+        const bool hasExponent = m_exponentAt < m_section.size() && !decimal.IsZero();
+        if (hasExponent)
+            m_exponent = decimal.Point() - m_wholes;
         decimal.Shift(-m_exponent);
         decimal.RoundTo(m_decimals);
-        if (m_exponentAt < m_section.size() && decimal.Point() > m_wholes && !decimal.IsZero()) {
+        if (hasExponent && decimal.Point() > m_wholes) {
             decimal.Shift(-1); // rounding has made one digit more
             ++m_exponent;
         }
         m_isZero = decimal.IsZero();
-        m_whole = decimal.Whole();
-        m_whole = m_whole.rightJustified(std::max<qsizetype>(m_whole.size(), m_wholesForced), '0');
+        m_whole = decimal.Whole().rightJustified(m_wholesForced, '0');
         m_fraction = decimal.Fraction(m_decimals);
-        m_fractionShown = m_fraction.size();
-        while (m_fractionShown > m_decimalsForced && m_fraction[m_fractionShown - 1] == '0')
-            --m_fractionShown;
+        ChopZeros(m_fraction, m_decimalsForced);
         for (std::size_t i = 0; i < m_section.size(); ++i)
             i = WriteSign(i);
         return m_text;
@@ -182,7 +178,7 @@ private:
     void WriteDigit() {
         const int digit = m_written++;
         if (digit >= m_wholes) {
-            if (digit - m_wholes < m_fractionShown)
+            if (digit - m_wholes < m_fraction.size())
                 m_text += QLatin1Char(m_fraction[digit - m_wholes]);
             return;
         }
@@ -232,7 +228,6 @@ private:
     bool m_isZero = false;
     QByteArray m_whole;
     QByteArray m_fraction;
-    qsizetype m_fractionShown = 0;
     int m_written = 0;
     qsizetype m_wholeWritten = 0;
     QString m_text;

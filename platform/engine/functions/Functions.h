@@ -25,13 +25,9 @@ int CompareSorted(QStringView a, QStringView b);
 QString ToUpper(const QString& text);
 QString ToLower(const QString& text);
 
-/// The dialect's LIKE: * ? # [list] [!list], case ignored, the whole text has to match. Failure 93 for a `[`
-/// left open or a descending range.
-bool Like(QStringView text, QStringView pattern);
-/// Whether a pattern holds a wildcard; without one LIKE is an equality.
+/// Whether a pattern of LIKE holds a wildcard; without one LIKE is an equality.
 bool HasWildcards(QStringView pattern);
-
-/// Whether Like takes it without a failure.
+/// Whether LikePattern takes it without a failure.
 bool IsPattern(QStringView pattern);
 
 /// A scalar function of the dialect. In SQLite it bears the name `zv_` + name in small letters.

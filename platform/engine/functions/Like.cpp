@@ -117,10 +117,6 @@ bool LikePattern::Matches(QStringView text) const {
     return item == m_items.size() || (item + 1 == m_items.size() && m_items[item].kind == Item::AnyRun);
 }
 
-bool Like(QStringView text, QStringView pattern) {
-    return LikePattern(pattern).Matches(text);
-}
-
 bool IsPattern(QStringView pattern) {
     try {
         const LikePattern read(pattern);

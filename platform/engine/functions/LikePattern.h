@@ -6,8 +6,8 @@
 
 namespace engine::functions {
 
-/// A LIKE pattern taken apart, to be matched against many texts. Matching takes at most the product of both
-/// lengths.
+/// A pattern of the dialect's LIKE taken apart, to be matched against many texts: * ? # [list] [!list], case
+/// ignored, the whole text has to match. Matching takes at most the product of both lengths.
 class LikePattern {
 public:
     /// Failure 93 for a `[` left open or a descending range.

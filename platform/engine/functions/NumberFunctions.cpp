@@ -22,7 +22,8 @@ Value Truth(const Value& value) {
 }
 
 /// A number without its decimals; NULL and whole numbers stay as they are.
-Value Cut(const Value& value, double (*cut)(double), Money (Money::*cutMoney)() const) {
+template <double (*cut)(double), Money (Money::*cutMoney)() const>
+Value Cut(const Value& value) {
     if (value.IsNull() || value.As<std::int64_t>())
         return value;
     if (const auto* amount = value.As<Money>())
@@ -83,21 +84,11 @@ constexpr auto functions = std::to_array<ScalarFunction>({
     {"CDBL", Double, Nulls::Taken, Of<Finite>},
     {"CCUR", Currency, Nulls::Taken, [](const Value& value) { return value.Money(); }},
     {"CBOOL", Bit, Nulls::Taken, Of<Truth>},
-    {"INT", Unknown, Nulls::Taken,
-     [](const Value& value) {
-         return Cut(
-             value, [](double x) { return std::floor(x); }, &Money::Floor);
-     }},
-    {"FIX", Unknown, Nulls::Taken,
-     [](const Value& value) {
-         return Cut(
-             value, [](double x) { return std::trunc(x); }, &Money::Truncated);
-     }},
+    {"INT", Unknown, Nulls::Taken, Of<Cut<[](double x) { return std::floor(x); }, &Money::Floor>>},
+    {"FIX", Unknown, Nulls::Taken, Of<Cut<[](double x) { return std::trunc(x); }, &Money::Truncated>>},
     {"ROUND", Unknown, Nulls::Taken, Of<Round>},
     {"ABS", Unknown, Nulls::First, Of<Abs>},
-    {"SGN", Short, Nulls::First, [](double number) { return number < 0   ? -1
-                                                            : number > 0 ? 1
-                                                                         : 0; }},
+    {"SGN", Short, Nulls::First, [](double number) { return (number > 0 ? 1 : 0) - (number < 0 ? 1 : 0); }},
     {"SQR", Double, Nulls::Taken, [](double number) { return Finite(std::sqrt(number)); }},
     {"EXP", Double, Nulls::Taken, [](double number) { return Finite(std::exp(number)); }},
     {"LOG", Double, Nulls::Taken, [](double number) { return Finite(number > 0 ? std::log(number) : NAN); }},

@@ -15,13 +15,22 @@ namespace engine {
 
 namespace {
 
-/// Every column from the one of its name.
-QStringList SameColumns(const TableInfo& table) {
+/// For each column of the changed table the expression over the old one; `altered` is the column that is
+/// converted.
+QStringList Sources(const TableInfo& old, const TableInfo& changed, const ColumnInfo* altered) {
     QStringList sources;
-    for (const ColumnInfo& column : table.columns) {
+    for (const ColumnInfo& column : changed.columns) {
         const QString name = QuoteName(column.name);
-        // Files of before may hold NULL where No is meant.
-        sources += column.type == DataType::Bit ? u"ifnull(%1, 0)"_s.arg(name) : name;
+        const auto before = std::ranges::find(old.columns, column.name, &ColumnInfo::name);
+        const bool truth = column.type == DataType::Bit;
+        if (before == old.columns.end())
+            sources += truth ? u"0"_s : u"NULL"_s;
+        else if (&*before == altered)
+            sources += u"zv_to(%1, %2, '', %3)"_s.arg(static_cast<int>(column.type))
+                           .arg(column.size)
+                           .arg(sql::Argument(sql::StoredValue(name, before->type, before->size)));
+        else // files of before may hold NULL where No is meant
+            sources += truth ? u"ifnull(%1, 0)"_s.arg(name) : name;
     }
     return sources;
 }
@@ -62,99 +71,33 @@ void SchemaEditor::Run(const QString& text) {
 }
 
 void SchemaEditor::Apply(const SchemaChange& change) {
-    CheckChange(change, m_catalog);
+    const TableInfo changed = Changed(change, m_catalog);
+    const ColumnInfo& column = change.column;
+    const IndexInfo& index = change.index;
+    const QString name = QuoteName(changed.name);
     m_table = change.table.name;
-    if (change.kind == SchemaChange::CreateTable)
-        return CreateTable(change.table);
-    const TableInfo& table = *m_catalog.FindTable(change.table.name);
-    switch (change.kind) {
-    case SchemaChange::CreateTable:
-        break;
-    case SchemaChange::DropTable:
-        return DropTable(table);
-    case SchemaChange::AddColumn:
-        return AddColumn(table, change.column, change.index);
-    case SchemaChange::DropColumn:
-        return DropColumn(table, change.column.name);
-    case SchemaChange::AlterColumn:
-        return AlterColumn(table, change.column);
-    case SchemaChange::AllowZeroLength:
-        return AllowZeroLength(table, change.column);
-    case SchemaChange::CreateIndex:
-        return CreateIndex(table, change.index);
-    case SchemaChange::DropIndex:
-        return DropIndex(table, change.index.name);
+    if (change.kind == SchemaChange::CreateTable) {
+        m_counters.Forget(changed.name);
+        Run(CreateTableText(changed, changed.name));
+        CreateIndexes(changed);
+    } else if (change.kind == SchemaChange::DropTable) {
+        m_counters.Forget(changed.name);
+        Run(u"DROP TABLE "_s + name);
+    } else if (change.kind == SchemaChange::CreateIndex && !index.primary && !index.disallowNull) {
+        Run(CreateIndexText(changed, index));
+    } else if (change.kind == SchemaChange::AddColumn && !column.unique && !column.required &&
+               column.type != DataType::Counter) {
+        const int place = static_cast<int>(changed.columns.size()) - 1;
+        Run(u"ALTER TABLE %1 ADD COLUMN %2"_s.arg(name, ColumnText(changed, place)));
+        if (!index.columns.isEmpty())
+            Run(CreateIndexText(changed, index));
+    } else {
+        const TableInfo& old = *m_catalog.FindTable(changed.name);
+        const bool alters = change.kind == SchemaChange::AlterColumn;
+        if (change.kind == SchemaChange::CreateIndex)
+            CheckFilled(old, index);
+        Rebuild(old, changed, Sources(old, changed, alters ? &old.At(old.Find(column.name)) : nullptr));
     }
-}
-
-void SchemaEditor::CreateTable(const TableInfo& table) {
-    m_counters.Forget(table.name);
-    Run(CreateTableText(table, table.name));
-    CreateIndexes(table);
-}
-
-void SchemaEditor::DropTable(const TableInfo& table) {
-    m_counters.Forget(table.name);
-    Run(u"DROP TABLE "_s + QuoteName(table.name));
-}
-
-void SchemaEditor::AddColumn(const TableInfo& table, const ColumnInfo& column, const IndexInfo& unique) {
-    TableInfo changed = table;
-    changed.columns.push_back(column);
-    changed.columns.back().requiredLater = column.required;
-    const int place = static_cast<int>(table.columns.size());
-    if (!column.unique && !column.required && column.type != DataType::Counter)
-        Run(u"ALTER TABLE %1 ADD COLUMN %2"_s.arg(QuoteName(table.name), ColumnText(changed, place)));
-    else
-        Rebuild(table, changed, SameColumns(table) << (column.type == DataType::Bit ? u"0"_s : u"NULL"_s));
-    if (!unique.columns.isEmpty())
-        Run(CreateIndexText(changed, unique));
-}
-
-void SchemaEditor::DropColumn(const TableInfo& table, const QString& column) {
-    TableInfo changed = table;
-    changed.columns.erase(changed.columns.begin() + table.Find(column));
-    Rebuild(table, changed, SameColumns(changed));
-}
-
-void SchemaEditor::AlterColumn(const TableInfo& table, const ColumnInfo& column) {
-    const int place = table.Find(column.name);
-    const ColumnInfo& old = table.At(place);
-    TableInfo changed = table;
-    ColumnInfo& altered = changed.At(place) = column;
-    altered.name = old.name;
-    altered.unique = old.unique || column.unique;
-    altered.allowZeroLength = old.allowZeroLength || column.allowZeroLength;
-    altered.requiredLater = column.required;
-    QStringList sources = SameColumns(table);
-    sources[place] = u"zv_to(%1, %2, '', %3)"_s.arg(static_cast<int>(column.type))
-                         .arg(column.size)
-                         .arg(sql::Argument(sql::StoredValue(QuoteName(old.name), old.type, old.size)));
-    Rebuild(table, changed, sources);
-}
-
-void SchemaEditor::AllowZeroLength(const TableInfo& table, const ColumnInfo& column) {
-    TableInfo changed = table;
-    changed.At(table.Find(column.name)).allowZeroLength = column.allowZeroLength;
-    Rebuild(table, changed, SameColumns(table));
-}
-
-void SchemaEditor::CreateIndex(const TableInfo& table, const IndexInfo& index) {
-    if (!index.primary && !index.disallowNull)
-        return Run(CreateIndexText(table, index));
-    CheckFilled(table, index);
-    TableInfo changed = table;
-    changed.indexes.insert(index.primary ? changed.indexes.begin() : changed.indexes.end(), index);
-    for (const QString& name : index.columns)
-        if (ColumnInfo& column = changed.At(table.Find(name)); index.disallowNull && !column.required)
-            column.required = column.requiredLater = true;
-    Rebuild(table, changed, SameColumns(table));
-}
-
-void SchemaEditor::DropIndex(const TableInfo& table, const QString& index) {
-    TableInfo changed = table;
-    changed.indexes.erase(changed.indexes.begin() + (table.FindIndex(index) - table.indexes.data()));
-    Rebuild(table, changed, SameColumns(table));
 }
 
 void SchemaEditor::CheckFilled(const TableInfo& table, const IndexInfo& index) const {

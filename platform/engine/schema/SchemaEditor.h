@@ -13,21 +13,10 @@ public:
     /// `rulesAreOff` is set where memory ran out just as the rules for rows were to be looked at again.
     SchemaEditor(const Sqlite& db, const FileCatalog& catalog, Counters& counters, bool& rulesAreOff);
 
-    /// Checks the change and makes it.
+    /// Checks the change and makes it; failures as Changed.
     void Apply(const SchemaChange& change);
 
 private:
-    void CreateTable(const TableInfo& table);
-    void DropTable(const TableInfo& table);
-    /// `unique`: a constraint of the column that bears a name, or one without columns.
-    void AddColumn(const TableInfo& table, const ColumnInfo& column, const IndexInfo& unique);
-    void DropColumn(const TableInfo& table, const QString& column);
-    void AlterColumn(const TableInfo& table, const ColumnInfo& column);
-    void CreateIndex(const TableInfo& table, const IndexInfo& index);
-    void DropIndex(const TableInfo& table, const QString& index);
-    /// Lets the column take the empty text, or not.
-    void AllowZeroLength(const TableInfo& table, const ColumnInfo& column);
-
     /// Makes the table anew; `sources` tells for each new column the expression over the old one.
     void Rebuild(const TableInfo& old, const TableInfo& changed, const QStringList& sources);
     void CreateIndexes(const TableInfo& table);

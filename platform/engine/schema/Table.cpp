@@ -4,6 +4,7 @@
 #include "platform/engine/schema/Names.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace engine {
 
@@ -11,24 +12,27 @@ namespace {
 
 constexpr std::size_t mostColumns = 255;
 
-template <class Items>
-auto Named(Items& items, QStringView name) {
-    return std::ranges::find_if(items, [&](const auto& item) { return SameName(item.name, name); });
+int PlaceOf(const auto& items, auto found) {
+    return found == items.end() ? -1 : static_cast<int>(found - items.begin());
 }
 
-void CheckColumns(const TableInfo& table, const QStringList& columns) {
-    for (const QString& column : columns)
-        if (table.Find(column) < 0)
-            RaiseEngine(ColumnNotFound, table.name, column);
+auto Named(auto& items, QStringView name) {
+    return std::ranges::find_if(items, [name](const auto& item) { return SameName(item.name, name); });
 }
 
-void CheckNewTable(const TableInfo& table, const Catalog& catalog) {
-    if (catalog.FindTable(table.name))
-        RaiseEngine(TableExists, table.name);
+ColumnInfo& ColumnOf(TableInfo& table, const QString& name) {
+    const int place = table.Find(name);
+    if (place < 0)
+        RaiseEngine(ColumnNotFound, table.name, name);
+    return table.At(place);
+}
+
+void CheckNewTable(TableInfo& table) {
     if (std::ranges::count(table.columns, DataType::Counter, &ColumnInfo::type) > 1)
         RaiseEngine(SyntaxInColumnDefinition);
     for (const IndexInfo& index : table.indexes)
-        CheckColumns(table, index.columns);
+        for (const QString& column : index.columns)
+            ColumnOf(table, column);
     if (table.columns.size() > mostColumns)
         RaiseEngine(SyntaxInCreateTable);
     // Those of a copied table may come out of a strange file.
@@ -41,36 +45,52 @@ void CheckNewTable(const TableInfo& table, const Catalog& catalog) {
             RaiseEngine(IndexExistsInTable, table.name, index.name);
 }
 
-void CheckNewIndex(const TableInfo& table, const IndexInfo& index) {
-    CheckColumns(table, index.columns);
+void AddIndex(TableInfo& table, const IndexInfo& index) {
+    for (const QString& column : index.columns)
+        ColumnOf(table, column);
     if (table.FindIndex(index.name))
         RaiseEngine(IndexExistsInTable, table.name, index.name);
     if (index.primary && table.PrimaryKey())
         RaiseEngine(PrimaryKeyExists);
+    table.indexes.insert(index.primary ? table.indexes.begin() : table.indexes.end(), index);
+    for (const QString& name : index.columns)
+        if (ColumnInfo& column = ColumnOf(table, name); index.disallowNull && !column.required)
+            column.required = column.requiredLater = true;
 }
 
-void CheckNewColumn(const TableInfo& table, const SchemaChange& change) {
-    if (table.Find(change.column.name) >= 0)
-        RaiseEngine(ColumnExists, table.name, change.column.name);
+void AddColumn(TableInfo& table, const ColumnInfo& column, const IndexInfo& unique) {
+    if (table.Find(column.name) >= 0)
+        RaiseEngine(ColumnExists, table.name, column.name);
     if (table.columns.size() >= mostColumns)
         RaiseEngine(SyntaxInAlterTable);
-    if (!change.index.columns.isEmpty() && table.FindIndex(change.index.name))
-        RaiseEngine(IndexExistsInTable, table.name, change.index.name);
+    table.columns.push_back(column);
+    table.columns.back().requiredLater = column.required;
+    if (!unique.columns.isEmpty())
+        AddIndex(table, unique);
 }
 
-void CheckGoingColumn(const TableInfo& table, const QString& column) {
-    const auto holds = [&](const IndexInfo& index) { return HasName(index.columns, column); };
-    if (std::ranges::any_of(table.indexes, holds))
+void AlterColumn(TableInfo& table, const ColumnInfo& column) {
+    ColumnInfo& altered = ColumnOf(table, column.name);
+    const ColumnInfo old = std::exchange(altered, column);
+    altered.name = old.name;
+    altered.unique = old.unique || column.unique;
+    altered.allowZeroLength = old.allowZeroLength || column.allowZeroLength;
+    altered.requiredLater = column.required;
+}
+
+void DropColumn(TableInfo& table, const QString& column) {
+    const auto place = table.columns.begin() + (&ColumnOf(table, column) - table.columns.data());
+    if (std::ranges::any_of(table.indexes, [&](auto& index) { return HasName(index.columns, column); }))
         RaiseEngine(ColumnInIndex);
     if (table.columns.size() == 1)
         RaiseEngine(SyntaxInAlterTable);
+    table.columns.erase(place);
 }
 
 } // namespace
 
 int TableInfo::Find(QStringView column) const {
-    const auto found = Named(columns, column);
-    return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
+    return PlaceOf(columns, Named(columns, column));
 }
 
 const IndexInfo* TableInfo::FindIndex(QStringView index) const {
@@ -83,64 +103,69 @@ const IndexInfo* TableInfo::PrimaryKey() const {
     return key == indexes.end() ? nullptr : &*key;
 }
 
-bool TableInfo::IsKey(int column) const {
+int TableInfo::KeyColumn() const {
     const IndexInfo* key = PrimaryKey();
-    return key && key->columns.size() == 1 && Find(key->columns.front()) == column;
+    return key && key->columns.size() == 1 ? Find(key->columns.front()) : -1;
 }
 
 int TableInfo::CounterColumn() const {
-    const auto found = std::ranges::find(columns, DataType::Counter, &ColumnInfo::type);
-    return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
+    return PlaceOf(columns, std::ranges::find(columns, DataType::Counter, &ColumnInfo::type));
 }
 
 int TableInfo::RowNumberColumn() const {
     if (const int counter = CounterColumn(); counter >= 0)
         return counter;
-    const auto isKey = [&](const ColumnInfo& column) {
-        return IsWholeNumber(column.type) && IsKey(static_cast<int>(&column - columns.data()));
-    };
-    const auto found = std::ranges::find_if(columns, isKey);
-    return found == columns.end() ? -1 : static_cast<int>(found - columns.begin());
+    const int key = KeyColumn();
+    return key >= 0 && IsWholeNumber(At(key).type) ? key : -1;
 }
 
-void CheckChange(const SchemaChange& change, const Catalog& catalog) {
-    if (change.kind == SchemaChange::CreateTable)
-        return CheckNewTable(change.table, catalog);
-    const TableInfo* table = catalog.FindTable(change.table.name);
-    if (!table && change.kind == SchemaChange::DropTable)
+TableInfo Changed(const SchemaChange& change, const Catalog& catalog) {
+    const TableInfo* old = catalog.FindTable(change.table.name);
+    if (change.kind == SchemaChange::CreateTable) {
+        if (old)
+            RaiseEngine(TableExists, change.table.name);
+        TableInfo table = change.table;
+        CheckNewTable(table);
+        return table;
+    }
+    if (!old && change.kind == SchemaChange::DropTable)
         RaiseEngine(TableNotFound, change.table.name);
-    if (!table)
+    if (!old)
         RaiseEngine(TableOrConstraintNotFound);
-    const int counter = table->CounterColumn();
-    const int place = table->Find(change.column.name);
-    const bool secondCounter = change.column.type == DataType::Counter && counter >= 0 && counter != place;
+    TableInfo table = *old;
+    const ColumnInfo& column = change.column;
+    const auto index = Named(table.indexes, change.index.name);
     switch (change.kind) {
+    case SchemaChange::CreateTable:
+    case SchemaChange::DropTable:
+        break;
     case SchemaChange::AddColumn:
-        CheckNewColumn(*table, change);
+        AddColumn(table, column, change.index);
         break;
     case SchemaChange::DropColumn:
-        CheckColumns(*table, {change.column.name});
-        CheckGoingColumn(*table, change.column.name);
+        DropColumn(table, column.name);
         break;
     case SchemaChange::AlterColumn:
-        CheckColumns(*table, {change.column.name});
+        AlterColumn(table, column);
         break;
     case SchemaChange::AllowZeroLength:
-        if (place < 0)
+        if (table.Find(column.name) < 0)
             RaiseEngine(ItemNotFound);
+        ColumnOf(table, column.name).allowZeroLength = column.allowZeroLength;
         break;
     case SchemaChange::CreateIndex:
-        CheckNewIndex(*table, change.index);
+        AddIndex(table, change.index);
         break;
     case SchemaChange::DropIndex:
-        if (!table->FindIndex(change.index.name))
-            RaiseEngine(IndexNotFound, table->name, change.index.name);
-        break;
-    default:
+        if (index == table.indexes.end())
+            RaiseEngine(IndexNotFound, table.name, change.index.name);
+        table.indexes.erase(index);
         break;
     }
-    if (secondCounter)
+    if (column.type == DataType::Counter &&
+        std::ranges::count(table.columns, DataType::Counter, &ColumnInfo::type) > 1)
         RaiseEngine(SyntaxInColumnDefinition);
+    return table;
 }
 
 } // namespace engine

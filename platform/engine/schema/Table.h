@@ -41,8 +41,8 @@ struct TableInfo {
     int RowNumberColumn() const;
     const IndexInfo* FindIndex(QStringView index) const; ///< by name, case ignored; null if there is none
     const IndexInfo* PrimaryKey() const;                 ///< null if there is none
-    /// Whether the column is the primary key, alone.
-    bool IsKey(int column) const;
+    int KeyColumn() const; ///< of a primary key that is one column; -1 for any other key and for none
+    bool IsKey(int column) const { return column >= 0 && column == KeyColumn(); }
 };
 
 /// What the translator asks of the open file. Names ignore case.
@@ -73,8 +73,9 @@ struct SchemaChange {
     IndexInfo index = {};
 };
 
-/// Compares a change with the tables as they are. Failures: 3010, 3265, 3280, 3283, 3290, 3292, 3293, 3371,
-/// 3372, 3375, 3376, 3380, 3381, 3382. Whether the rows allow it, SQLite tells.
-void CheckChange(const SchemaChange& change, const Catalog& catalog);
+/// The table as a change makes it of those that there are; one that is to go as it is. Failures: 3010, 3265,
+/// 3280, 3283, 3290, 3292, 3293, 3371, 3372, 3375, 3376, 3380, 3381, 3382. Whether the rows allow the change,
+/// SQLite tells.
+TableInfo Changed(const SchemaChange& change, const Catalog& catalog);
 
 } // namespace engine

@@ -25,48 +25,32 @@ constexpr WholeRange longRange{INT32_MIN, INT32_MAX};
 // Sizes are counted in UTF-16 units, two bytes each in the file's own text form.
 constexpr auto anyText = "length(CAST(%c AS BLOB)) <= 2147483646";
 
+using enum DataType;
+using Kind = TypeKind;
+
 // In the order of DataType, then the second forms. What has no form of its own is kept as text.
 constexpr auto types = std::to_array<TypeRow>({
-    {DataType::Unknown, TypeKind::Unknown, "LONGTEXT", "", "TEXT", anyText},
-    {DataType::Bit,
-     TypeKind::Number,
-     "BIT",
-     "BIT BOOLEAN LOGICAL LOGICAL1 YESNO",
-     "INTEGER",
-     nullptr,
-     {0, 1}},
-    {DataType::Byte, TypeKind::Number, "BYTE", "BYTE INTEGER1", "INTEGER", nullptr, {0, 255}},
-    {DataType::Short,
-     TypeKind::Number,
-     "SHORT",
-     "INTEGER2 SHORT SMALLINT",
-     "INTEGER",
-     nullptr,
-     {INT16_MIN, INT16_MAX}},
-    {DataType::Long, TypeKind::Number, "LONG", "INT INTEGER INTEGER4 LONG", "INTEGER", nullptr, longRange},
-    {DataType::Counter, TypeKind::Number, "COUNTER", "AUTOINCREMENT COUNTER", "INTEGER", nullptr, longRange},
-    {DataType::Single, TypeKind::Number, "SINGLE", "FLOAT4 REAL SINGLE", "REAL",
+    {Unknown, Kind::Unknown, "LONGTEXT", "", "TEXT", anyText},
+    {Bit, Kind::Number, "BIT", "BIT BOOLEAN LOGICAL LOGICAL1 YESNO", "INTEGER", nullptr, {0, 1}},
+    {Byte, Kind::Number, "BYTE", "BYTE INTEGER1", "INTEGER", nullptr, {0, 255}},
+    {Short, Kind::Number, "SHORT", "INTEGER2 SHORT SMALLINT", "INTEGER", nullptr, {INT16_MIN, INT16_MAX}},
+    {Long, Kind::Number, "LONG", "INT INTEGER INTEGER4 LONG", "INTEGER", nullptr, longRange},
+    {Counter, Kind::Number, "COUNTER", "AUTOINCREMENT COUNTER", "INTEGER", nullptr, longRange},
+    {Single, Kind::Number, "SINGLE", "FLOAT4 REAL SINGLE", "REAL",
      "%c BETWEEN -3.4028235677973366e38 AND 3.4028235677973366e38"},
-    {DataType::Double, TypeKind::Number, "DOUBLE", "DOUBLE FLOAT FLOAT8 NUMBER NUMERIC", "REAL",
+    {Double, Kind::Number, "DOUBLE", "DOUBLE FLOAT FLOAT8 NUMBER NUMERIC", "REAL",
      "%c BETWEEN -1.7976931348623157e308 AND 1.7976931348623157e308"},
-    {DataType::Currency,
-     TypeKind::Number,
-     "MONEY",
-     "CURRENCY MONEY",
-     "INTEGER",
-     nullptr,
-     {INT64_MIN, INT64_MAX}},
-    {DataType::Date, TypeKind::Date, "DATETIME", "DATE DATETIME TIME TIMESTAMP", "REAL",
+    {Currency, Kind::Number, "MONEY", "CURRENCY MONEY", "INTEGER", nullptr, {INT64_MIN, INT64_MAX}},
+    {Date, Kind::Date, "DATETIME", "DATE DATETIME TIME TIMESTAMP", "REAL",
      "%c > -657435.0 AND %c < 2958466.0"},
-    {DataType::Text, TypeKind::Text, "TEXT(%1)", "ALPHANUMERIC CHAR CHARACTER STRING TEXT VARCHAR", "TEXT",
+    {Text, Kind::Text, "TEXT(%1)", "ALPHANUMERIC CHAR CHARACTER STRING TEXT VARCHAR", "TEXT",
      "length(CAST(%c AS BLOB)) <= 2 * %1"},
-    {DataType::Memo, TypeKind::Text, "LONGTEXT", "LONGCHAR LONGTEXT MEMO NOTE", "TEXT", anyText},
-    {DataType::Binary, TypeKind::Bytes, "LONGBINARY", "BINARY LONGBINARY VARBINARY", "BLOB",
-     "length(%c) <= 2147483646"},
-    {DataType::Guid, TypeKind::Text, "GUID", "GUID", "TEXT", "length(CAST(%c AS BLOB)) <= 76"},
-    {DataType::Binary, TypeKind::Bytes, "BINARY(%1)", "", "BLOB", "length(%c) <= %1"},
+    {Memo, Kind::Text, "LONGTEXT", "LONGCHAR LONGTEXT MEMO NOTE", "TEXT", anyText},
+    {Binary, Kind::Bytes, "LONGBINARY", "BINARY LONGBINARY VARBINARY", "BLOB", "length(%c) <= 2147483646"},
+    {Guid, Kind::Text, "GUID", "GUID", "TEXT", "length(CAST(%c AS BLOB)) <= 76"},
+    {Binary, Kind::Bytes, "BINARY(%1)", "", "BLOB", "length(%c) <= %1"},
     // As the program kept it first.
-    {DataType::Currency, TypeKind::Number, "CURRENCY", "", "REAL",
+    {Currency, Kind::Number, "CURRENCY", "", "REAL",
      "%c BETWEEN -922337203685477.5808 AND 922337203685477.5807"},
 });
 constexpr auto secondForms = types.begin() + 14;
@@ -105,7 +89,7 @@ WholeRange RangeOf(DataType type) {
 }
 
 bool IsText(DataType type) {
-    return type == DataType::Text || type == DataType::Memo;
+    return type == Text || type == Memo;
 }
 
 QString SizedType::TypeText() const {
@@ -138,9 +122,8 @@ std::optional<SizedType> SizedType::FromText(const QString& text) {
 
 SizedType SizedType::FromStored(const QString& declared) {
     constexpr std::pair<const char*, DataType> parts[] = {
-        {"INT", DataType::Long},    {"CHAR", DataType::Memo},   {"CLOB", DataType::Memo},
-        {"TEXT", DataType::Memo},   {"REAL", DataType::Double}, {"FLOA", DataType::Double},
-        {"DOUB", DataType::Double}, {"BLOB", DataType::Binary},
+        {"INT", Long},    {"CHAR", Memo},   {"CLOB", Memo},   {"TEXT", Memo},
+        {"REAL", Double}, {"FLOA", Double}, {"DOUB", Double}, {"BLOB", Binary},
     };
     for (const auto& [part, type] : parts)
         if (declared.contains(QLatin1String(part), Qt::CaseInsensitive))
@@ -149,31 +132,21 @@ SizedType SizedType::FromStored(const QString& declared) {
 }
 
 bool IsWholeNumber(DataType type) {
-    return type == DataType::Byte || type == DataType::Short || type == DataType::Long ||
-           type == DataType::Counter;
+    return type == Byte || type == Short || type == Long || type == Counter;
 }
 
 DataType CommonType(DataType a, DataType b) {
     if (a == b)
         return a;
     if (KindOf(a) != KindOf(b))
-        return DataType::Unknown;
+        return Unknown;
     if (KindOf(a) == TypeKind::Text)
-        return a == DataType::Memo || b == DataType::Memo ? DataType::Memo : DataType::Text;
-    const auto plain = [](DataType type) {
-        if (type == DataType::Counter)
-            return DataType::Long;
-        return type == DataType::Bit ? DataType::Short : type;
-    };
-    const DataType left = plain(a);
-    const DataType right = plain(b);
-    if ((left == DataType::Single && right == DataType::Long) ||
-        (right == DataType::Single && left == DataType::Long))
-        return DataType::Double;
-    if ((left == DataType::Currency && right < DataType::Currency && right >= DataType::Single) ||
-        (right == DataType::Currency && left < DataType::Currency && left >= DataType::Single))
-        return DataType::Double;
-    return std::max(left, right);
+        return a == Memo || b == Memo ? Memo : Text;
+    const auto plain = [](DataType type) { return type == Counter ? Long : type == Bit ? Short : type; };
+    const auto [least, most] = std::minmax({plain(a), plain(b)});
+    const bool isWider = (least == Long && most == Single) ||
+                         (most == Currency && (least == Single || least == Double)); // than both
+    return isWider ? Double : most;
 }
 
 } // namespace engine

@@ -96,7 +96,7 @@ Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
         plan.verb = Verb::Schema;
         plan.change = statement.schema;
         plan.target = statement.schema.table.name;
-        CheckChange(plan.change, catalog);
+        Changed(plan.change, catalog);
         break;
     case Statement::InsertKind:
         WriteInsert(context, statement.insert, plan);

@@ -4,7 +4,6 @@
 
 namespace engine {
 
-class Declarations;
 class Sqlite;
 
 /// The tables of an open file, read when they are first asked for. Only plain tables are seen: no views, no
@@ -28,10 +27,6 @@ private:
     };
 
     void ReadNames() const;
-    TableInfo Read(const Entry& entry) const;
-    /// The columns of SQLite's own key.
-    QStringList ReadColumns(TableInfo& table, const QString& text, const Declarations& declarations) const;
-    void ReadIndexes(TableInfo& table, const QStringList& key, const Declarations& declarations) const;
 
     const Sqlite& m_db;
     mutable bool m_read = false;

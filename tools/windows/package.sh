@@ -10,6 +10,7 @@ make_stage() {
 }
 
 # What the uninstaller takes away: files, then folders from the innermost.
+# shellcheck disable=SC2016 # the uninstaller fills $INSTDIR in
 list_for_uninstaller() {
     (
         cd "$stage" || exit

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QFileSystemModel>
 #include <QHeaderView>
+#include <QListView>
 #include <QScreen>
 #include <QShowEvent>
 #include <QStandardPaths>
@@ -76,6 +77,9 @@ void FileWindow::AddPlaces() {
         m_added += place;
     }
     setSidebarUrls(places);
+    if (auto* list = findChild<QListView*>(QStringLiteral("sidebar")))
+        list->setMinimumWidth(std::min(list->sizeHintForColumn(0) + list->fontMetrics().height(),
+                                       24 * list->fontMetrics().averageCharWidth()));
 }
 
 void FileWindow::WidenColumns() {

@@ -58,11 +58,15 @@ if(UNIX AND NOT APPLE)
   endforeach()
   install(FILES packaging/icons/zavelik.svg DESTINATION ${icons}/scalable/apps)
 
-  # What Debian wants beside that.
+  # What some packages have beside that.
   configure_file(${linux}/changelog.in ${made}/debian/changelog @ONLY)
   configure_file(${linux}/copyright.in ${made}/debian/copyright @ONLY)
-  set(CPACK_PRE_BUILD_SCRIPTS ${linux}/debian.cmake)
+  set(CPACK_PRE_BUILD_SCRIPTS ${linux}/prepare.cmake)
   set(CPACK_ZAVELIK_DEBIAN ${made}/debian)
+  find_file(ZAVELIK_QT_TEXTS qtbase_ru.qm PATHS /usr/share/qt6/translations DOC "Qt's own texts in Russian")
+  if(ZAVELIK_QT_TEXTS)
+    set(CPACK_ZAVELIK_TEXTS ${ZAVELIK_QT_TEXTS})
+  endif()
 endif()
 
 set(CPACK_GENERATOR DEB)
@@ -88,6 +92,9 @@ set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_RPM_FILE_NAME RPM-DEFAULT)
 set(CPACK_RPM_PACKAGE_LICENSE "${ZAVELIK_PROJECT_LICENSE}")
+set(CPACK_RPM_PACKAGE_SUMMARY "Telephone book with an organiser and dialling codes")
+set(CPACK_RPM_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION}")
+set(CPACK_RPM_PACKAGE_RECOMMENDS xdg-utils)
 set(CPACK_RPM_PACKAGE_GROUP "Applications/Productivity")
 set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION /usr/share/man /usr/share/man/man1 /usr/share/man/ru
   /usr/share/man/ru/man1 /usr/share/applications /usr/share/metainfo /usr/share/icons /usr/share/icons/hicolor

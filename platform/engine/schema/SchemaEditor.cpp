@@ -3,7 +3,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/TableText.h"
-#include "platform/engine/sql/Written.h"
+#include "platform/engine/sql/Writer.h"
 #include "platform/engine/store/Sqlite.h"
 #include "platform/engine/store/Statement.h"
 
@@ -28,7 +28,8 @@ QStringList Sources(const TableInfo& old, const TableInfo& changed, const Column
         else if (&*before == altered)
             sources += u"zv_to(%1, %2, '', %3)"_s.arg(static_cast<int>(column.type))
                            .arg(column.size)
-                           .arg(sql::Argument(sql::StoredValue(name, before->type, before->size)));
+                           .arg(sql::Writer().Text(
+                               sql::Argument(sql::StoredValue(name, before->type, before->size))));
         else // files of before may hold NULL where No is meant
             sources += truth ? u"ifnull(%1, 0)"_s.arg(name) : name;
     }

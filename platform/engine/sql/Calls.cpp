@@ -3,7 +3,7 @@
 #include "platform/engine/functions/Functions.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/Types.h"
-#include "platform/engine/sql/ExpressionWriter.h"
+#include "platform/engine/sql/ExpressionBinder.h"
 
 #include <algorithm>
 #include <array>
@@ -18,22 +18,22 @@ namespace {
 
 struct Aggregate {
     std::u16string_view name;
-    const char16_t* function;
+    const char16_t* form;
     enum Result : std::uint8_t { Whole, Fraction, Same } result;
 };
 
 constexpr auto aggregates = std::to_array<Aggregate>({
-    {u"COUNT", u"count(", Aggregate::Whole},
-    {u"SUM", u"sum(", Aggregate::Fraction},
-    {u"AVG", u"avg(", Aggregate::Fraction},
-    {u"MIN", u"min(", Aggregate::Same},
-    {u"MAX", u"max(", Aggregate::Same},
-    {u"FIRST", u"zv_first(", Aggregate::Same},
-    {u"LAST", u"zv_last(", Aggregate::Same},
-    {u"STDEV", u"zv_stdev(", Aggregate::Fraction},
-    {u"STDEVP", u"zv_stdevp(", Aggregate::Fraction},
-    {u"VAR", u"zv_var(", Aggregate::Fraction},
-    {u"VARP", u"zv_varp(", Aggregate::Fraction},
+    {u"COUNT", u"count(%)", Aggregate::Whole},
+    {u"SUM", u"sum(%)", Aggregate::Fraction},
+    {u"AVG", u"avg(%)", Aggregate::Fraction},
+    {u"MIN", u"min(%)", Aggregate::Same},
+    {u"MAX", u"max(%)", Aggregate::Same},
+    {u"FIRST", u"zv_first(%)", Aggregate::Same},
+    {u"LAST", u"zv_last(%)", Aggregate::Same},
+    {u"STDEV", u"zv_stdev(%)", Aggregate::Fraction},
+    {u"STDEVP", u"zv_stdevp(%)", Aggregate::Fraction},
+    {u"VAR", u"zv_var(%)", Aggregate::Fraction},
+    {u"VARP", u"zv_varp(%)", Aggregate::Fraction},
 });
 
 /// Functions that read their arguments as texts, so that a date goes to them in its short form.
@@ -50,31 +50,35 @@ bool Names(std::u16string_view name, const QString& word) {
 /// The CASE of a choice. Its type is what all its results have in common.
 class Choice {
 public:
-    explicit Choice(const QString& start)
-        : m_start(start) {}
+    explicit Choice(QString start, std::vector<Operand> operands = {})
+        : m_form(std::move(start))
+        , m_operands(std::move(operands)) {}
 
-    /// `words` stand in front of the result.
-    void Add(const QString& words, const Written& result) {
-        m_results.emplace_back(words, result);
+    /// `words` stand in front of the result, over `operands`.
+    void Add(const QString& words, std::vector<Operand> operands, const Bound& result) {
+        m_form += words + u'%';
+        std::ranges::move(operands, std::back_inserter(m_operands));
+        m_results.emplace_back(m_operands.size(), result);
+        m_operands.emplace_back(result);
         m_wide = m_wide || result.wide;
         if (!result.null)
             m_type = m_type ? CommonType(*m_type, result.type) : result.type;
     }
 
-    Written Take() const {
+    Bound Take() {
         const bool amounts = m_type == DataType::Currency;
-        QString text = m_start;
-        for (const auto& [words, result] : m_results)
-            text += words + (amounts ? Units(result) : result.text);
-        text += u" END"_s;
-        Written choice = amounts ? MakeAmount(text) : MakeWritten(text, m_type.value_or(DataType::Unknown));
+        for (const auto& [place, result] : m_results)
+            m_operands[place].term = amounts ? Units(result) : result.term;
+        const TermPtr term = MakeTerm(m_form + u" END"_s, std::move(m_operands));
+        Bound choice = amounts ? MakeAmount(term) : MakeBound(m_type.value_or(DataType::Unknown), term);
         choice.wide = m_wide;
         return choice;
     }
 
 private:
-    QString m_start;
-    std::vector<std::pair<QString, Written>> m_results;
+    QString m_form;
+    std::vector<Operand> m_operands;
+    std::vector<std::pair<std::size_t, Bound>> m_results; ///< with their places among the operands
     std::optional<DataType> m_type;
     bool m_wide = false;
 };
@@ -87,34 +91,41 @@ const Aggregate* FindAggregate(const QString& name) {
 
 } // namespace
 
-bool ExpressionWriter::IsAggregate(const QString& name) {
+bool ExpressionBinder::IsAggregate(const QString& name) {
     return FindAggregate(name) != nullptr;
 }
 
-void ExpressionWriter::FailArguments(const Node& node) const {
+void ExpressionBinder::FailArguments(const Node& node) const {
     m_context.RaiseSyntax(node, u"Функция использована с неверным числом аргументов"_s);
 }
 
-Written ExpressionWriter::WriteCall(const Node& node) {
+Bound ExpressionBinder::BindCall(const Node& node) {
     if (IsAggregate(node.name))
-        return WriteAggregate(node);
+        return BindAggregate(node);
     if (node.all)
         m_context.RaiseSyntax(node, u"Ошибка синтаксиса"_s);
     if (Names(u"IIF", node.name))
-        return WriteIif(node);
+        return BindIif(node);
     if (Names(u"SWITCH", node.name))
-        return WriteSwitch(node);
+        return BindSwitch(node);
     if (Names(u"CHOOSE", node.name))
-        return WriteChoose(node);
+        return BindChoose(node);
     if (Names(u"ISNULL", node.name)) {
         if (node.children.size() != 1)
             FailArguments(node);
-        return WriteIsNull(*node.children[0], false);
+        return BindIsNull(*node.children[0], false);
     }
-    return WriteFunction(node);
+    return BindFunction(node);
 }
 
-Written ExpressionWriter::WriteAggregate(const Node& node) {
+TermPtr ExpressionBinder::Filtered(const QString& form, std::vector<Operand> operands) const {
+    if (!m_filter)
+        return MakeTerm(form, std::move(operands));
+    operands.emplace_back(m_filter);
+    return MakeTerm(form + u" FILTER (WHERE %)"_s, std::move(operands));
+}
+
+Bound ExpressionBinder::BindAggregate(const Node& node) {
     const Aggregate& aggregate = *FindAggregate(node.name);
     const bool counts = aggregate.result == Aggregate::Whole;
     if (node.all ? !counts : node.children.size() != 1)
@@ -122,41 +133,39 @@ Written ExpressionWriter::WriteAggregate(const Node& node) {
     if (m_aggregateFailure != 0)
         RaiseEngine(m_aggregateFailure, m_context.Text(node).toString());
     m_sawAggregate = true;
-    const QString filter = m_filter.isEmpty() ? QString() : u" FILTER (WHERE "_s + m_filter + u')';
     if (node.all)
-        return MakeWritten(u"count(*)"_s + filter, DataType::Long);
-    const Written value = WriteAggregated(*node.children[0]);
-    const QString function = QString::fromUtf16(aggregate.function);
+        return MakeBound(DataType::Long, Filtered(u"count(*)"_s, {}));
+    const Bound value = BindAggregated(*node.children[0]);
     if (aggregate.result == Aggregate::Same) {
-        const QString text = function + Sorted(value).text + u')' + filter;
-        Written same = value.type == DataType::Currency  ? MakeAmount(text)
-                       : value.type == DataType::Counter ? MakeWritten(text, DataType::Long)
-                                                         : MakeWritten(text, value.type);
+        const TermPtr term = Filtered(QString::fromUtf16(aggregate.form), {Sorted(value)});
+        Bound same = value.type == DataType::Currency  ? MakeAmount(term)
+                     : value.type == DataType::Counter ? MakeBound(DataType::Long, term)
+                                                       : MakeBound(value.type, term);
         same.size = value.size;
         same.wide = value.wide;
         return same;
     }
     if (counts)
-        return MakeWritten(function + value.text + u')' + filter, DataType::Long);
+        return MakeBound(DataType::Long, Filtered(QString::fromUtf16(aggregate.form), {value}));
     if (value.IsText() || value.Kind() == TypeKind::Bytes)
         m_context.AddTypeMismatch();
     if (Names(aggregate.name, u"SUM"_s) && value.IsAmount())
-        return MakeAmount(u"zv_sum("_s + value.money + u')' + filter);
-    const QString number = value.IsUnknown() ? u"zv_add("_s + value.text + u", 0)"_s : value.text;
-    return MakeWritten(function + number + u')' + filter, DataType::Double);
+        return MakeAmount(Filtered(u"zv_sum(%)"_s, {value.money}));
+    const TermPtr number = value.IsUnknown() ? MakeTerm(u"zv_add(%, 0)", {value}) : value.term;
+    return MakeBound(DataType::Double, Filtered(QString::fromUtf16(aggregate.form), {number}));
 }
 
 /// The argument of an aggregate.
-Written ExpressionWriter::WriteAggregated(const Node& node) {
+Bound ExpressionBinder::BindAggregated(const Node& node) {
     const int failure = std::exchange(m_aggregateFailure, AggregateInExpression);
     const bool own = std::exchange(m_sawOwn, false);
     const bool outer = std::exchange(m_sawOuter, false);
-    Written value = Value(node);
+    Bound value = Value(node);
     if (m_sawOuter && !m_sawOwn && !m_scope.sources.empty()) {
         // SQLite would take the aggregate for one of the statement around this one.
-        const QString text = Delivered(value).text;
-        value = DeliveredValue(value, u"CASE "_s + m_scope.sources.front().columns.front().value.text +
-                                          u" WHEN 0 THEN "_s + text + u" ELSE "_s + text + u" END"_s);
+        const Bound inner = Delivered(value);
+        const Bound& column = m_scope.sources.front().columns.front().value;
+        value = DeliveredValue(value, MakeTerm(u"CASE % WHEN 0 THEN % ELSE % END", {column, inner, inner}));
     }
     m_sawOwn = m_sawOwn || own;
     m_sawOuter = m_sawOuter || outer;
@@ -165,47 +174,46 @@ Written ExpressionWriter::WriteAggregated(const Node& node) {
 }
 
 /// CASE computes only what it needs, as the engine does. An IIF in the last place continues the same CASE.
-Written ExpressionWriter::WriteIif(const Node& node) {
+Bound ExpressionBinder::BindIif(const Node& node) {
     Choice choice(u"CASE"_s);
     const Node* current = &node;
     for (;;) {
         if (current->children.size() != 3)
             FailArguments(*current);
-        const QString condition = Condition(*current->children[0]).text;
-        choice.Add(u" WHEN "_s + condition + u" THEN "_s, Value(*current->children[1]));
+        const Bound condition = Condition(*current->children[0]);
+        choice.Add(u" WHEN % THEN "_s, {condition}, Value(*current->children[1]));
         const Node& otherwise = *current->children[2];
         if (otherwise.kind == NodeKind::Call && !otherwise.all && Names(u"IIF", otherwise.name)) {
             current = &otherwise;
             continue;
         }
-        choice.Add(u" ELSE "_s, Value(otherwise));
+        choice.Add(u" ELSE "_s, {}, Value(otherwise));
         return choice.Take();
     }
 }
 
-Written ExpressionWriter::WriteSwitch(const Node& node) {
+Bound ExpressionBinder::BindSwitch(const Node& node) {
     if (node.children.empty() || node.children.size() % 2 != 0)
         FailArguments(node);
     Choice choice(u"CASE"_s);
     for (std::size_t i = 0; i < node.children.size(); i += 2) {
-        const QString condition = Condition(*node.children[i]).text;
-        choice.Add(u" WHEN "_s + condition + u" THEN "_s, Value(*node.children[i + 1]));
+        const Bound condition = Condition(*node.children[i]);
+        choice.Add(u" WHEN % THEN "_s, {condition}, Value(*node.children[i + 1]));
     }
     return choice.Take();
 }
 
-Written ExpressionWriter::WriteChoose(const Node& node) {
+Bound ExpressionBinder::BindChoose(const Node& node) {
     if (node.children.size() < 2)
         FailArguments(node);
-    const Written index = Value(*node.children[0]);
-    Choice choice(IsWholeNumber(index.type) ? u"CASE "_s + index.text
-                                            : u"CASE zv_round("_s + index.text + u')');
+    const Bound index = Value(*node.children[0]);
+    Choice choice(IsWholeNumber(index.type) ? u"CASE %"_s : u"CASE zv_round(%)"_s, {index});
     for (std::size_t i = 1; i < node.children.size(); ++i)
-        choice.Add(u" WHEN "_s + QString::number(i) + u" THEN "_s, Value(*node.children[i]));
+        choice.Add(u" WHEN "_s + QString::number(i) + u" THEN "_s, {}, Value(*node.children[i]));
     return choice.Take();
 }
 
-Written ExpressionWriter::WriteFunction(const Node& node) {
+Bound ExpressionBinder::BindFunction(const Node& node) {
     const functions::FunctionInfo* info = functions::FindFunction(node.name);
     if (!info)
         RaiseEngine(UndefinedFunction, node.name);
@@ -216,25 +224,24 @@ Written ExpressionWriter::WriteFunction(const Node& node) {
         std::ranges::any_of(textFunctions,
                             [&](std::u16string_view name) { return Names(name, node.name); }) ||
         (count == 1 && Names(u"FORMAT", node.name));
-    DataType type = info->result;
-    bool wide = false;
-    QStringList arguments;
+    Bound result = MakeBound(info->result, {});
+    QString form = u"zv_"_s + QString::fromLatin1(info->name).toLower() + u'(';
+    std::vector<Operand> arguments;
     for (const NodePtr& child : node.children) {
-        const Written value = Value(*child);
-        if (arguments.isEmpty() && type == DataType::Unknown) {
-            type = value.IsText() ? DataType::Double : value.type;
-            wide = value.wide;
+        const Bound value = Value(*child);
+        form += arguments.empty() ? u"%"_s : u", %"_s;
+        if (arguments.empty() && info->result == DataType::Unknown) {
+            result.type = value.IsText() ? DataType::Double : value.type;
+            result.wide = value.wide;
         }
-        arguments += readsText && value.IsDate() ? u"zv_datetext("_s + value.text + u')' : Argument(value);
+        arguments.emplace_back(readsText && value.IsDate() ? MakeTerm(u"zv_datetext(%)", {value})
+                                                           : Argument(value));
     }
-    const QString text =
-        u"zv_"_s + QString::fromLatin1(info->name).toLower() + u'(' + arguments.join(u", "_s) + u')';
+    result.term = MakeTerm(form + u')', std::move(arguments));
     // A truth may come as 1 or as -1.
     if (info->result == DataType::Bit)
-        return MakeCondition(text + u" <> 0"_s, EqualPrecedence);
-    Written result = type == DataType::Currency ? MakeAmount(text) : MakeWritten(text, type);
-    result.wide = wide;
-    return result;
+        return MakeCondition(u"% <> 0", {result}, EqualPrecedence);
+    return result.type == DataType::Currency ? MakeAmount(result.term) : result;
 }
 
 } // namespace engine::sql

@@ -50,20 +50,19 @@ void Context::RaiseSyntax(const Node& node, const QString& reason) const {
     RaiseEngine(SyntaxInExpression, reason, Text(node).toString());
 }
 
-Written Context::WriteLiteral(const Node& literal) {
+Bound Context::BindLiteral(const Node& literal) {
     const QString text = literal.literal >= 0 ? ParameterOf(literal, {}, {}) : InlineText(literal.token);
-    Written written = StoredValue(text, TypeOf(literal.token));
-    written.nullable = false;
+    Bound value = StoredValue(text, TypeOf(literal.token));
+    value.nullable = false;
     if (text.startsWith(u'-'))
-        written.precedence = CollatePrecedence;
-    return written;
+        value.term = MakeTerm(text, {}, CollatePrecedence);
+    return value;
 }
 
-std::optional<QString> Context::WriteAssigned(const Node& literal, const ColumnInfo& column,
-                                              const QString& table) {
+TermPtr Context::BindAssigned(const Node& literal, const ColumnInfo& column, const QString& table) {
     if (literal.kind != NodeKind::Literal || literal.literal < 0)
         return {};
-    return ParameterOf(literal, column, table);
+    return MakeTerm(ParameterOf(literal, column, table));
 }
 
 QString Context::ParameterOf(const Node& literal, const std::optional<ColumnInfo>& column,

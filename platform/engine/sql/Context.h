@@ -1,14 +1,14 @@
 #pragma once
 
+#include "platform/engine/sql/Bound.h"
 #include "platform/engine/sql/Tree.h"
-#include "platform/engine/sql/Written.h"
 
 #include <map>
 #include <optional>
 
 namespace engine::sql {
 
-/// What the writers of one statement share: the tables, its literals on their way to parameters, and the
+/// What the binders of one statement share: the tables, its literals on their way to parameters, and the
 /// mistakes that are reported only when the whole of it is known.
 class Context {
 public:
@@ -26,10 +26,10 @@ public:
     }
 
     /// A literal: a parameter, or its value if the statement writes it out.
-    Written WriteLiteral(const Node& literal);
-    /// A literal that goes into a column as it is: a parameter with that column. Nothing if the node is none,
+    Bound BindLiteral(const Node& literal);
+    /// A literal that goes into a column as it is: a parameter with that column. Null if the node is none,
     /// or its value is written out.
-    std::optional<QString> WriteAssigned(const Node& literal, const ColumnInfo& column, const QString& table);
+    TermPtr BindAssigned(const Node& literal, const ColumnInfo& column, const QString& table);
 
     QStringView Text(const Node& node) const {
         return QStringView(m_scanned.text).mid(node.start, node.end - node.start);

@@ -1,10 +1,10 @@
 // Criteria of a search over a result set.
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/Names.h"
-#include "platform/engine/sql/ExpressionWriter.h"
 #include "platform/engine/sql/Keys.h"
 #include "platform/engine/sql/Parser.h"
 #include "platform/engine/sql/Plan.h"
+#include "platform/engine/sql/Writer.h"
 
 #include <algorithm>
 
@@ -63,11 +63,11 @@ CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultC
     ResolveFullNames(*criteria, columns);
     const Scope scope{nullptr, {ResultSource(columns)}};
     Context context(scanned, static_cast<int>(columns.size()));
-    const Written condition = ExpressionWriter(context, scope, AggregateInExpression).Condition(*criteria);
+    const Bound condition = ExpressionBinder(context, scope, AggregateInExpression).Condition(*criteria);
     context.RaiseMistakes();
     CriteriaPlan plan;
     // The last parameter is named even if nothing else needs it, so that all of them can be bound.
-    plan.text = u"SELECT "_s + condition.text + u" FROM (SELECT ?"_s +
+    plan.text = u"SELECT "_s + Writer().Text(condition.term) + u" FROM (SELECT ?"_s +
                 QString::number(context.ParameterCount()) + u')';
     plan.parameters = context.Parameters();
     plan.exact = CollectEqualities(*criteria, scope, plan.equalities);

@@ -2,7 +2,7 @@
 
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/Types.h"
-#include "platform/engine/sql/ExpressionWriter.h"
+#include "platform/engine/sql/ExpressionBinder.h"
 
 #include <algorithm>
 
@@ -10,11 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace engine::sql {
 
-QString KeyText(const ScopeSource& source, int number, Rows rows) {
-    const QString parameter = u'?' + QString::number(number);
-    return source.RowId() + (rows == Rows::One
-                                 ? u" = "_s + parameter
-                                 : u" IN (SELECT value FROM json_each("_s + parameter + u"))"_s);
+TermPtr KeyTerm(const ScopeSource& source, int number, Rows rows) {
+    return MakeTerm(rows == Rows::One ? u"% = %" : u"% IN (SELECT value FROM json_each(%))",
+                    {MakeTerm(source.RowId()), MakeTerm(u'?' + QString::number(number))}, EqualPrecedence);
 }
 
 std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope) {
@@ -35,7 +33,7 @@ std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope) {
         literal->token.kind == TokenKind::Integer && IsWholeNumber(type) && node.op == Op::Equal;
     if (!text && !number)
         return {};
-    if (node.op == Op::Like && !ExpressionWriter::IsPlainPattern(*literal))
+    if (node.op == Op::Like && !ExpressionBinder::IsPlainPattern(*literal))
         return {};
     return KeyCondition{static_cast<int>(place->column), literal->literal};
 }

@@ -11,7 +11,7 @@ bool FindKeys(const Node* where, const Scope& scope, Plan& plan);
 /// Which rows of its table a statement looks at: all of them, or those that an index has named.
 enum class Rows { All, One, Listed };
 /// `alias.rowid = ?` or `alias.rowid IN (...)` for the rows found, which come as parameter `number`.
-QString KeyText(const ScopeSource& source, int number, Rows rows);
+TermPtr KeyTerm(const ScopeSource& source, int number, Rows rows);
 /// The column and the literal of `column = literal`, if that is what it is.
 std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope);
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/engine/sql/Bound.h"
 #include "platform/engine/sql/Lexer.h"
-#include "platform/engine/sql/Written.h"
 
 namespace engine::sql {
 
@@ -51,13 +51,12 @@ enum Level : int {
 struct Operator {
     Op op;
     int level;
-    char16_t sign;         ///< as Token::sign; 0 for a word
-    std::string_view word; ///< else empty
-    /// In SQLite's text: what stands between the two, or a function of both, which then ends in `(`.
-    const char16_t* text;
+    char16_t sign;             ///< as Token::sign; 0 for a word
+    std::string_view word;     ///< else empty
+    const char16_t* form;      ///< of the term for the two
     int precedence;            ///< of what is written; PrimaryPrecedence for a function
     DataType result;           ///< Unknown: what the two have in common
-    const char16_t* amounts{}; ///< the function for two amounts of money, if they stay one
+    const char16_t* amounts{}; ///< the form for two amounts of money, if they stay one
 };
 
 const Operator& OperatorOf(Op op);

@@ -2,7 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/Names.h"
-#include "platform/engine/sql/ExpressionWriter.h"
+#include "platform/engine/sql/ExpressionBinder.h"
 
 #include <algorithm>
 
@@ -55,7 +55,7 @@ bool Scope::IsDecided(const Node& node, const std::vector<NodePtr>& groups) cons
         return true;
     if (node.kind == NodeKind::Name)
         return !Find(node.qualifier, node.name); // a column of a statement around this one, or an alias
-    if (node.kind == NodeKind::Call && ExpressionWriter::IsAggregate(node.name))
+    if (node.kind == NodeKind::Call && ExpressionBinder::IsAggregate(node.name))
         return true;
     return std::ranges::all_of(node.children,
                                [&](const NodePtr& child) { return IsDecided(*child, groups); });

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/engine/sql/Bound.h"
 #include "platform/engine/sql/Tree.h"
-#include "platform/engine/sql/Written.h"
 
 #include <limits>
 #include <optional>
@@ -12,7 +12,7 @@ namespace engine::sql {
 /// A column that a FROM offers.
 struct ScopeColumn {
     QString name;
-    Written value;
+    Bound value;
 };
 
 /// A table or sub-query of a FROM.
@@ -39,6 +39,7 @@ struct Scope {
     const Scope* outer = nullptr; ///< of the statement around this one
     std::vector<ScopeSource> sources = {};
 
+    bool OneTable() const { return sources.size() == 1 && sources.front().table; }
     /// A column of this scope alone; failure 3079 if several sources have it. `first` and `end` narrow the
     /// search to the sources of one join.
     std::optional<ScopePlace> Find(const QString& qualifier, const QString& name, std::size_t first = 0,

@@ -1,8 +1,7 @@
 #include "platform/engine/EngineError.h"
-#include "platform/engine/sql/ActionWriter.h"
 #include "platform/engine/sql/Keys.h"
 #include "platform/engine/sql/Parser.h"
-#include "platform/engine/sql/QueryWriter.h"
+#include "platform/engine/sql/Writer.h"
 
 using namespace Qt::StringLiterals;
 
@@ -22,62 +21,90 @@ Query WholeTable(const QString& table) {
     return query;
 }
 
-void WriteSelect(Context& context, const Query& query, Plan& plan) {
-    QueryWriter writer(context, nullptr);
-    std::vector<WrittenColumn> columns;
-    if (query.parts.size() > 1 || query.parts.front().query) {
-        WrittenQuery written = writer.Write(query);
-        plan.text = written.text;
-        columns = std::move(written.columns);
-    } else {
-        Scope scope;
-        SelectParts parts = writer.WriteParts(*query.parts.front().select, query.orderBy, scope);
-        context.RaiseMistakes();
-        const QString rowNumber = parts.IsPlain() ? parts.table->RowId() : QString();
-        plan.text = parts.Assemble(rowNumber);
-        const int parameter = context.ParameterCount() + 1;
-        if (parts.table && FindKeys(query.parts.front().select->where.get(), scope, plan)) {
-            const QString where = parts.where.At(AndPrecedence) + u" AND "_s;
-            const auto keyed = [&](Rows rows) {
-                parts.where = MakeCondition(where + KeyText(*parts.table, parameter, rows), AndPrecedence);
-                return parts.Assemble(rowNumber);
-            };
-            plan.keyedText = keyed(Rows::Listed);
-            plan.keyedRowText = keyed(Rows::One);
-        }
-        if (parts.IsPlain()) {
-            plan.rowTable = parts.table->table->name;
-            parts.where = MakeCondition(KeyText(*parts.table, parameter, Rows::One), EqualPrecedence);
-            parts.orderBy.clear();
-            plan.rowText = parts.Assemble();
-        }
-        columns = std::move(parts.columns);
-    }
-    for (const WrittenColumn& column : columns)
+void AddColumns(const std::vector<BoundColumn>& columns, Plan& plan) {
+    for (const BoundColumn& column : columns)
         plan.columns.push_back({column.name, column.value.type});
 }
 
-void WriteQuery(Context& context, const Statement& statement, Purpose purpose,
-                const std::vector<Heading>* headings, Plan& plan) {
+/// One SELECT, whose rows may be found and read again one by one.
+void TranslateSelect(Context& context, const Query& query, Plan& plan) {
+    const Select& select = *query.parts.front().select;
+    Scope scope;
+    BoundSelect bound = QueryBinder(context, nullptr).BindSelect(select, query.orderBy, scope);
+    context.RaiseMistakes();
+    AddColumns(bound.columns, plan);
+    const QString rowNumber = bound.IsPlain() ? scope.sources.front().RowId() : QString();
+    plan.text = Writer().Text(bound, rowNumber);
+    const auto among = [&](Rows rows) {
+        return KeyTerm(scope.sources.front(), context.ParameterCount() + 1, rows);
+    };
+    if (bound.oneTable && FindKeys(select.where.get(), scope, plan)) {
+        BoundSelect keyed = bound;
+        const auto text = [&](Rows rows) {
+            keyed.where = MakeTerm(u"% AND %", {{bound.where, AndPrecedence}, among(rows)}, AndPrecedence);
+            return Writer().Text(keyed, rowNumber);
+        };
+        plan.keyedText = text(Rows::Listed);
+        plan.keyedRowText = text(Rows::One);
+    }
+    if (bound.IsPlain()) {
+        plan.rowTable = scope.sources.front().table->name;
+        bound.where = among(Rows::One);
+        bound.orderBy.clear();
+        plan.rowText = Writer().Text(bound);
+    }
+}
+
+void TranslateTransform(Context& context, const Statement& statement, const std::vector<Heading>* headings,
+                        Plan& plan) {
+    bool asks = false;
+    const BoundSelect bound = BindTransform(context, *statement.transform, *statement.query, headings, asks);
+    (asks ? plan.headingsText : plan.text) = Writer().Text(bound);
+    if (!asks)
+        AddColumns(bound.columns, plan);
+}
+
+void TranslateQuery(Context& context, const Statement& statement, Purpose purpose,
+                    const std::vector<Heading>* headings, Plan& plan) {
     const bool executes = purpose == Purpose::Execute;
     if (statement.kind == Statement::TableKind) {
         if (executes || !context.FindTable(statement.table))
             RaiseEngine(UnknownTable, statement.table);
-        WriteSelect(context, WholeTable(statement.table), plan);
+        TranslateSelect(context, WholeTable(statement.table), plan);
         return;
     }
     const Query& query = *statement.query;
-    const auto& first = query.parts.front();
-    if (statement.transform)
-        WriteTransform(context, *statement.transform, query, headings, plan);
-    else if (query.parts.size() == 1 && first.select && !first.select->into.isEmpty())
-        WriteInto(context, query, plan);
-    else
-        WriteSelect(context, query, plan);
+    const bool single = query.parts.size() == 1 && query.parts.front().select;
+    if (statement.transform) {
+        TranslateTransform(context, statement, headings, plan);
+    } else if (single && !query.parts.front().select->into.isEmpty()) {
+        plan.text = plan.ignoreText = Writer().Insert(BindInto(context, query, plan));
+    } else if (single) {
+        TranslateSelect(context, query, plan);
+    } else {
+        const QueryPtr bound = QueryBinder(context, nullptr).Bind(query);
+        plan.text = Writer().Text(*bound);
+        AddColumns(bound->columns, plan);
+    }
     if (executes && plan.verb == Verb::Select) {
         context.RaiseMistakes();
         RaiseEngine(CannotExecuteSelect);
     }
+}
+
+/// UPDATE or DELETE in both of its forms, and once more for rows that an index in memory has found.
+void WriteChange(const Context& context, QString (Writer::*write)(const BoundChange&) const,
+                 BoundChange bound, const Node* where, const Scope& scope, Plan& plan) {
+    plan.text = (Writer().*write)(bound);
+    plan.ignoreText = (Writer(true).*write)(bound);
+    if (bound.joins || !FindKeys(where, scope, plan))
+        return;
+    const int parameter = context.ParameterCount() + 1;
+    bound.conditions.emplace_back(KeyTerm(*bound.target, parameter, Rows::Listed));
+    plan.keyedText = (Writer().*write)(bound);
+    plan.keyedIgnoreText = (Writer(true).*write)(bound);
+    bound.conditions.back() = KeyTerm(*bound.target, parameter, Rows::One);
+    plan.keyedRowText = (Writer().*write)(bound);
 }
 
 } // namespace
@@ -86,11 +113,12 @@ Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
                const std::vector<Heading>* headings) {
     const Statement statement = Parser(scanned.text, scanned.cacheable).ParseStatement();
     Context context(scanned, catalog);
+    Scope scope;
     Plan plan;
     switch (statement.kind) {
     case Statement::QueryKind:
     case Statement::TableKind:
-        WriteQuery(context, statement, purpose, headings, plan);
+        TranslateQuery(context, statement, purpose, headings, plan);
         break;
     case Statement::SchemaKind:
         plan.verb = Verb::Schema;
@@ -98,14 +126,20 @@ Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
         plan.target = statement.schema.table.name;
         Changed(plan.change, catalog);
         break;
-    case Statement::InsertKind:
-        WriteInsert(context, statement.insert, plan);
+    case Statement::InsertKind: {
+        const BoundInsert bound = BindInsert(context, statement.insert, plan);
+        plan.text = Writer().Insert(bound);
+        plan.ignoreText = Writer(true).Insert(bound);
         break;
+    }
     case Statement::UpdateKind:
-        WriteUpdate(context, statement.update, plan);
+        WriteChange(context, &Writer::Update, BindUpdate(context, scope, statement.update, plan),
+                    statement.update.where.get(), scope, plan);
         break;
     case Statement::DeleteKind:
-        WriteDelete(context, statement.remove, plan);
+        WriteChange(context, &Writer::Delete, BindDelete(context, scope, statement.remove, plan),
+                    statement.remove.where.get(), scope, plan);
+        plan.deletesAll = scope.OneTable() && !statement.remove.where;
         break;
     }
     context.RaiseMistakes();

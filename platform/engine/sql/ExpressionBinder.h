@@ -7,12 +7,13 @@
 
 namespace engine::sql {
 
-/// Writes the expressions of one clause: `a01last LIKE 'и*' AND a01clid <> 3` becomes
-/// `zv_like(q1."a01last", ?1) AND q1."a01clid" <> ?2`. Sub-queries go through QueryWriter.
-class ExpressionWriter {
+/// Settles the expressions of one clause: which column a name means, what type a value has, and by which term
+/// SQLite gets it. `a01last LIKE 'и*' AND a01clid <> 3` becomes
+/// `zv_like(q1."a01last", ?1) AND q1."a01clid" <> ?2`. Sub-queries go through QueryBinder.
+class ExpressionBinder {
 public:
     /// `aggregateFailure`: the failure that an aggregate is in this clause, 0 where it may stand.
-    ExpressionWriter(Context& context, const Scope& scope, int aggregateFailure)
+    ExpressionBinder(Context& context, const Scope& scope, int aggregateFailure)
         : m_context(context)
         , m_scope(scope)
         , m_aggregateFailure(aggregateFailure)
@@ -24,18 +25,18 @@ public:
     void OfferAliases(std::span<const SelectItem> items) { m_items = items; }
 
     /// Aggregates take in only the rows that meet this condition.
-    void FilterAggregates(const QString& condition) { m_filter = condition; }
+    void FilterAggregates(const TermPtr& condition) { m_filter = condition; }
 
     /// As it comes: a value or a condition.
-    Written Write(const Node& node);
+    Bound Bind(const Node& node);
     /// A value: a condition becomes -1 or 0.
-    Written Value(const Node& node) { return AsNumber(Write(node)); }
+    Bound Value(const Node& node) { return AsNumber(Bind(node)); }
     /// What a column delivers: a condition becomes -1 or 0.
-    Written ColumnValue(const Node& node);
+    Bound ColumnValue(const Node& node);
     /// A condition: a number stands for its not being 0.
-    Written Condition(const Node& node);
+    Bound Condition(const Node& node);
     /// A comparison of two values; `op` is one of the six.
-    Written Compare(Op op, const Written& left, const Written& right);
+    Bound Compare(Op op, const Bound& left, const Bound& right);
 
     bool SawAggregate() const { return m_sawAggregate; }
     /// Whether a column of a statement around this one was named.
@@ -48,29 +49,30 @@ public:
     static bool IsAggregate(const QString& name);
 
 private:
-    Written WriteKind(const Node& node);
-    Written WriteName(const Node& node);
-    std::optional<Written> WriteAlias(const QString& name);
-    Written WriteNegate(const Node& node);
-    Written WriteBinary(const Node& node);
-    Written WriteLogical(const Node& node);
-    Written WriteArithmetic(const Operator& op, Written left, Written right);
-    Written WriteLike(const Node& node);
-    Written WriteBetween(const Node& node);
-    Written WriteInList(const Node& node);
-    Written WriteInQuery(const Written& value, const Query& query, bool negated);
-    Written WriteIsNull(const Node& value, bool negated);
-    Written WriteSubquery(const Node& node);
-    Written WriteQuantified(const Node& node);
-    void CheckComparable(const Written& left, const Written& right);
+    Bound BindKind(const Node& node);
+    Bound BindName(const Node& node);
+    std::optional<Bound> BindAlias(const QString& name);
+    Bound BindNegate(const Node& node);
+    Bound BindBinary(const Node& node);
+    Bound BindLogical(const Node& node);
+    Bound BindArithmetic(const Operator& op, Bound left, Bound right);
+    Bound BindLike(const Node& node);
+    Bound BindBetween(const Node& node);
+    Bound BindInList(const Node& node);
+    Bound BindInQuery(const Bound& value, const Query& query, bool negated);
+    Bound BindIsNull(const Node& value, bool negated);
+    Bound BindSubquery(const Node& node);
+    Bound BindQuantified(const Node& node);
+    void CheckComparable(const Bound& left, const Bound& right);
 
-    Written WriteCall(const Node& node);
-    Written WriteAggregate(const Node& node);
-    Written WriteAggregated(const Node& node);
-    Written WriteIif(const Node& node);
-    Written WriteSwitch(const Node& node);
-    Written WriteChoose(const Node& node);
-    Written WriteFunction(const Node& node);
+    Bound BindCall(const Node& node);
+    Bound BindAggregate(const Node& node);
+    Bound BindAggregated(const Node& node);
+    TermPtr Filtered(const QString& form, std::vector<Operand> operands) const;
+    Bound BindIif(const Node& node);
+    Bound BindSwitch(const Node& node);
+    Bound BindChoose(const Node& node);
+    Bound BindFunction(const Node& node);
     [[noreturn]] void FailArguments(const Node& node) const;
 
     Context& m_context;
@@ -81,7 +83,7 @@ private:
     std::span<const SelectItem> m_items;
     std::vector<const SelectItem*> m_openAliases;
     std::vector<bool> m_used;
-    QString m_filter;
+    TermPtr m_filter;
     bool m_sawAggregate = false;
     bool m_sawOwn = false; ///< a column of the own scope was named
     bool m_sawOuter = false;

@@ -1,7 +1,7 @@
 // The FROM of a statement.
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/Names.h"
-#include "platform/engine/sql/QueryWriter.h"
+#include "platform/engine/sql/QueryBinder.h"
 
 using namespace Qt::StringLiterals;
 
@@ -10,9 +10,9 @@ namespace engine::sql {
 namespace {
 
 /// Collects the sources into the scope first, since any ON may name any of them.
-class FromWriter {
+class FromBinder {
 public:
-    FromWriter(Context& context, Scope& scope)
+    FromBinder(Context& context, Scope& scope)
         : m_context(context)
         , m_scope(scope) {}
 
@@ -27,7 +27,7 @@ public:
         }
     }
 
-    QString Write(const Source& source) { return source.left ? WriteJoin(source) : m_texts[m_next++]; }
+    TermPtr Bind(const Source& source) { return source.left ? BindJoin(source) : m_terms[m_next++]; }
 
 private:
     void AddTable(const Source& source) {
@@ -37,71 +37,67 @@ private:
         ScopeSource added{
             source.alias.isEmpty() ? table->name : source.alias, m_context.NewAlias(), table, {}};
         for (const ColumnInfo& column : table->columns) {
-            Written value =
-                StoredValue(added.alias + u'.' + QuoteName(column.name), column.type, column.size);
+            Bound value = StoredValue(added.alias + u'.' + QuoteName(column.name), column.type, column.size);
             // Files of before may hold NULL where No is meant; a row that an outer join leaves out holds
             // none.
             if (column.type == DataType::Bit)
-                value.text = u"CASE WHEN "_s + added.RowId() + u" IS NOT NULL THEN ifnull("_s + value.text +
-                             u", 0) END"_s;
+                value.term = MakeTerm(u"CASE WHEN % IS NOT NULL THEN ifnull(%, 0) END",
+                                      {MakeTerm(added.RowId()), value});
             value.collated = value.IsText();
             added.columns.push_back({column.name, std::move(value)});
         }
-        m_texts.push_back(QuoteName(table->name) + u" AS "_s + added.alias);
+        m_terms.push_back(MakeTerm(QuoteName(table->name) + u" AS "_s + added.alias));
         m_scope.sources.push_back(std::move(added));
     }
 
     void AddQuery(const Source& source) {
-        const WrittenQuery query = QueryWriter(m_context, nullptr).Write(*source.query);
+        const QueryPtr query = QueryBinder(m_context, nullptr).Bind(*source.query);
         ScopeSource added{source.alias, m_context.NewAlias(), nullptr, {}};
-        for (const WrittenColumn& column : query.columns) {
+        for (const BoundColumn& column : query->columns) {
             const QString place = QString::number(added.columns.size());
-            Written value = DeliveredValue(column.value, added.alias + u".c"_s + place);
+            Bound value = DeliveredValue(column.value, MakeTerm(added.alias + u".c"_s + place));
             value.nullable = true; // an outer join may leave it out
             value.null = false;
             added.columns.push_back({column.name, std::move(value)});
         }
-        m_texts.push_back(u'(' + query.text + u") AS "_s + added.alias);
+        m_terms.push_back(MakeTerm(u"(%) AS "_s + added.alias, {query}));
         m_scope.sources.push_back(std::move(added));
     }
 
-    QString WriteJoin(const Source& join) {
+    TermPtr BindJoin(const Source& join) {
         const std::size_t first = m_next;
-        QString left = Write(*join.left);
-        QString right = Write(*join.right);
-        ExpressionWriter writer(m_context, m_scope, AggregateInJoin);
-        writer.LimitSources(first, m_next);
-        const QString condition = writer.Condition(*join.on).text;
+        TermPtr left = Bind(*join.left);
+        TermPtr right = Bind(*join.right);
+        ExpressionBinder binder(m_context, m_scope, AggregateInJoin);
+        binder.LimitSources(first, m_next);
+        const Bound condition = binder.Condition(*join.on);
         // A right join is a left join seen from the other side, which every SQLite knows.
-        const bool turned = join.join == JoinKind::Right;
-        const Source& behind = turned ? *join.left : *join.right;
-        if (turned)
+        if (join.join == JoinKind::Right)
             std::swap(left, right);
-        if (behind.left)
-            right = u'(' + right + u')';
-        return left + (join.join == JoinKind::Inner ? u" JOIN "_s : u" LEFT JOIN "_s) + right + u" ON "_s +
-               condition;
+        return MakeTerm(join.join == JoinKind::Inner ? u"% JOIN % ON %" : u"% LEFT JOIN % ON %",
+                        {left, {right, PrimaryPrecedence}, condition}, JoinPrecedence);
     }
 
     Context& m_context;
     Scope& m_scope;
-    std::vector<QString> m_texts; ///< of each source
-    std::size_t m_next = 0;       ///< source that is written next
+    std::vector<TermPtr> m_terms; ///< of each source
+    std::size_t m_next = 0;       ///< source that is bound next
 };
 
 } // namespace
 
-QString WriteFrom(Context& context, Scope& scope, const std::vector<SourcePtr>& from) {
-    FromWriter writer(context, scope);
+TermPtr BindFrom(Context& context, Scope& scope, const std::vector<SourcePtr>& from) {
+    FromBinder binder(context, scope);
     for (const auto& source : from)
-        writer.Collect(*source);
-    QStringList texts;
+        binder.Collect(*source);
+    QString form;
+    std::vector<Operand> sources;
     for (const auto& source : from) {
-        const QString text = writer.Write(*source);
         // A join behind a comma is one operand.
-        texts += !texts.isEmpty() && source->left ? u'(' + text + u')' : text;
+        sources.emplace_back(binder.Bind(*source), sources.empty() ? 0 : PrimaryPrecedence);
+        form += form.isEmpty() ? u"%"_s : u", %"_s;
     }
-    return texts.join(u", "_s);
+    return form.isEmpty() ? nullptr : MakeTerm(form, std::move(sources));
 }
 
 } // namespace engine::sql

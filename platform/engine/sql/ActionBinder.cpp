@@ -1,8 +1,7 @@
-#include "platform/engine/sql/ActionBinder.h"
-
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/Types.h"
+#include "platform/engine/sql/Binder.h"
 
 #include <algorithm>
 #include <utility>
@@ -57,7 +56,7 @@ NewValue Converted(const Bound& value, const TableInfo& table, int column) {
 
 NewValue Assigned(Context& context, const Node& node, ExpressionBinder& binder, const TableInfo& table,
                   int column) {
-    if (const TermPtr parameter = context.BindAssigned(node, table.At(column), table.name))
+    if (const TermPtr parameter = context.BindAssigned(node, table.At(column)))
         return {column, parameter, IsKey(table, column)};
     return Converted(binder.Value(node), table, column);
 }

@@ -73,10 +73,14 @@ Bound MakeNull() {
     return bound;
 }
 
-Bound MakeCondition(QStringView form, std::vector<Operand> operands, int precedence) {
-    Bound bound = MakeBound(DataType::Bit, MakeTerm(form, std::move(operands), precedence));
+Bound MakeCondition(TermPtr term) {
+    Bound bound = MakeBound(DataType::Bit, std::move(term));
     bound.condition = true;
     return bound;
+}
+
+Bound MakeCondition(QStringView form, std::vector<Operand> operands, int precedence) {
+    return MakeCondition(MakeTerm(form, std::move(operands), precedence));
 }
 
 Bound MakeAmount(TermPtr units) {

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "platform/engine/schema/Types.h"
-
-#include <QString>
+#include "platform/engine/schema/Table.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace engine::sql {
@@ -17,7 +16,6 @@ enum Precedence : int {
     AndPrecedence,
     NotPrecedence,
     EqualPrecedence,
-    LessPrecedence,
     AddPrecedence,
     MultiplyPrecedence,
     ConcatPrecedence,
@@ -90,6 +88,7 @@ struct Bound {
 
 Bound MakeBound(DataType type, TermPtr term);
 Bound MakeNull();
+Bound MakeCondition(TermPtr term);
 Bound MakeCondition(QStringView form, std::vector<Operand> operands = {}, int precedence = PrimaryPrecedence);
 /// An amount of money; `units` is its term in ten-thousandths.
 Bound MakeAmount(TermPtr units);
@@ -112,5 +111,88 @@ TermPtr ComparedUnits(const Bound& value);
 /// As an argument of a function, which could not tell amounts of money and numbers of type SINGLE from
 /// others.
 TermPtr Argument(const Bound& value);
+
+/// Place of a column in a scope.
+struct ScopePlace {
+    std::size_t source = 0;
+    std::size_t column = 0;
+
+    friend bool operator==(const ScopePlace&, const ScopePlace&) = default;
+};
+
+/// A column that a query delivers or a source offers.
+struct BoundColumn {
+    QString name;
+    Bound value;
+    std::optional<ScopePlace> place = {}; ///< of a column that bears its own name
+};
+
+/// A table or sub-query of a FROM.
+struct ScopeSource {
+    QString name = {};                ///< by which columns are qualified
+    QString alias = {};               ///< in SQLite's text
+    const TableInfo* table = nullptr; ///< null for a sub-query
+    std::vector<BoundColumn> columns = {};
+
+    /// SQLite's row number under that of its three names that no column of the table bears.
+    QString RowId() const;
+};
+
+/// A term of ORDER BY.
+struct OrderTerm {
+    Bound value;
+    bool descending = false;
+};
+
+/// One SELECT. Its columns are called c0, c1 ... for the query around it.
+struct BoundSelect {
+    std::vector<BoundColumn> columns;
+    TermPtr from;          ///< null: no FROM
+    bool oneTable = false; ///< the only source is a table
+    TermPtr where;
+    std::vector<TermPtr> groupBy;
+    TermPtr having;
+    std::vector<OrderTerm> orderBy;
+    bool all = false; ///< joined to the SELECT before it by UNION ALL
+    bool distinct = false;
+    bool aggregated = false;
+    bool groups = false;
+    int top = 0;
+    bool percent = false;
+
+    /// Whether each row is that of one row of one table.
+    bool IsPlain() const { return oneTable && !distinct && !aggregated && !groups && top == 0; }
+};
+
+/// One SELECT, or several joined by UNION.
+struct BoundQuery {
+    std::vector<BoundColumn> columns = {};
+    std::vector<BoundSelect> parts = {};
+    std::vector<OrderTerm> orderBy = {}; ///< of a UNION, by the numbers of columns
+    bool singleRow = false;              ///< never more than one row
+};
+
+/// A value on its way into a column, converted to its type.
+struct NewValue {
+    int column = 0; ///< place in the table
+    TermPtr value;
+    bool key = false; ///< without it the row cannot stand
+};
+
+/// INSERT, and the second half of SELECT ... INTO.
+struct BoundInsert {
+    const TableInfo* table = nullptr;
+    std::vector<NewValue> row = {};
+    QueryPtr from = {}; ///< where the rows come from; null for one row
+};
+
+/// UPDATE and DELETE.
+struct BoundChange {
+    const ScopeSource* target = nullptr;
+    bool joins = false; ///< the rows to change are found by a query over more than the target
+    TermPtr from;
+    std::vector<NewValue> values = {};    ///< UPDATE
+    std::vector<Operand> conditions = {}; ///< each of them is to hold
+};
 
 } // namespace engine::sql

@@ -3,7 +3,7 @@
 #include "platform/engine/functions/Functions.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/Types.h"
-#include "platform/engine/sql/ExpressionBinder.h"
+#include "platform/engine/sql/Binder.h"
 
 #include <algorithm>
 #include <array>
@@ -47,41 +47,33 @@ bool Names(std::u16string_view name, const QString& word) {
     return SameName(QStringView(name), word);
 }
 
-/// The CASE of a choice. Its type is what all its results have in common.
-class Choice {
-public:
-    explicit Choice(QString start, std::vector<Operand> operands = {})
-        : m_form(std::move(start))
-        , m_operands(std::move(operands)) {}
-
-    /// `words` stand in front of the result, over `operands`.
-    void Add(const QString& words, std::vector<Operand> operands, const Bound& result) {
-        m_form += words + u'%';
-        std::ranges::move(operands, std::back_inserter(m_operands));
-        m_results.emplace_back(m_operands.size(), result);
-        m_operands.emplace_back(result);
-        m_wide = m_wide || result.wide;
-        if (!result.null)
-            m_type = m_type ? CommonType(*m_type, result.type) : result.type;
-    }
-
-    Bound Take() {
-        const bool amounts = m_type == DataType::Currency;
-        for (const auto& [place, result] : m_results)
-            m_operands[place].term = amounts ? Units(result) : result.term;
-        const TermPtr term = MakeTerm(m_form + u" END"_s, std::move(m_operands));
-        Bound choice = amounts ? MakeAmount(term) : MakeBound(m_type.value_or(DataType::Unknown), term);
-        choice.wide = m_wide;
-        return choice;
-    }
-
-private:
-    QString m_form;
-    std::vector<Operand> m_operands;
-    std::vector<std::pair<std::size_t, Bound>> m_results; ///< with their places among the operands
-    std::optional<DataType> m_type;
-    bool m_wide = false;
+/// A result of a choice, behind `words` over `operands`.
+struct Branch {
+    QString words;
+    std::vector<Operand> operands;
+    Bound result;
 };
+
+/// CASE, which computes only what it needs, as the engine does. Its type is what all results have in common.
+Bound Choice(QString form, std::vector<Operand> operands, const std::vector<Branch>& branches) {
+    std::optional<DataType> type;
+    bool wide = false;
+    for (const auto& [words, conditions, result] : branches) {
+        wide = wide || result.wide;
+        if (!result.null)
+            type = type ? CommonType(*type, result.type) : result.type;
+    }
+    const bool amounts = type == DataType::Currency;
+    for (const auto& [words, conditions, result] : branches) {
+        form += words + u'%';
+        operands.insert(operands.end(), conditions.begin(), conditions.end());
+        operands.emplace_back(amounts ? Units(result) : result.term);
+    }
+    const TermPtr term = MakeTerm(form + u" END"_s, std::move(operands));
+    Bound choice = amounts ? MakeAmount(term) : MakeBound(type.value_or(DataType::Unknown), term);
+    choice.wide = wide;
+    return choice;
+}
 
 const Aggregate* FindAggregate(const QString& name) {
     const auto found =
@@ -173,44 +165,43 @@ Bound ExpressionBinder::BindAggregated(const Node& node) {
     return value;
 }
 
-/// CASE computes only what it needs, as the engine does. An IIF in the last place continues the same CASE.
+/// An IIF in the last place continues the same CASE.
 Bound ExpressionBinder::BindIif(const Node& node) {
-    Choice choice(u"CASE"_s);
+    std::vector<Branch> branches;
     const Node* current = &node;
     for (;;) {
         if (current->children.size() != 3)
             FailArguments(*current);
         const Bound condition = Condition(*current->children[0]);
-        choice.Add(u" WHEN % THEN "_s, {condition}, Value(*current->children[1]));
+        branches.push_back({u" WHEN % THEN "_s, {condition}, Value(*current->children[1])});
         const Node& otherwise = *current->children[2];
-        if (otherwise.kind == NodeKind::Call && !otherwise.all && Names(u"IIF", otherwise.name)) {
-            current = &otherwise;
-            continue;
+        if (otherwise.kind != NodeKind::Call || otherwise.all || !Names(u"IIF", otherwise.name)) {
+            branches.push_back({u" ELSE "_s, {}, Value(otherwise)});
+            return Choice(u"CASE"_s, {}, branches);
         }
-        choice.Add(u" ELSE "_s, {}, Value(otherwise));
-        return choice.Take();
+        current = &otherwise;
     }
 }
 
 Bound ExpressionBinder::BindSwitch(const Node& node) {
     if (node.children.empty() || node.children.size() % 2 != 0)
         FailArguments(node);
-    Choice choice(u"CASE"_s);
+    std::vector<Branch> branches;
     for (std::size_t i = 0; i < node.children.size(); i += 2) {
         const Bound condition = Condition(*node.children[i]);
-        choice.Add(u" WHEN % THEN "_s, {condition}, Value(*node.children[i + 1]));
+        branches.push_back({u" WHEN % THEN "_s, {condition}, Value(*node.children[i + 1])});
     }
-    return choice.Take();
+    return Choice(u"CASE"_s, {}, branches);
 }
 
 Bound ExpressionBinder::BindChoose(const Node& node) {
     if (node.children.size() < 2)
         FailArguments(node);
     const Bound index = Value(*node.children[0]);
-    Choice choice(IsWholeNumber(index.type) ? u"CASE %"_s : u"CASE zv_round(%)"_s, {index});
+    std::vector<Branch> branches;
     for (std::size_t i = 1; i < node.children.size(); ++i)
-        choice.Add(u" WHEN "_s + QString::number(i) + u" THEN "_s, {}, Value(*node.children[i]));
-    return choice.Take();
+        branches.push_back({u" WHEN "_s + QString::number(i) + u" THEN "_s, {}, Value(*node.children[i])});
+    return Choice(IsWholeNumber(index.type) ? u"CASE %"_s : u"CASE zv_round(%)"_s, {index}, branches);
 }
 
 Bound ExpressionBinder::BindFunction(const Node& node) {

@@ -1,9 +1,9 @@
 // Criteria of a search over a result set.
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/Names.h"
+#include "platform/engine/sql/Binder.h"
 #include "platform/engine/sql/Keys.h"
 #include "platform/engine/sql/Parser.h"
-#include "platform/engine/sql/Plan.h"
 #include "platform/engine/sql/Writer.h"
 
 #include <algorithm>

@@ -1,9 +1,7 @@
-#include "platform/engine/sql/ExpressionBinder.h"
-
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Functions.h"
 #include "platform/engine/schema/Names.h"
-#include "platform/engine/sql/QueryBinder.h"
+#include "platform/engine/sql/Binder.h"
 
 #include <algorithm>
 
@@ -236,9 +234,7 @@ Bound ExpressionBinder::BindBinary(const Node& node) {
 
 Bound ExpressionBinder::BindLogical(const Node& node) {
     const Bound left = Negated(node.op == Op::Imp, Condition(*node.children[0]));
-    Bound both = MakeBound(DataType::Bit, Joined(OperatorOf(node.op), left, Condition(*node.children[1])));
-    both.condition = true;
-    return both;
+    return MakeCondition(Joined(OperatorOf(node.op), left, Condition(*node.children[1])));
 }
 
 void ExpressionBinder::CheckComparable(const Bound& left, const Bound& right) {
@@ -262,9 +258,7 @@ Bound ExpressionBinder::Compare(Op op, const Bound& left, const Bound& right) {
         const bool equality = op == Op::Equal || op == Op::NotEqual;
         a = !equality ? Sorted(left) : right.collated ? left : Folded(left);
     }
-    Bound compared = MakeBound(DataType::Bit, Joined(OperatorOf(op), a, b));
-    compared.condition = true;
-    return compared;
+    return MakeCondition(Joined(OperatorOf(op), a, b));
 }
 
 Bound ExpressionBinder::BindArithmetic(const Operator& op, Bound left, Bound right) {

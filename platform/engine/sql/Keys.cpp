@@ -2,7 +2,7 @@
 
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/Types.h"
-#include "platform/engine/sql/ExpressionBinder.h"
+#include "platform/engine/sql/Binder.h"
 
 #include <algorithm>
 

@@ -30,22 +30,12 @@ bool IsComparisonWord(const Token& token) {
 
 } // namespace
 
-class Parser::Nesting {
-public:
-    explicit Nesting(int& depth)
-        : m_depth(depth) {
-        if (++m_depth > deepestNesting) {
-            --m_depth;
-            RaiseEngine(QueryTooComplex);
-        }
-    }
-    ~Nesting() { --m_depth; }
-    Nesting(const Nesting&) = delete;
-    Nesting& operator=(const Nesting&) = delete;
-
-private:
-    int& m_depth;
-};
+Parser::Nesting::Nesting(int& depth, int deepest)
+    : m_depth(depth) {
+    if (depth >= deepest)
+        RaiseEngine(QueryTooComplex);
+    ++m_depth;
+}
 
 Parser::Parser(QStringView text, bool bindsLiterals)
     : m_text(text) {
@@ -81,10 +71,6 @@ Token Parser::Take() {
 void Parser::Skip(int tokens) {
     while (tokens-- > 0)
         Take();
-}
-
-bool Parser::AtEnd(std::size_t ahead) const {
-    return Peek(ahead).kind == TokenKind::End || Peek(ahead).Is(u';');
 }
 
 bool Parser::TakeWord(std::string_view keyword) {
@@ -272,7 +258,7 @@ NodePtr Parser::ParseBinary(int level) {
 }
 
 NodePtr Parser::ParsePrefix() {
-    const Nesting nesting(m_nesting);
+    const Nesting nesting(m_nesting, deepestNesting);
     const Token& token = Peek();
     const bool negates = token.IsWord("NOT");
     if (!negates && !token.Is(u'-') && !token.Is(u'+'))
@@ -383,7 +369,7 @@ NodePtr Parser::ParseLiteral() {
 }
 
 NodePtr Parser::ParseParenthesis() {
-    const Nesting nesting(m_nesting);
+    const Nesting nesting(m_nesting, deepestNesting);
     if (AtQuery()) {
         NodePtr node = NewNode(NodeKind::Subquery, Peek());
         node->query = ParseNestedQuery();
@@ -414,7 +400,7 @@ NodePtr Parser::ParseName() {
 }
 
 NodePtr Parser::ParseCall() {
-    const Nesting nesting(m_nesting);
+    const Nesting nesting(m_nesting, deepestNesting);
     NodePtr node = NewNode(NodeKind::Call, Peek());
     node->name = Take().text.toString();
     if (Peek(1).Is(u'*') && Peek(2).Is(u')')) {

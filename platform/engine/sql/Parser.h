@@ -29,7 +29,7 @@ private:
     Token Take();
     void Skip(int tokens);
     /// Whether the statement ends here.
-    bool AtEnd(std::size_t ahead = 0) const;
+    bool AtEnd() const { return Peek().kind == TokenKind::End || Peek().Is(u';'); }
     bool TakeWord(std::string_view keyword);
     bool TakeSign(char16_t sign);
     bool AtWord(std::string_view keyword, std::size_t ahead = 0) const { return Peek(ahead).IsWord(keyword); }
@@ -109,13 +109,24 @@ private:
     void ParseDrop(SchemaChange& change);
     ColumnInfo ParseColumn(TableInfo& table, int number);
     void ParseColumnType(ColumnInfo& column);
-    void ParseColumnConstraint(ColumnInfo& column, TableInfo& table, const QString& name);
-    QString ParseConstraintName();
-    IndexInfo ParseTableConstraint(TableInfo& table);
+    void ParseColumnConstraint(ColumnInfo& column, TableInfo& table);
+    IndexInfo ParseTableConstraint(const TableInfo& table);
+    IndexInfo ParseKey(const TableInfo& table);
+    /// Failure `number` unless a name comes that new things may bear; `invalid` if it may not.
+    QString ParseNewName(int number, int invalid);
     QStringList ParseColumnNames(int number);
 
-    /// Counts nested calls; failure 3360 where the text is nested too deep.
-    class Nesting;
+    /// Counts how deep the current place is nested; failure 3360 beyond `deepest`.
+    class Nesting {
+    public:
+        Nesting(int& depth, int deepest);
+        ~Nesting() { --m_depth; }
+        Nesting(const Nesting&) = delete;
+        Nesting& operator=(const Nesting&) = delete;
+
+    private:
+        int& m_depth;
+    };
 
     QStringView m_text;
     std::vector<Token> m_tokens;

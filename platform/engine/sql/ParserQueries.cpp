@@ -7,22 +7,6 @@ namespace engine::sql {
 
 namespace {
 
-/// Sets a value back when the scope ends.
-template <class T>
-class Restored {
-public:
-    explicit Restored(T& value)
-        : m_value(value)
-        , m_before(value) {}
-    ~Restored() { m_value = m_before; }
-    Restored(const Restored&) = delete;
-    Restored& operator=(const Restored&) = delete;
-
-private:
-    T& m_value;
-    T m_before;
-};
-
 constexpr int deepestQueries = 50;
 
 } // namespace
@@ -35,15 +19,15 @@ std::unique_ptr<Query> Parser::ParseQueryAlone() {
 
 /// A query in parentheses inside an expression or a FROM.
 std::unique_ptr<Query> Parser::ParseNestedQuery() {
-    const Restored start(m_clauseStart);
-    const Restored clause(m_clause);
-    const Restored parentheses(m_parentheses);
-    if (++m_parentheses > deepestQueries)
-        RaiseEngine(QueryTooComplex);
+    const Nesting parentheses(m_parentheses, deepestQueries);
+    const std::size_t start = m_clauseStart;
+    const Clause clause = m_clause;
     Take();
     auto query = ParseQuery();
     if (!TakeSign(u')'))
         FailOpenParenthesis();
+    m_clauseStart = start;
+    m_clause = clause;
     return query;
 }
 
@@ -193,9 +177,7 @@ SourcePtr Parser::ParseSource() {
             source->alias = ParseAlias();
             return source;
         }
-        const Restored parentheses(m_parentheses);
-        if (++m_parentheses > deepestQueries)
-            RaiseEngine(QueryTooComplex);
+        const Nesting parentheses(m_parentheses, deepestQueries);
         Take();
         SourcePtr joined = ParseJoins();
         ExpectSign(u')', SyntaxInFrom);

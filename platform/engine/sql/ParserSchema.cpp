@@ -7,14 +7,12 @@
 
 namespace engine::sql {
 
-namespace {
-
-void CheckName(const QString& name, int number) {
+QString Parser::ParseNewName(int number, int invalid) {
+    QString name = ExpectName(number);
     if (!IsValidName(name))
-        RaiseEngine(number);
+        RaiseEngine(invalid);
+    return name;
 }
-
-} // namespace
 
 QStringList Parser::ParseColumnNames(int number) {
     QStringList names;
@@ -41,8 +39,7 @@ void Parser::ParseCreate(SchemaChange& change) {
 
 void Parser::ParseCreateTable(SchemaChange& change) {
     change.kind = SchemaChange::CreateTable;
-    change.table.name = ExpectName(SyntaxInCreateTable);
-    CheckName(change.table.name, SyntaxInCreateTable);
+    change.table.name = ParseNewName(SyntaxInCreateTable, SyntaxInCreateTable);
     ExpectSign(u'(', SyntaxInCreateTable);
     do {
         if (TakeWord("CONSTRAINT")) {
@@ -63,8 +60,7 @@ void Parser::ParseCreateTable(SchemaChange& change) {
 /// A column with its type and constraints; its keys join the indexes of `table`.
 ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
     ColumnInfo column;
-    column.name = ExpectName(number);
-    CheckName(column.name, SyntaxInColumnDefinition);
+    column.name = ParseNewName(number, SyntaxInColumnDefinition);
     ParseColumnType(column);
     bool nullTold = false;
     for (;;) {
@@ -78,12 +74,9 @@ ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
             column.required = negated;
             continue;
         }
-        QString name;
-        if (TakeWord("CONSTRAINT"))
-            name = ParseConstraintName();
-        else if (!AtWord("PRIMARY") && !AtWord("UNIQUE"))
+        if (!AtWord("CONSTRAINT") && !AtWord("PRIMARY") && !AtWord("UNIQUE"))
             break;
-        ParseColumnConstraint(column, table, name);
+        ParseColumnConstraint(column, table);
     }
     if (!Peek().Is(u',') && !Peek().Is(u')') && !AtEnd())
         RaiseEngine(number);
@@ -114,54 +107,43 @@ void Parser::ParseColumnType(ColumnInfo& column) {
     column.size = value.Long();
 }
 
-void Parser::ParseColumnConstraint(ColumnInfo& column, TableInfo& table, const QString& name) {
-    IndexInfo index;
-    index.name = name;
-    index.columns = {column.name};
-    index.unique = true;
-    if (TakeWord("PRIMARY")) {
-        ExpectWord("KEY", SyntaxInConstraint);
-        index.primary = true;
-        if (std::ranges::any_of(table.indexes, &IndexInfo::primary))
-            RaiseEngine(PrimaryKeyExists);
-    } else {
-        ExpectWord("UNIQUE", SyntaxInConstraint);
-        if (name.isEmpty()) {
-            column.unique = true;
-            return;
-        }
-    }
-    table.indexes.push_back(std::move(index));
-}
-
-QString Parser::ParseConstraintName() {
-    QString name = ExpectName(SyntaxInConstraint);
-    CheckName(name, SyntaxInConstraint);
-    return name;
+void Parser::ParseColumnConstraint(ColumnInfo& column, TableInfo& table) {
+    const bool named = TakeWord("CONSTRAINT");
+    const QString name = named ? ParseNewName(SyntaxInConstraint, SyntaxInConstraint) : QString();
+    IndexInfo key = ParseKey(table);
+    key.name = name;
+    key.columns = {column.name};
+    if (named || key.primary)
+        table.indexes.push_back(std::move(key));
+    else
+        column.unique = true;
 }
 
 /// Behind CONSTRAINT: `name PRIMARY KEY (columns)` or `name UNIQUE (columns)`. There are no foreign keys.
-IndexInfo Parser::ParseTableConstraint(TableInfo& table) {
-    IndexInfo index;
-    index.name = ParseConstraintName();
-    index.unique = true;
-    index.primary = TakeWord("PRIMARY");
-    if (index.primary)
-        ExpectWord("KEY", SyntaxInConstraint);
-    else
-        ExpectWord("UNIQUE", SyntaxInConstraint);
-    if (index.primary && std::ranges::any_of(table.indexes, &IndexInfo::primary))
+IndexInfo Parser::ParseTableConstraint(const TableInfo& table) {
+    const QString name = ParseNewName(SyntaxInConstraint, SyntaxInConstraint);
+    IndexInfo key = ParseKey(table);
+    key.name = name;
+    key.columns = ParseColumnNames(SyntaxInConstraint);
+    return key;
+}
+
+/// PRIMARY KEY, the only one of its table, or UNIQUE.
+IndexInfo Parser::ParseKey(const TableInfo& table) {
+    IndexInfo key;
+    key.unique = true;
+    key.primary = TakeWord("PRIMARY");
+    ExpectWord(key.primary ? "KEY" : "UNIQUE", SyntaxInConstraint);
+    if (key.primary && table.PrimaryKey())
         RaiseEngine(PrimaryKeyExists);
-    index.columns = ParseColumnNames(SyntaxInConstraint);
-    return index;
+    return key;
 }
 
 void Parser::ParseCreateIndex(SchemaChange& change, bool unique) {
     change.kind = SchemaChange::CreateIndex;
     IndexInfo& index = change.index;
     index.unique = unique;
-    index.name = ExpectName(SyntaxInCreateIndex);
-    CheckName(index.name, SyntaxInCreateIndex);
+    index.name = ParseNewName(SyntaxInCreateIndex, SyntaxInCreateIndex);
     ExpectWord("ON", SyntaxInCreateIndex);
     change.table.name = ExpectName(SyntaxInCreateIndex);
     ExpectSign(u'(', SyntaxInCreateIndex);
@@ -172,16 +154,13 @@ void Parser::ParseCreateIndex(SchemaChange& change, bool unique) {
     } while (TakeSign(u','));
     ExpectSign(u')', SyntaxInCreateIndex);
     if (TakeWord("WITH")) {
-        if (TakeWord("PRIMARY")) {
-            index.primary = index.unique = true;
-        } else if (TakeWord("DISALLOW")) {
-            index.disallowNull = true;
+        index.primary = TakeWord("PRIMARY");
+        index.unique = index.unique || index.primary;
+        index.disallowNull = !index.primary && TakeWord("DISALLOW");
+        if (!index.primary && !index.disallowNull)
+            ExpectWord("IGNORE", SyntaxInCreateIndex);
+        if (!index.primary)
             ExpectWord("NULL", SyntaxInCreateIndex);
-        } else if (TakeWord("IGNORE")) {
-            ExpectWord("NULL", SyntaxInCreateIndex);
-        } else {
-            RaiseEngine(SyntaxInCreateIndex);
-        }
     }
     ExpectStatementEnd(SyntaxInCreateIndex);
 }
@@ -222,14 +201,13 @@ void Parser::ParseAlterAdd(SchemaChange& change) {
     TakeWord("COLUMN");
     change.kind = SchemaChange::AddColumn;
     change.column = ParseColumn(change.table, SyntaxInAlterTable);
+    auto& keys = change.table.indexes;
     // The key of a table joins it by ADD CONSTRAINT.
-    if (std::ranges::any_of(change.table.indexes, &IndexInfo::primary))
+    if (change.table.PrimaryKey() || keys.size() > 1)
         RaiseEngine(SyntaxInAlterTable);
-    if (change.table.indexes.size() > 1)
-        RaiseEngine(SyntaxInAlterTable);
-    if (!change.table.indexes.empty())
-        change.index = std::move(change.table.indexes.front());
-    change.table.indexes.clear();
+    if (!keys.empty())
+        change.index = std::move(keys.front());
+    keys.clear();
 }
 
 void Parser::ParseDrop(SchemaChange& change) {

@@ -27,7 +27,6 @@ struct Parameter {
     int literal = 0; ///< place in Scanned::literals
     /// Assignment to a column: converted to its type, with the column's failures (3464, 3349, 3163).
     std::optional<ColumnInfo> column;
-    QString table; ///< of the column, for messages
 };
 
 struct ResultColumn {

@@ -1,7 +1,7 @@
 // TRANSFORM: one row for each group, one column for each value of the pivot.
 #include "platform/engine/EngineError.h"
 #include "platform/engine/schema/Names.h"
-#include "platform/engine/sql/QueryBinder.h"
+#include "platform/engine/sql/Binder.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,4 +1,5 @@
 #include "platform/engine/EngineError.h"
+#include "platform/engine/sql/Binder.h"
 #include "platform/engine/sql/Keys.h"
 #include "platform/engine/sql/Parser.h"
 #include "platform/engine/sql/Writer.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/engine/sql/ActionBinder.h"
+#include "platform/engine/sql/Bound.h"
 
 namespace engine::sql {
 

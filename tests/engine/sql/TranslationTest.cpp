@@ -138,7 +138,6 @@ TEST(TranslationTest, Parameters) {
     ASSERT_EQ(insert.parameters.size(), 2U);
     ASSERT_TRUE(insert.parameters[0].column.has_value());
     EXPECT_EQ(insert.parameters[0].column->name, QStringLiteral("a01last"));
-    EXPECT_EQ(insert.parameters[0].table, QStringLiteral("a01"));
     EXPECT_EQ(insert.parameters[1].literal, 1);
     EXPECT_FALSE(insert.setsCounter);
     EXPECT_TRUE(PlanOf("INSERT INTO a02 VALUES (1, 2, 3, 'x')", Purpose::Execute).setsCounter);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/engine/sql/Context.h"
 #include "platform/engine/sql/Scope.h"
 
 #include <span>
@@ -89,5 +88,49 @@ private:
     bool m_sawOuter = false;
     int m_depth = 0;
 };
+
+/// Settles the sources of a FROM and adds them to the scope. Null if there are none.
+TermPtr BindFrom(Context& context, Scope& scope, const std::vector<SourcePtr>& from);
+
+/// Settles SELECT and UNION: sources, columns and their names, groups, order.
+class QueryBinder {
+public:
+    QueryBinder(Context& context, const Scope* outer)
+        : m_context(context)
+        , m_outer(outer) {}
+
+    QueryPtr Bind(const Query& query);
+    /// The same; failure 3306 if it has not exactly one column.
+    QueryPtr BindOneColumn(const Query& query);
+    /// A SELECT over `scope`, which is filled.
+    BoundSelect BindSelect(const Select& select, const std::vector<OrderItem>& orderBy, Scope& scope);
+
+private:
+    QueryPtr BindUnion(const Query& query);
+    BoundSelect BindUnionPart(const QueryPart& part);
+    std::vector<OrderTerm> BindUnionOrder(const Query& query, const std::vector<BoundColumn>& columns);
+    void BindColumns(const Select& select, const Scope& scope, BoundSelect& bound);
+    void BindGroups(const Select& select, const Scope& scope, BoundSelect& bound);
+    void BindOrder(const Select& select, const std::vector<OrderItem>& orderBy, const Scope& scope,
+                   BoundSelect& bound);
+    void CheckGrouped(const Select& select, const std::vector<OrderItem>& orderBy, const Scope& scope) const;
+
+    Context& m_context;
+    const Scope* m_outer;
+};
+
+/// Settles TRANSFORM: one row for each group, one column for each value of the pivot, which is an aggregate
+/// with FILTER. `headings`: the values that the rows have told, null if they have not been asked yet; the
+/// query for them is bound then, and `asks` set.
+BoundSelect BindTransform(Context& context, const Transform& transform, const Query& query,
+                          const std::vector<Heading>* headings, bool& asks);
+
+// Each tells the plan its verb and its target.
+BoundInsert BindInsert(Context& context, const Insert& insert, Plan& plan);
+BoundChange BindUpdate(Context& context, Scope& scope, const Update& update, Plan& plan);
+BoundChange BindDelete(Context& context, Scope& scope, const Delete& remove, Plan& plan);
+/// A table made of a query: the columns keep their types, and no keys. A counter goes on counting in the copy
+/// of one table; in any other query its numbers may be missing or repeated.
+BoundInsert BindInto(Context& context, const Query& query, Plan& plan);
 
 } // namespace engine::sql

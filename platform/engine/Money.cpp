@@ -6,6 +6,7 @@
 #include <QString>
 #include <QtNumeric>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -60,29 +61,21 @@ std::optional<Money> Money::FromDigits(QStringView text, char16_t point) {
     const bool negative = text.startsWith(u'-');
     if (negative || text.startsWith(u'+'))
         text = text.sliced(1);
+    QString digits = text.toString();
+    const qsizetype place = digits.indexOf(QChar(point));
+    const qsizetype kept = (place < 0 ? digits.size() : place) + decimalsKept;
+    if (place >= 0)
+        digits.remove(place, 1);
+    if (!std::ranges::all_of(digits, [](QChar c) { return c >= u'0' && c <= u'9'; }))
+        return {};
     std::int64_t units = 0;
-    int decimals = -1; // of those read; -1 in front of the point
-    int first = 0;     // decimal that is not kept
-    bool more = false; // something behind it
-    for (const QChar c : text) {
-        if (c == point && decimals < 0) {
-            decimals = 0;
-        } else if (c < u'0' || c > u'9') {
-            return {};
-        } else {
-            const int digit = c.unicode() - u'0';
-            decimals += decimals < 0 ? 0 : 1;
-            if (decimals <= decimalsKept)
-                units = Plus(Times(units, 10), negative ? -digit : digit);
-            else if (decimals == decimalsKept + 1)
-                first = digit;
-            else
-                more = more || digit != 0;
-        }
+    for (const QChar c : digits.leftJustified(kept, u'0', true)) {
+        const int digit = c.unicode() - u'0';
+        units = Plus(Times(units, 10), negative ? -digit : digit);
     }
-    for (int i = decimals < 0 ? 0 : decimals; i < decimalsKept; ++i)
-        units = Times(units, 10);
-    const int rest = 10 * first + (more ? 1 : 0);
+    const QString behind = digits.mid(kept);
+    const bool more = std::ranges::any_of(behind.mid(1), [](QChar c) { return c != u'0'; });
+    const int rest = behind.isEmpty() ? 0 : 10 * (behind.front().unicode() - u'0') + (more ? 1 : 0);
     return Money{RoundedUp(units, negative ? -rest : rest, 100)};
 }
 

@@ -103,9 +103,7 @@ public:
             ++m_exponent;
         }
         m_isZero = decimal.IsZero();
-        m_whole = decimal.Whole().rightJustified(m_wholesForced, '0');
-        m_fraction = decimal.Fraction(m_decimals);
-        ChopZeros(m_fraction, m_decimalsForced);
+        FillPlaces(decimal);
         for (std::size_t i = 0; i < m_section.size(); ++i)
             i = WriteSign(i);
         return m_text;
@@ -115,18 +113,21 @@ public:
     bool IsZero() const { return m_isZero; }
 
 private:
+    static constexpr auto nowhere = static_cast<std::size_t>(-1);
+
+    bool HasPoint() const { return m_pointAt != nowhere; }
+
     void Take(std::size_t place) {
         const Sign& sign = m_section[place];
         if (place >= m_exponentAt)
             return;
         if (IsDigitSign(sign)) {
             TakeDigit(sign);
-        } else if (sign.Is(u'.') && !m_hasPoint) {
-            m_hasPoint = true;
+        } else if (sign.Is(u'.') && !HasPoint()) {
             m_pointAt = place;
         } else if (sign.Is(u'%')) {
             ++m_percents;
-        } else if (sign.Is(u',') && !m_hasPoint && m_wholes > 0) {
+        } else if (sign.Is(u',') && !HasPoint() && m_wholes > 0) {
             if (DigitFollows(place))
                 m_grouped = true;
             else
@@ -139,7 +140,7 @@ private:
     }
 
     void TakeDigit(const Sign& sign) {
-        if (m_hasPoint) {
+        if (HasPoint()) {
             ++m_decimals;
             if (sign.Is(u'0'))
                 m_decimalsForced = m_decimals;
@@ -159,42 +160,36 @@ private:
         return false;
     }
 
+    /// Settles what stands at each digit sign. The first one takes the digits that have none of their own;
+    /// where there is none in front of the point, they stand at the point.
+    void FillPlaces(const Decimal& decimal) {
+        const QByteArray whole = decimal.Whole().rightJustified(m_wholesForced, '0');
+        QByteArray fraction = decimal.Fraction(m_decimals);
+        ChopZeros(fraction, m_decimalsForced);
+        m_places.resize(m_wholes + m_decimals);
+        for (qsizetype i = 0; i < whole.size(); ++i) {
+            const qsizetype left = whole.size() - 1 - i;
+            QString& place =
+                m_wholes == 0 ? m_atPoint : m_places[std::max<qsizetype>(m_wholes - 1 - left, 0)];
+            place += QLatin1Char(whole[i]);
+            if (m_grouped && left > 0 && left % 3 == 0)
+                place += thousandsSign;
+        }
+        for (qsizetype i = 0; i < fraction.size(); ++i)
+            m_places[m_wholes + i] = QLatin1Char(fraction[i]);
+    }
+
     std::size_t WriteSign(std::size_t place) {
         const Sign& sign = m_section[place];
         if (place == m_exponentAt)
             return WriteExponent(place);
-        if (m_hasPoint && place == m_pointAt) {
-            if (m_wholes == 0)
-                WriteWhole(m_whole.size());
-            m_text += decimalComma;
-        } else if (IsDigitSign(sign) && place < m_exponentAt) {
-            WriteDigit();
-        } else if (!sign.Is(u',') || m_wholes == 0) {
+        if (place == m_pointAt)
+            m_text += m_atPoint + decimalComma;
+        else if (IsDigitSign(sign) && place < m_exponentAt)
+            m_text += m_places.takeFirst();
+        else if (!sign.Is(u',') || m_wholes == 0)
             m_text += sign.character;
-        }
         return place;
-    }
-
-    void WriteDigit() {
-        const int digit = m_written++;
-        if (digit >= m_wholes) {
-            if (digit - m_wholes < m_fraction.size())
-                m_text += QLatin1Char(m_fraction[digit - m_wholes]);
-            return;
-        }
-        // The first place takes the digits that have none of their own.
-        const qsizetype end = m_whole.size() - (m_wholes - 1 - digit);
-        WriteWhole(end);
-    }
-
-    /// Writes the digits of the whole part up to that one.
-    void WriteWhole(qsizetype end) {
-        for (; m_wholeWritten < end; ++m_wholeWritten) {
-            m_text += QLatin1Char(m_whole[m_wholeWritten]);
-            const qsizetype left = m_whole.size() - m_wholeWritten - 1;
-            if (m_grouped && left > 0 && left % 3 == 0)
-                m_text += thousandsSign;
-        }
     }
 
     /// Writes the power of ten; returns the place of its last sign.
@@ -220,16 +215,13 @@ private:
     int m_percents = 0;
     int m_scales = 0; ///< divisions by 1000
     bool m_grouped = false;
-    bool m_hasPoint = false;
-    std::size_t m_pointAt = 0;
-    std::size_t m_exponentAt = static_cast<std::size_t>(-1);
+    std::size_t m_pointAt = nowhere;
+    std::size_t m_exponentAt = nowhere;
 
     int m_exponent = 0;
     bool m_isZero = false;
-    QByteArray m_whole;
-    QByteArray m_fraction;
-    int m_written = 0;
-    qsizetype m_wholeWritten = 0;
+    QStringList m_places; ///< what the digit signs show
+    QString m_atPoint;
     QString m_text;
 };
 

@@ -191,10 +191,6 @@ void Conversion::PlanTables() {
     }
 }
 
-Report Conversion::Run() {
-    return Run(runtime::Disk::Current());
-}
-
 Report Conversion::Run(runtime::Disk& disk) {
     const TemporaryFile finished(QFileInfo(m_path).absolutePath());
     WriteEmptyDatabase(finished.Path(), m_path);

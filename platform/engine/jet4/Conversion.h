@@ -59,8 +59,7 @@ public:
     /// change places: see ReplaceKeeping. After a failure the old file stands untouched in its place and
     /// nothing else is left. Failures: 3026, 3043, 3051, 3045 if the old file was changed or opened
     /// meanwhile. To be called once.
-    Report Run();
-    Report Run(runtime::Disk& disk);
+    Report Run(runtime::Disk& disk = runtime::Disk::Current());
 
 private:
     void CheckTables() const;

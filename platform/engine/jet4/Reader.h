@@ -88,8 +88,6 @@ private:
     void ReadCatalog();
     void AddObject(std::int64_t id, std::int64_t type, bool isSystem, const QString& name);
 
-    std::uint32_t RowsOn(const Table& table, std::uint32_t page) const;
-    RowPlace Follow(const Table& table, const Bytes& pointer) const;
     Value ReadValue(const Column& column, const RowParts& parts) const;
     QByteArray ReadLong(const Bytes& value) const;
 

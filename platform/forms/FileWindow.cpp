@@ -99,8 +99,8 @@ void FileWindow::WidenColumns() {
     widen(SizeColumn, QStringLiteral("1023,9 МБ"));
     widen(TypeColumn, QString(16, u'x'));
     widen(DateColumn, QStringLiteral("00.00.0000 00:00"));
-    const int sideBar = width / 4;
-    const QSize wanted = size().expandedTo(QSize(width + sideBar, 30 * fontMetrics().height()));
+    width += width / 4 + style()->pixelMetric(QStyle::PM_ScrollBarExtent); // side bar, margins
+    const QSize wanted = size().expandedTo(QSize(width, 30 * fontMetrics().height()));
     resize(wanted.boundedTo(screen()->availableSize() * 0.9));
 }
 

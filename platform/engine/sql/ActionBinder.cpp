@@ -110,6 +110,19 @@ void AddUntold(const TableInfo& table, std::vector<NewValue>& row) {
     }
 }
 
+void Choose(const ScopeSource*& target, const ScopeSource& source) {
+    if (!source.table || (target && target != &source))
+        RaiseEngine(NotUpdatable);
+    target = &source;
+}
+
+const ScopeSource& Chosen(const Context& context, const ScopeSource* target) {
+    if (target)
+        return *target;
+    context.RaiseMistakes();
+    RaiseEngine(NotUpdatable);
+}
+
 /// The only table to which values are assigned.
 const ScopeSource& UpdateTarget(Context& context, const Update& update, const Scope& scope) {
     const ScopeSource* target = nullptr;
@@ -119,27 +132,16 @@ const ScopeSource& UpdateTarget(Context& context, const Update& update, const Sc
             context.AddUnknownName(assignment.column);
             continue;
         }
-        const ScopeSource& source = scope.sources[place->source];
-        if (!source.table || (target && target != &source) ||
-            source.table->columns[place->column].type == DataType::Counter)
+        Choose(target, scope.sources[place->source]);
+        if (target->table->columns[place->column].type == DataType::Counter)
             RaiseEngine(NotUpdatable);
-        target = &source;
     }
-    if (!target) {
-        context.RaiseMistakes();
-        RaiseEngine(NotUpdatable);
-    }
-    return *target;
+    return Chosen(context, target);
 }
 
 /// The table whose rows go: the only one, or the one whose columns are listed.
 const ScopeSource& DeleteTarget(Context& context, const Delete& remove, const Scope& scope) {
     const ScopeSource* target = nullptr;
-    const auto choose = [&](const ScopeSource& source) {
-        if (!source.table || (target && target != &source))
-            RaiseEngine(NotUpdatable);
-        target = &source;
-    };
     for (const SelectItem& item : remove.items) {
         if (!item.expression && item.qualifier.isEmpty())
             continue;
@@ -149,24 +151,21 @@ const ScopeSource& DeleteTarget(Context& context, const Delete& remove, const Sc
             });
             if (found == scope.sources.end())
                 RaiseEngine(UnknownNameInFind, item.qualifier + u".*"_s);
-            choose(*found);
+            Choose(target, *found);
             continue;
         }
         if (item.expression->kind != NodeKind::Name)
             RaiseEngine(SyntaxInDelete);
-        const auto place = scope.Find(item.expression->qualifier, item.expression->name);
-        if (place)
-            choose(scope.sources[place->source]);
+        if (const auto place = scope.Find(item.expression->qualifier, item.expression->name))
+            Choose(target, scope.sources[place->source]);
         else
             context.AddUnknownName(item.expression->name);
     }
-    if (!target)
+    if (!target && scope.sources.size() == 1) {
         context.RaiseMistakes();
-    if (!target && scope.sources.size() == 1)
-        choose(scope.sources.front());
-    if (!target)
-        RaiseEngine(NotUpdatable);
-    return *target;
+        Choose(target, scope.sources.front());
+    }
+    return Chosen(context, target);
 }
 
 void AddCondition(Context& context, const NodePtr& where, const Scope& scope, BoundChange& bound) {

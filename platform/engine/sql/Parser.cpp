@@ -20,20 +20,11 @@ constexpr int deepestNesting = 400;
 
 constexpr QStringView misplacedPoint = u"Недопустимое использование '.', '!' или '()'";
 
-bool IsOneOf(const Token& token, std::initializer_list<std::string_view> words) {
-    return std::ranges::any_of(words, [&](std::string_view word) { return token.IsWord(word); });
-}
-
-bool IsComparisonWord(const Token& token) {
-    return IsOneOf(token, {"LIKE", "IN", "BETWEEN"});
-}
-
 } // namespace
 
 Parser::Nesting::Nesting(int& depth, int deepest)
     : m_depth(depth) {
-    if (depth >= deepest)
-        RaiseEngine(QueryTooComplex);
+    Expect(depth < deepest, QueryTooComplex);
     ++m_depth;
 }
 
@@ -87,6 +78,10 @@ bool Parser::TakeSign(char16_t sign) {
     return true;
 }
 
+bool Parser::IsOneOf(const Token& token, std::initializer_list<std::string_view> words) {
+    return std::ranges::any_of(words, [&](std::string_view word) { return token.IsWord(word); });
+}
+
 bool Parser::AtName(std::size_t ahead) const {
     const Token& token = Peek(ahead);
     return token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !token.IsReserved());
@@ -105,19 +100,21 @@ bool Parser::AtQuery() const {
     return next.Is(u')') || next.IsWord("UNION") || next.IsWord("ORDER");
 }
 
-void Parser::ExpectWord(std::string_view keyword, int number) {
-    if (!TakeWord(keyword))
+void Parser::Expect(bool holds, int number) {
+    if (!holds)
         RaiseEngine(number);
+}
+
+void Parser::ExpectWord(std::string_view keyword, int number) {
+    Expect(TakeWord(keyword), number);
 }
 
 void Parser::ExpectSign(char16_t sign, int number) {
-    if (!TakeSign(sign))
-        RaiseEngine(number);
+    Expect(TakeSign(sign), number);
 }
 
 QString Parser::ExpectName(int number) {
-    if (!AtName())
-        RaiseEngine(number);
+    Expect(AtName(), number);
     return Lexer::NameOf(Take()).toString();
 }
 
@@ -131,12 +128,15 @@ bool Parser::AtNextClause() const {
                                        "VALUES", "WHERE"});
 }
 
+void Parser::ExpectClauseEnd() const {
+    if (!AtClauseEnd())
+        FailBehindExpression();
+}
+
 void Parser::ExpectStatementEnd(int number) {
-    if (!AtEnd())
-        RaiseEngine(number);
+    Expect(AtEnd(), number);
     TakeSign(u';');
-    if (Peek().kind != TokenKind::End)
-        RaiseEngine(TextBehindEnd);
+    Expect(Peek().kind == TokenKind::End, TextBehindEnd);
 }
 
 void Parser::FailExpression(QStringView reason) const {
@@ -222,8 +222,7 @@ NodePtr Parser::Finish(NodePtr node) const {
     for (const auto& child : node->children)
         depth = std::max(depth, child->depth);
     node->depth = depth + 1;
-    if (node->depth > deepestTree)
-        RaiseEngine(QueryTooComplex);
+    Expect(node->depth <= deepestTree, QueryTooComplex);
     if (m_at > 0)
         node->end = std::max(node->end, m_tokens[m_at - 1].end);
     return node;
@@ -240,7 +239,7 @@ NodePtr Parser::ParseBinary(int level) {
     NodePtr left = ParsePrefix();
     for (;;) {
         const Token& token = Peek();
-        const bool negated = token.IsWord("NOT") && IsComparisonWord(Peek(1));
+        const bool negated = token.IsWord("NOT") && IsOneOf(Peek(1), {"LIKE", "IN", "BETWEEN"});
         const bool special = negated || IsOneOf(token, {"IN", "BETWEEN", "IS"});
         const Operator* found = special ? &OperatorOf(Op::Like) : FindOperator(token);
         if (!found || found->level < level)

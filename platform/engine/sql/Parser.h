@@ -33,16 +33,21 @@ private:
     bool TakeWord(std::string_view keyword);
     bool TakeSign(char16_t sign);
     bool AtWord(std::string_view keyword, std::size_t ahead = 0) const { return Peek(ahead).IsWord(keyword); }
+    static bool IsOneOf(const Token& token, std::initializer_list<std::string_view> words);
     bool AtName(std::size_t ahead = 0) const;
     /// Whether a query begins here, and not a sub-query inside a larger expression.
     bool AtQuery() const;
-    /// Failure `number` unless the next token is that word, sign or a name.
+    /// Failure `number` unless it holds; unless the next token is that word, that sign, a name, the first of
+    /// an item in a list.
+    static void Expect(bool holds, int number);
     void ExpectWord(std::string_view keyword, int number);
     void ExpectSign(char16_t sign, int number);
     QString ExpectName(int number);
+    void ExpectItem(int number) const { Expect(!AtClauseEnd() && !Peek().Is(u','), number); }
     bool AtClauseEnd() const;
     /// Whether the statement ends here, or a word that no expression can hold begins its next clause.
     bool AtNextClause() const;
+    void ExpectClauseEnd() const;
     void ExpectStatementEnd(int number);
 
     // Failures
@@ -87,7 +92,8 @@ private:
     SourcePtr ParseSource();
     SourcePtr ParseBracketQuery();
     QString ParseAlias();
-    NodePtr ParseWhere();
+    /// WHERE or HAVING; null if there is none.
+    NodePtr ParseCondition(std::string_view keyword, int number);
     void ParseGroupBy(Select& select);
     void ParseOrderBy(Query& query);
 

@@ -36,8 +36,7 @@ std::unique_ptr<Query> Parser::ParseQuery() {
     query->parts.push_back(ParseQueryPart());
     while (TakeWord("UNION")) {
         const bool all = TakeWord("ALL");
-        if (!AtQuery())
-            RaiseEngine(SyntaxInUnion);
+        Expect(AtQuery(), SyntaxInUnion);
         query->parts.push_back(ParseQueryPart());
         query->parts.back().all = all;
     }
@@ -78,31 +77,22 @@ std::unique_ptr<Select> Parser::ParseSelect() {
         select->into = ExpectName(ReservedWord);
     if (TakeWord("FROM")) {
         ParseFrom(select->from);
-        if (!AtClauseEnd())
-            RaiseEngine(SyntaxInFrom);
+        Expect(AtClauseEnd(), SyntaxInFrom);
     }
-    select->where = ParseWhere();
+    select->where = ParseCondition("WHERE", SyntaxInWhere);
     if (AtWord("GROUP"))
         ParseGroupBy(*select);
-    if (TakeWord("HAVING")) {
-        if (AtClauseEnd())
-            RaiseEngine(SyntaxInHaving);
-        select->having = ParseExpression(Clause::Condition);
-        if (!AtClauseEnd())
-            FailBehindExpression();
-    }
+    select->having = ParseCondition("HAVING", SyntaxInHaving);
     return select;
 }
 
 void Parser::ParseTop(Select& select) {
     const Token number = Take();
     const Value value = Lexer::LiteralValue(number);
-    if (number.kind != TokenKind::Integer || value.Long() < 1)
-        RaiseEngine(InvalidTop);
+    Expect(number.kind == TokenKind::Integer && value.Long() >= 1, InvalidTop);
     select.top = value.Long();
     select.percent = TakeWord("PERCENT");
-    if (select.percent && select.top > 100)
-        RaiseEngine(InvalidTop);
+    Expect(!select.percent || select.top <= 100, InvalidTop);
 }
 
 void Parser::ParseItems(Select& select) {
@@ -123,8 +113,8 @@ SelectItem Parser::ParseItem(int number) {
         Skip(2);
         return item;
     }
-    if (AtClauseEnd() || AtWord("FROM") || AtWord("INTO") || AtWord("AS") || Peek().Is(u','))
-        RaiseEngine(number);
+    ExpectItem(number);
+    Expect(!IsOneOf(Peek(), {"FROM", "INTO", "AS"}), number);
     item.expression = ParseExpression(Clause::Item);
     if (TakeWord("AS"))
         item.alias = ExpectName(number);
@@ -156,16 +146,14 @@ SourcePtr Parser::ParseJoinTail(SourcePtr left) {
     ExpectWord("JOIN", SyntaxInFrom);
     join->left = std::move(left);
     join->right = ParseJoins();
-    if (AtWord("USING"))
-        RaiseEngine(SyntaxInFrom);
+    Expect(!AtWord("USING"), SyntaxInFrom);
     ExpectWord("ON", SyntaxInJoin);
     join->on = ParseExpression(Clause::Condition);
     // A further join stands in parentheses with the first.
     if (!AtClauseEnd() && !Peek().Is(u',') && !Peek().Is(u')') && !AtWord("SET") && !AtWord("ON"))
         FailBehindExpression();
     join->depth = std::max(join->left->depth, join->right->depth) + 1;
-    if (join->depth > deepestQueries)
-        RaiseEngine(QueryTooComplex);
+    Expect(join->depth <= deepestQueries, QueryTooComplex);
     return join;
 }
 
@@ -208,14 +196,12 @@ QString Parser::ParseAlias() {
     return AtName() && !columns ? Lexer::NameOf(Take()).toString() : QString();
 }
 
-NodePtr Parser::ParseWhere() {
-    if (!TakeWord("WHERE"))
+NodePtr Parser::ParseCondition(std::string_view keyword, int number) {
+    if (!TakeWord(keyword))
         return {};
-    if (AtClauseEnd())
-        RaiseEngine(SyntaxInWhere);
+    Expect(!AtClauseEnd(), number);
     NodePtr condition = ParseExpression(Clause::Condition);
-    if (!AtClauseEnd())
-        FailBehindExpression();
+    ExpectClauseEnd();
     return condition;
 }
 
@@ -223,20 +209,17 @@ void Parser::ParseGroupBy(Select& select) {
     Take();
     ExpectWord("BY", SyntaxInGroupBy);
     do {
-        if (AtClauseEnd() || Peek().Is(u','))
-            RaiseEngine(SyntaxInGroupBy);
+        ExpectItem(SyntaxInGroupBy);
         select.groupBy.push_back(ParseExpression(Clause::Item));
     } while (TakeSign(u','));
-    if (!AtClauseEnd())
-        FailBehindExpression();
+    ExpectClauseEnd();
 }
 
 void Parser::ParseOrderBy(Query& query) {
     Take();
     ExpectWord("BY", SyntaxInOrderBy);
     do {
-        if (AtClauseEnd() || Peek().Is(u','))
-            RaiseEngine(SyntaxInOrderBy);
+        ExpectItem(SyntaxInOrderBy);
         OrderItem item;
         item.expression = ParseExpression(Clause::Item);
         item.descending = TakeWord("DESC");
@@ -244,8 +227,7 @@ void Parser::ParseOrderBy(Query& query) {
             TakeWord("ASC");
         query.orderBy.push_back(std::move(item));
     } while (TakeSign(u','));
-    if (!AtClauseEnd())
-        FailBehindExpression();
+    ExpectClauseEnd();
 }
 
 } // namespace engine::sql

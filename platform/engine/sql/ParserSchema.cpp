@@ -9,8 +9,7 @@ namespace engine::sql {
 
 QString Parser::ParseNewName(int number, int invalid) {
     QString name = ExpectName(number);
-    if (!IsValidName(name))
-        RaiseEngine(invalid);
+    Expect(IsValidName(name), invalid);
     return name;
 }
 
@@ -31,8 +30,7 @@ void Parser::ParseCreate(SchemaChange& change) {
         ParseCreateIndex(change, unique);
         return;
     }
-    if (unique)
-        RaiseEngine(SyntaxInCreateIndex);
+    Expect(!unique, SyntaxInCreateIndex);
     ExpectWord("TABLE", SyntaxInCreateTable);
     ParseCreateTable(change);
 }
@@ -47,14 +45,12 @@ void Parser::ParseCreateTable(SchemaChange& change) {
             continue;
         }
         ColumnInfo column = ParseColumn(change.table, SyntaxInCreateTable);
-        if (change.table.Find(column.name) >= 0)
-            RaiseEngine(ColumnDefinedTwice);
+        Expect(change.table.Find(column.name) < 0, ColumnDefinedTwice);
         change.table.columns.push_back(std::move(column));
     } while (TakeSign(u','));
     ExpectSign(u')', SyntaxInCreateTable);
     ExpectStatementEnd(SyntaxInCreateTable);
-    if (change.table.columns.empty())
-        RaiseEngine(SyntaxInCreateTable);
+    Expect(!change.table.columns.empty(), SyntaxInCreateTable);
 }
 
 /// A column with its type and constraints; its keys join the indexes of `table`.
@@ -68,8 +64,7 @@ ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
         if (negated || AtWord("NULL")) {
             if (negated)
                 Take();
-            if (nullTold || !TakeWord("NULL"))
-                RaiseEngine(SyntaxInColumnDefinition);
+            Expect(!nullTold && TakeWord("NULL"), SyntaxInColumnDefinition);
             nullTold = true;
             column.required = negated;
             continue;
@@ -78,16 +73,14 @@ ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
             break;
         ParseColumnConstraint(column, table);
     }
-    if (!Peek().Is(u',') && !Peek().Is(u')') && !AtEnd())
-        RaiseEngine(number);
+    Expect(Peek().Is(u',') || Peek().Is(u')') || AtEnd(), number);
     return column;
 }
 
 void Parser::ParseColumnType(ColumnInfo& column) {
     const Token type = Take();
     const auto named = type.kind == TokenKind::Word ? TypeOfWord(type.text) : std::nullopt;
-    if (!named)
-        RaiseEngine(SyntaxInColumnDefinition);
+    Expect(named.has_value(), SyntaxInColumnDefinition);
     column.type = *named;
     const bool sized =
         column.type == DataType::Text || (column.type == DataType::Binary && !type.IsWord("LONGBINARY"));
@@ -96,12 +89,10 @@ void Parser::ParseColumnType(ColumnInfo& column) {
     if (!sized || !TakeSign(u'('))
         return;
     const Token size = Take();
-    if (size.kind != TokenKind::Integer)
-        RaiseEngine(SyntaxInColumnDefinition);
+    Expect(size.kind == TokenKind::Integer, SyntaxInColumnDefinition);
     const Value value = Lexer::LiteralValue(size);
     ExpectSign(u')', SyntaxInColumnDefinition);
-    if (value.Long() < 1)
-        RaiseEngine(SyntaxInColumnDefinition);
+    Expect(value.Long() >= 1, SyntaxInColumnDefinition);
     if (value.Long() > (column.type == DataType::Text ? longestText : longestBinary))
         RaiseEngine(ColumnTooWide, column.name);
     column.size = value.Long();
@@ -134,8 +125,7 @@ IndexInfo Parser::ParseKey(const TableInfo& table) {
     key.unique = true;
     key.primary = TakeWord("PRIMARY");
     ExpectWord(key.primary ? "KEY" : "UNIQUE", SyntaxInConstraint);
-    if (key.primary && table.PrimaryKey())
-        RaiseEngine(PrimaryKeyExists);
+    Expect(!key.primary || !table.PrimaryKey(), PrimaryKeyExists);
     return key;
 }
 
@@ -175,8 +165,7 @@ void Parser::ParseAlter(SchemaChange& change) {
         TakeWord("COLUMN");
         change.kind = SchemaChange::AlterColumn;
         change.column = ParseColumn(change.table, SyntaxInAlterTable);
-        if (change.column.unique || !change.table.indexes.empty())
-            RaiseEngine(SyntaxInAlterTable);
+        Expect(!change.column.unique && change.table.indexes.empty(), SyntaxInAlterTable);
     } else if (TakeWord("DROP")) {
         if (TakeWord("CONSTRAINT")) {
             change.kind = SchemaChange::DropIndex;
@@ -203,8 +192,7 @@ void Parser::ParseAlterAdd(SchemaChange& change) {
     change.column = ParseColumn(change.table, SyntaxInAlterTable);
     auto& keys = change.table.indexes;
     // The key of a table joins it by ADD CONSTRAINT.
-    if (change.table.PrimaryKey() || keys.size() > 1)
-        RaiseEngine(SyntaxInAlterTable);
+    Expect(!change.table.PrimaryKey() && keys.size() <= 1, SyntaxInAlterTable);
     if (!keys.empty())
         change.index = std::move(keys.front());
     keys.clear();

@@ -54,17 +54,14 @@ void Parser::ParseParameters() {
     Take();
     do {
         ExpectName(SyntaxInParameters);
-        if (Peek().kind != TokenKind::Word || !TypeOfWord(Take().text))
-            RaiseEngine(SyntaxInParameters);
+        Expect(Peek().kind == TokenKind::Word && TypeOfWord(Take().text), SyntaxInParameters);
         if (TakeSign(u'(')) {
-            if (Take().kind != TokenKind::Integer)
-                RaiseEngine(SyntaxInParameters);
+            Expect(Take().kind == TokenKind::Integer, SyntaxInParameters);
             ExpectSign(u')', SyntaxInParameters);
         }
     } while (TakeSign(u','));
     ExpectSign(u';', SyntaxInParameters);
-    if (!AtQuery() && !AtWord("TRANSFORM") && !AtWord("INSERT") && !AtWord("UPDATE") && !AtWord("DELETE"))
-        RaiseEngine(SyntaxInParameters);
+    Expect(AtQuery() || IsOneOf(Peek(), {"TRANSFORM", "INSERT", "UPDATE", "DELETE"}), SyntaxInParameters);
 }
 
 void Parser::ParseTransform(Statement& statement) {
@@ -74,11 +71,9 @@ void Parser::ParseTransform(Statement& statement) {
     transform.value = ParseExpression(Clause::Item);
     if (TakeWord("AS"))
         ExpectName(SyntaxInTransform); // the headings name the columns
-    if (!AtWord("SELECT"))
-        RaiseEngine(SyntaxInTransform);
+    Expect(AtWord("SELECT"), SyntaxInTransform);
     statement.query = ParseQuery();
-    if (!TakeWord("PIVOT"))
-        RaiseEngine(SyntaxInTransform);
+    Expect(TakeWord("PIVOT"), SyntaxInTransform);
     transform.pivot = ParseExpression(Clause::Item);
     if (transform.pivot->kind == NodeKind::InList && !transform.pivot->negated) {
         // `PIVOT expression IN (headings)` reads as a condition.
@@ -106,8 +101,7 @@ void Parser::ParseInsert(Insert& insert) {
         ExpectStatementEnd(MissingSemicolon);
         return;
     }
-    if (!AtQuery())
-        RaiseEngine(SyntaxInInsert);
+    Expect(AtQuery(), SyntaxInInsert);
     insert.query = ParseQuery();
     ExpectStatementEnd(MissingSemicolon);
 }
@@ -115,11 +109,9 @@ void Parser::ParseInsert(Insert& insert) {
 void Parser::ParseValues(Insert& insert) {
     ExpectSign(u'(', SyntaxInInsert);
     do {
-        if (Peek().Is(u',') || Peek().Is(u')') || Peek().kind == TokenKind::End)
-            RaiseEngine(SyntaxInInsert);
+        Expect(!Peek().Is(u',') && !Peek().Is(u')') && Peek().kind != TokenKind::End, SyntaxInInsert);
         insert.values.push_back(ParseExpression(Clause::Value));
-        if (AtEnd())
-            RaiseEngine(SyntaxInInsert); // the parenthesis is left open
+        Expect(!AtEnd(), SyntaxInInsert); // the parenthesis is left open
         if (!Peek().Is(u',') && !Peek().Is(u')'))
             FailBehindExpression();
     } while (TakeSign(u','));
@@ -128,8 +120,7 @@ void Parser::ParseValues(Insert& insert) {
 
 void Parser::ParseUpdate(Update& update) {
     Take();
-    if (!AtName() && !Peek().Is(u'('))
-        RaiseEngine(SyntaxInUpdate);
+    Expect(AtName() || Peek().Is(u'('), SyntaxInUpdate);
     ParseFrom(update.from);
     ExpectWord("SET", SyntaxInUpdate);
     do {
@@ -140,14 +131,13 @@ void Parser::ParseUpdate(Update& update) {
             assignment.column = ExpectName(SyntaxInUpdate);
         }
         ExpectSign(u'=', SyntaxInUpdate);
-        if (AtClauseEnd() || Peek().Is(u','))
-            RaiseEngine(SyntaxInUpdate);
+        ExpectItem(SyntaxInUpdate);
         assignment.value = ParseExpression(Clause::Item);
         update.assignments.push_back(std::move(assignment));
     } while (TakeSign(u','));
     if (!AtWord("WHERE") && !AtEnd())
         FailBehindExpression();
-    update.where = ParseWhere();
+    update.where = ParseCondition("WHERE", SyntaxInWhere);
     ExpectStatementEnd(SyntaxInUpdate);
 }
 
@@ -160,9 +150,8 @@ void Parser::ParseDelete(Delete& remove) {
     }
     ExpectWord("FROM", SyntaxInDelete);
     ParseFrom(remove.from);
-    if (!AtClauseEnd())
-        RaiseEngine(SyntaxInFrom);
-    remove.where = ParseWhere();
+    Expect(AtClauseEnd(), SyntaxInFrom);
+    remove.where = ParseCondition("WHERE", SyntaxInWhere);
     ExpectStatementEnd(SyntaxInDelete);
 }
 

@@ -38,27 +38,22 @@ QString ListedText(const Node& heading) {
     }
 }
 
-struct PivotColumn {
-    Bound value;
-    QString name;
-};
-
-std::vector<PivotColumn> ListedColumns(const Transform& transform, ExpressionBinder& binder) {
-    std::vector<PivotColumn> columns;
+std::vector<BoundColumn> ListedColumns(const Transform& transform, ExpressionBinder& binder) {
+    std::vector<BoundColumn> columns;
     for (const NodePtr& heading : transform.headings) {
         const QString name = ColumnName(ListedText(*heading));
-        columns.push_back({binder.Value(*heading), name});
+        columns.push_back({name, binder.Value(*heading)});
     }
     return columns;
 }
 
-std::vector<PivotColumn> ToldColumns(const std::vector<Heading>& headings, const Bound& pivot) {
-    std::vector<PivotColumn> columns;
+std::vector<BoundColumn> ToldColumns(const std::vector<Heading>& headings, const Bound& pivot) {
+    std::vector<BoundColumn> columns;
     for (const Heading& heading : headings) {
         const bool negative = heading.literal.startsWith(u'-');
         Bound value = StoredValue(negative ? u'(' + heading.literal + u')' : heading.literal, pivot.type);
         value.null = heading.literal == u"NULL";
-        columns.push_back({std::move(value), ColumnName(heading.name)});
+        columns.push_back({ColumnName(heading.name), std::move(value)});
     }
     return columns;
 }
@@ -107,7 +102,7 @@ BoundSelect BindTransform(Context& context, const Transform& transform, const Qu
     const auto columns = headings ? ToldColumns(*headings, pivot) : ListedColumns(transform, pivots);
     if (columns.size() + bound.columns.size() > mostColumns)
         RaiseEngine(QueryTooComplex);
-    for (const PivotColumn& column : columns) {
+    for (const BoundColumn& column : columns) {
         const Bound here = column.value.null
                                ? MakeCondition(u"% IS NULL", {pivot.At(AddPrecedence)}, EqualPrecedence)
                                : pivots.Compare(Op::Equal, pivot, column.value);

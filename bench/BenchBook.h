@@ -1,7 +1,7 @@
 #pragma once
 
+#include "database/General.h"
 #include "platform/engine/dao/DBEngine.h"
-#include "shell/General.h"
 
 #include <QString>
 #include <QTemporaryDir>

@@ -11,7 +11,7 @@
 #include "platform/forms/Application.h"
 #include "platform/runtime/Codec1251.h"
 #include "records/frmRecords.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/frmMain.h"
 
 #include <QCollator>

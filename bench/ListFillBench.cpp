@@ -5,7 +5,7 @@
 #include "bench/Ratios.h"
 #include "platform/forms/Application.h"
 #include "records/frmRecords.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/frmMain.h"
 
 #include <QCollator>

@@ -6,7 +6,7 @@
 #include "organiser/frmCalendar.h"
 #include "platform/forms/Application.h"
 #include "platform/forms/MonthView.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/frmMain.h"
 
 namespace {

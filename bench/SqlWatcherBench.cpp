@@ -6,7 +6,7 @@
 #include "bench/Ratios.h"
 #include "platform/forms/Application.h"
 #include "platform/forms/FlexGrid.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/frmMain.h"
 #include "sqlwatcher/frmUserEditor.h"
 

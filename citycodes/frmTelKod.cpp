@@ -1,7 +1,7 @@
 #include "citycodes/frmTelKod.h"
 
 #include "citycodes/frmTelKodFilter.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "citycodes/frmTelKodFilter.h"
 
 #include "citycodes/frmTelKod.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 #include <QGridLayout>
 

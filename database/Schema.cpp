@@ -1,8 +1,8 @@
 #include "database/Schema.h"
 
+#include "database/General.h"
 #include "platform/engine/dao/Database.h"
 #include "platform/forms/MsgBox.h"
-#include "shell/General.h"
 
 namespace schema {
 

@@ -1,7 +1,7 @@
+#include "database/General.h"
 #include "database/SeedData.h"
 #include "platform/engine/dao/Database.h"
 #include "platform/forms/MsgBox.h"
-#include "shell/General.h"
 
 namespace {
 

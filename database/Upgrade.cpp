@@ -1,8 +1,8 @@
+#include "database/General.h"
 #include "database/Schema.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Process.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 
 namespace {
 

@@ -2,11 +2,11 @@
 
 #include "database/ConvertOldBase.h"
 #include "database/DatabaseDialog.h"
+#include "database/General.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -1,13 +1,13 @@
 #include "exchange/ExtractToAnotherDB.h"
 
+#include "database/General.h"
 #include "exchange/Retries.h"
 #include "exchange/RowLoop.h"
 #include "exchange/TargetFile.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -5,7 +5,7 @@
 #include "exchange/frmSelectDelimiter.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 #include <optional>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "exchange/clsRecord.h"
 
 #include "platform/runtime/Failure.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 void clsRecord::Clear() {
     strFirstName.clear();

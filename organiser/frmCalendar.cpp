@@ -1,6 +1,7 @@
 #include "organiser/frmCalendar.h"
 
 #include "organiser/EventDates.h"
+#include "organiser/frmEvent.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/MdiForm.h"
@@ -9,8 +10,7 @@
 #include "platform/forms/Twips.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Numbers.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 
 #include <QGridLayout>
 #include <QLabel>

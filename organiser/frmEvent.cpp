@@ -6,8 +6,7 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Dates.h"
 #include "platform/runtime/Numbers.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

@@ -4,7 +4,7 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Texts.h"
 #include "platform/runtime/Dates.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 #include <QApplication>
 #include <QGridLayout>

@@ -4,7 +4,7 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Numbers.h"
 #include "records/frmEditTelefonTypeDialog.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -5,7 +5,7 @@
 #include "platform/runtime/Numbers.h"
 #include "records/frmEditRecords.h"
 #include "records/frmRecordsFilter.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 namespace {
 

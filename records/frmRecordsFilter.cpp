@@ -1,7 +1,7 @@
 #include "records/frmRecordsFilter.h"
 
 #include "records/frmRecords.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 #include <QGridLayout>
 #include <QVBoxLayout>

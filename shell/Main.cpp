@@ -1,10 +1,11 @@
 #include "database/ConvertOldBase.h"
+#include "database/General.h"
 #include "database/frmInstall.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
 #include "platform/runtime/Numbers.h"
 #include "platform/runtime/Process.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/General.h"
 #include "shell/frmMain.h"
 

@@ -4,7 +4,7 @@
 #include "platform/forms/Controls.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Texts.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/LinkLabel.h"
 
 #include <QGridLayout>

@@ -4,7 +4,7 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
 #include "platform/runtime/Process.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/General.h"
 #include "shell/Guide.h"
 #include "shell/frmAbout.h"

@@ -1,7 +1,7 @@
 #include "platform/forms/Application.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/General.h"
 
 #include <QIcon>

@@ -5,7 +5,7 @@
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Twips.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 #include <QFontDatabase>
 #include <QPlainTextEdit>

@@ -2,8 +2,7 @@
 
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Failure.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 #include "tests/support/Answers.h"
 #include "tests/support/TestBook.h"
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "records/frmRecords.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 #include "tests/support/WindowTest.h"
 
 #include <QFile>

@@ -2,7 +2,7 @@
 #include "exchange/CsvReader.h"
 #include "exchange/clsRecord.h"
 #include "platform/runtime/Failure.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "tests/fuzz/Fuzz.h"
 
 #include <QTemporaryDir>

@@ -1,12 +1,12 @@
 // Any bytes as a database file, opened as at the start of the program. An input is a list of changes to a
 // sound file, or, where its first byte says so, the file itself. It ends in a failure or in a book that can
 // be listed, written and closed; what is not written to keeps its bytes.
+#include "database/General.h"
 #include "database/Schema.h"
 #include "platform/forms/Application.h"
 #include "platform/runtime/Failure.h"
 #include "platform/runtime/Process.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 #include "tests/fuzz/Changes.h"
 #include "tests/fuzz/Fuzz.h"
 

@@ -1,4 +1,4 @@
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "tests/organiser/OrganiserTest.h"
 #include "tests/support/FaultyFiles.h"
 

@@ -1,5 +1,6 @@
+#include "organiser/frmEvent.h"
+
 #include "platform/forms/DTPicker.h"
-#include "shell/General.h"
 #include "tests/organiser/OrganiserTest.h"
 
 #include <QDateEdit>

@@ -1,11 +1,11 @@
 // Cards are saved, imported and extracted through the windows on disks that fail.
 
+#include "organiser/frmEvent.h"
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/ListBox.h"
 #include "records/frmEditTelefonType.h"
 #include "records/frmRecords.h"
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "shared/Declaration.h"
 #include "tests/exchange/ImportMaster.h"
 #include "tests/reliability/CallSweep.h"
 

@@ -3,7 +3,7 @@
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Process.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/General.h"
 #include "tests/reliability/CallSweep.h"
 #include "tests/support/TestBook.h"

@@ -4,7 +4,7 @@
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/ListBox.h"
 #include "records/frmRecords.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/frmMain.h"
 #include "tests/support/Boxes.h"
 #include "tests/support/KilledChild.h"

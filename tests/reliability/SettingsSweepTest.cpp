@@ -1,7 +1,7 @@
 // The program stores and reads its setting on a system whose calls fail.
 
 #include "platform/runtime/Settings.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "tests/reliability/CallSweep.h"
 #include "tests/support/TestBook.h"
 

@@ -1,10 +1,11 @@
 // The program is started on disks that fail: it creates its database, or raises one of an older version.
 
+#include "database/General.h"
 #include "database/Schema.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Process.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/General.h"
 #include "tests/reliability/Sweep.h"
 #include "tests/support/TestBook.h"

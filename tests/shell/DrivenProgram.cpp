@@ -2,7 +2,7 @@
 // With ZAVELIK_FULL_DISK, a folder, nothing can be written there once the card has been added.
 
 #include "platform/forms/MdiForm.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "tests/support/Boxes.h"
 #include "tests/support/FaultyCalls.h"
 

@@ -2,7 +2,7 @@
 
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Process.h"
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 #include "shell/General.h"
 #include "shell/frmMain.h"
 #include "tests/support/Answers.h"

@@ -1,7 +1,7 @@
 #include "tests/support/WindowTest.h"
 
-#include "shell/Declaration.h"
-#include "shell/General.h"
+#include "database/General.h"
+#include "shared/Declaration.h"
 #include "shell/frmMain.h"
 
 #include <QAbstractScrollArea>

@@ -1,4 +1,4 @@
-#include "shell/clsRegister.h"
+#include "shared/clsRegister.h"
 
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Process.h"

@@ -1,4 +1,4 @@
-#include "shell/Declaration.h"
+#include "shared/Declaration.h"
 
 std::shared_ptr<engine::Workspace> gWorkspace;
 std::shared_ptr<engine::Database> gDatabase;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/engine/dao/DBEngine.h"
-#include "shell/clsRegister.h"
+#include "shared/clsRegister.h"
 
 #include <memory>
 

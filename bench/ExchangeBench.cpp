@@ -8,7 +8,6 @@
 #include "exchange/ExtractToAnotherDB.h"
 #include "exchange/ExtractToCSV.h"
 #include "exchange/frmImportMasterStep1.h"
-#include "platform/forms/Application.h"
 #include "platform/runtime/Codec1251.h"
 #include "records/frmRecords.h"
 #include "shared/Declaration.h"
@@ -455,6 +454,6 @@ BENCHMARK(ExtractPlain)->Apply(bench::MeasureOnce);
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    forms::Application application(argc, argv);
+    forms::Application application(argc, argv, ThisProgram());
     return bench::RunPairs(argc, argv);
 }

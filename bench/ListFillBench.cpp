@@ -3,7 +3,6 @@
 
 #include "bench/BenchBook.h"
 #include "bench/Ratios.h"
-#include "platform/forms/Application.h"
 #include "records/frmRecords.h"
 #include "shared/Declaration.h"
 #include "shell/frmMain.h"
@@ -70,6 +69,6 @@ BENCHMARK(ListPlain)->Apply(bench::Measure);
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    forms::Application application(argc, argv);
+    forms::Application application(argc, argv, ThisProgram());
     return bench::RunPairs(argc, argv);
 }

@@ -107,7 +107,7 @@ void frmInstall::CreateControls(QWidget* surface) {
 }
 
 void frmInstall::Form_Load() {
-    const QString file = QString::fromUtf16(forms::AppTitle) + QStringLiteral(".mdb");
+    const QString file = QString::fromUtf16(AppTitle) + QStringLiteral(".mdb");
     txtDBPath->setText(runtime::JoinPath(runtime::ProgramFolder(), file));
 }
 

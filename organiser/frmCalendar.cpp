@@ -250,7 +250,7 @@ void frmCalendar::DeleteEvent() {
         if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить это событие?")))
             return;
         gDatabase->Execute(QStringLiteral("DELETE FROM a03 WHERE a03evid = ") + id, engine::dbFailOnError);
-        engine::DBEngine::Commit(); // no box follows that would see to it
+        WriteToDisk(); // no box follows that would see to it
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(QStringLiteral("frmCalendar функция DeleteEvent:"), failure);
         return;

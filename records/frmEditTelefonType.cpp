@@ -112,7 +112,7 @@ void frmEditTelefonType::ShowChange() {
     try {
         if (gDatabase->RecordsAffected() == 0)
             ShowIntegrityBox();
-        engine::DBEngine::Commit();
+        WriteToDisk();
     } catch (const engine::UnsyncedCommit&) {
         FillList();
         throw;

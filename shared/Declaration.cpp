@@ -7,3 +7,13 @@ clsRegister& gRegister() {
     static clsRegister instance;
     return instance;
 }
+
+void WriteToDisk() {
+    engine::DBEngine::Commit();
+}
+
+forms::Program ThisProgram() {
+    return {.title = QString::fromUtf16(AppTitle),
+            .texts = QStringLiteral("../share/zavelik/translations"),
+            .writeToDisk = WriteToDisk};
+}

@@ -3,6 +3,7 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Process.h"
 #include "platform/runtime/Settings.h"
+#include "shared/Declaration.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ void AskToGoOn(const QString& head, const runtime::Failure& failure) {
 } // namespace
 
 clsRegister::clsRegister()
-    : strAppName(QString::fromUtf16(forms::AppTitle))
+    : strAppName(QString::fromUtf16(AppTitle))
     , strSectionName(QStringLiteral("General")) {
 }
 

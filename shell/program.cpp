@@ -1,4 +1,3 @@
-#include "platform/forms/Application.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
 #include "shared/Declaration.h"
@@ -27,7 +26,7 @@ void Start() {
 } // namespace
 
 int main(int argc, char** argv) {
-    forms::Application application(argc, argv);
+    forms::Application application(argc, argv, ThisProgram());
     QApplication::setWindowIcon(ProgramIcon());
     Start();
     const int status = forms::Form::Loaded().empty() ? 0 : QApplication::exec();

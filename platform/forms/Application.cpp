@@ -1,6 +1,5 @@
 #include "platform/forms/Application.h"
 
-#include "platform/engine/dao/DBEngine.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/DarkPreference.h"
 #include "platform/forms/EscapeWatch.h"
@@ -68,9 +67,10 @@ public:
 
 } // namespace
 
-Application::Application(int& argc, char** argv)
-    : QApplication(WithRussianLocale(argc), argv) {
-    setApplicationName(QStringView(AppTitle).toString());
+Application::Application(int& argc, char** argv, Program program)
+    : QApplication(WithRussianLocale(argc), argv)
+    , m_program(std::move(program)) {
+    setApplicationName(m_program.title);
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
     LoadToolkitTexts();
     setKeyboardInputInterval(TypedTogether);
@@ -80,13 +80,17 @@ Application::Application(int& argc, char** argv)
     if (ChooseStyle())
         WatchDarkPreference(this, [this](bool dark) { PreferDark(dark); });
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
-            &Application::CommitWhenIdle);
-    connect(this, &QCoreApplication::aboutToQuit, this, &Application::CommitAtEnd);
+            &Application::WriteWhenIdle);
+    connect(this, &QCoreApplication::aboutToQuit, this, &Application::WriteAtEnd);
 }
 
 Application::~Application() {
     Form::ReleaseAll();
     sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+const Program& Application::Running() {
+    return static_cast<const Application*>(instance())->m_program;
 }
 
 /// Whether the program may choose the colours. The style of Windows is kept as users know it.
@@ -114,10 +118,9 @@ void Application::PreferDark(bool dark) {
 void Application::LoadToolkitTexts() {
     installTranslator(new MissingTexts(this));
     auto* texts = new QTranslator(this);
-    const QString program = applicationDirPath();
-    for (const QString& folder :
-         {QLibraryInfo::path(QLibraryInfo::TranslationsPath), program + QStringLiteral("/translations"),
-          program + QStringLiteral("/../share/zavelik/translations")}) {
+    const QString program = applicationDirPath() + u'/';
+    for (const QString& folder : {QLibraryInfo::path(QLibraryInfo::TranslationsPath),
+                                  program + QStringLiteral("translations"), program + m_program.texts}) {
         if (texts->load(QStringLiteral("qtbase_ru"), folder)) {
             installTranslator(texts);
             return;
@@ -171,19 +174,19 @@ bool Application::event(QEvent* event) {
     return handled;
 }
 
-void Application::CommitWhenIdle() {
+void Application::WriteWhenIdle() {
     // Called by the dispatcher itself, which must not be left by an exception.
     try {
-        engine::DBEngine::Idle();
+        m_program.writeToDisk();
     } catch (const runtime::Failure& failure) {
         TellLater(failure);
     }
 }
 
-void Application::CommitAtEnd() {
+void Application::WriteAtEnd() {
     // What the last handlers wrote: behind this nobody could be told.
     try {
-        engine::DBEngine::Commit();
+        m_program.writeToDisk();
     } catch (const runtime::Failure& failure) {
         ShowEscapedFailure(failure);
     }

@@ -2,21 +2,35 @@
 
 #include <QApplication>
 
+#include <functional>
+
 namespace runtime {
 class Failure;
 }
 
 namespace forms {
 
+/// What a program hands in to its windows.
+struct Program {
+    QString title; ///< of every message box
+    QString texts; ///< folder of the toolkit's translations, seen from that of the program
+    /// Makes durable what was written. Called before every message box, which a failure keeps from showing,
+    /// whenever the program is idle, and at its end.
+    std::function<void()> writeToDisk;
+};
+
 /// The application object: Russian locale and Russian texts of the toolkit, and the event dispatcher that
-/// shows failures which no handler took and tells the engine when control returns to the event loop. Its end
+/// shows failures which no handler took and has what was written made durable when control returns to the
+/// event loop. Its end
 /// takes what windows are left off the screen without their unload handlers.
 class Application : public QApplication {
     Q_OBJECT
 
 public:
-    Application(int& argc, char** argv);
+    Application(int& argc, char** argv, Program program);
     ~Application() override;
+
+    static const Program& Running();
 
     /// An exception that is no Failure passes through, also out of the loops of modal windows and boxes.
     bool notify(QObject* receiver, QEvent* event) override;
@@ -36,10 +50,11 @@ protected:
 private:
     bool Deliver(QObject* receiver, QEvent* event);
     void LoadToolkitTexts();
-    void CommitWhenIdle();
-    void CommitAtEnd();
+    void WriteWhenIdle();
+    void WriteAtEnd();
     void TellLater(const runtime::Failure& failure);
 
+    const Program m_program;
     bool m_telling = false;
     bool m_darkened = false; ///< by PreferDark
     QString m_systemStyle;   ///< style of Windows, if that is used

@@ -1,5 +1,6 @@
 #include "platform/forms/MessageWindow.h"
 
+#include "platform/forms/Application.h"
 #include "platform/forms/Asking.h"
 #include "platform/forms/Texts.h"
 
@@ -32,7 +33,7 @@ MessageWindow::MessageWindow(QWidget* owner, const QString& text, forms::Icon ic
     : QMessageBox(owner)
     , m_buttons(buttons) {
     setObjectName(QStringLiteral("MsgBox"));
-    setWindowTitle(QStringView(AppTitle).toString());
+    setWindowTitle(Application::Running().title);
     setTextFormat(Qt::PlainText);
     setText(Shown(text, MostInBox));
     setIcon(BoxIcon(icon));

@@ -1,6 +1,6 @@
 #include "platform/forms/MsgBox.h"
 
-#include "platform/engine/dao/DBEngine.h"
+#include "platform/forms/Application.h"
 #include "platform/forms/MdiForm.h"
 #include "platform/forms/MessageWindow.h"
 #include "platform/forms/NestedLoop.h"
@@ -47,7 +47,7 @@ bool IsSame(const runtime::Failure& one, const runtime::Failure& other) {
 /// Whether what was reported as finished is on the disk.
 std::optional<runtime::Failure> CommitFailure() {
     try {
-        engine::DBEngine::Commit();
+        Application::Running().writeToDisk();
     } catch (const runtime::Failure& failure) {
         return failure;
     }
@@ -57,7 +57,7 @@ std::optional<runtime::Failure> CommitFailure() {
 } // namespace
 
 Answer MsgBox(const QString& text, Icon icon, Buttons buttons, Answer preselected) {
-    engine::DBEngine::Commit();
+    Application::Running().writeToDisk();
     return ShowBox(text, icon, buttons, preselected);
 }
 

@@ -6,16 +6,13 @@
 
 namespace forms {
 
-/// Title of every message box and name of the program in the settings store.
-inline constexpr auto AppTitle = u"Zavelik";
-
 enum class Icon { Critical, Question, Exclamation, Information };
 enum class Buttons { Ok, YesNo };
 enum class Answer { Ok, Yes, No };
 
-/// Shows a message box titled AppTitle over the active window and waits for the answer. All finished
-/// statements are made durable first; if that fails, the failure is raised and no box is shown, so that no
-/// success is reported before the data is on the disk. In a YesNo box Esc and the close button mean No.
+/// Shows a message box over the active window and waits for the answer. What was written is made durable
+/// first; if that fails, the failure is raised and no box is shown, so that no success is reported before the
+/// data is on the disk. In a YesNo box Esc and the close button mean No.
 Answer MsgBox(const QString& text, Icon icon, Buttons buttons = Buttons::Ok, Answer preselected = Answer::Ok);
 
 /// Yes-or-no questions. `AskYes` has Yes preselected; `AskNo`, for what can lose data, No. True on Yes.

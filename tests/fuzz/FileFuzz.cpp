@@ -3,7 +3,6 @@
 // be listed, written and closed; what is not written to keeps its bytes.
 #include "database/General.h"
 #include "database/Schema.h"
-#include "platform/forms/Application.h"
 #include "platform/runtime/Failure.h"
 #include "platform/runtime/Process.h"
 #include "shared/Declaration.h"
@@ -169,7 +168,7 @@ private:
     int m_count = 1;
     std::array<char, 5> m_name{"fuzz"};
     std::array<char*, 2> m_arguments{m_name.data(), nullptr};
-    forms::Application m_application{m_count, m_arguments.data()};
+    forms::Application m_application{m_count, m_arguments.data(), ThisProgram()};
     BoxCloser m_closer;
     QTemporaryDir m_folder;
     QString m_path;

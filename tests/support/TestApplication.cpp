@@ -1,9 +1,9 @@
 // The entry of every program of window tests: the application object without a display, and a settings store
 // that is not the user's.
 
-#include "platform/forms/Application.h"
 #include "platform/forms/Form.h"
 #include "platform/runtime/Settings.h"
+#include "shared/Declaration.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QTemporaryDir folder;
     runtime::UseSettingsFile(folder.filePath(QStringLiteral("settings")));
-    forms::Application application(argc, argv);
+    forms::Application application(argc, argv, ThisProgram());
     testing::UnitTest::GetInstance()->listeners().Append(new CleanScreen);
     return RUN_ALL_TESTS();
 }

@@ -1,7 +1,6 @@
 #include "citycodes/frmTelKod.h"
 
 #include "citycodes/frmTelKodFilter.h"
-#include "shared/Declaration.h"
 
 namespace {
 
@@ -15,8 +14,8 @@ forms::Design WindowDesign() {
     return design;
 }
 
-forms::ListDesign TownList() {
-    forms::ListDesign list;
+ListDesign TownList() {
+    ListDesign list;
     list.gridName = QStringLiteral("gridTelKod");
     list.contextMenu = QStringLiteral("mnuTelKod");
     list.defaultStatement =
@@ -31,9 +30,9 @@ forms::ListDesign TownList() {
 } // namespace
 
 frmTelKod::frmTelKod()
-    : ListForm(WindowDesign(), TownList(), [] { return gDatabase; }) {
+    : ListForm(WindowDesign(), TownList()) {
 }
 
-std::shared_ptr<forms::FilterForm> frmTelKod::MakeFilter() {
+std::shared_ptr<FilterForm> frmTelKod::MakeFilter() {
     return Create<frmTelKodFilter>();
 }

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "platform/forms/ListForm.h"
+#include "shared/ListForm.h"
 
 /// The list of towns with their regions and dialling codes. Made and shown by its filter.
-class frmTelKod : public forms::ListForm {
+class frmTelKod : public ListForm {
     Q_OBJECT
 
 public:
     frmTelKod();
 
 protected:
-    std::shared_ptr<forms::FilterForm> MakeFilter() override;
+    std::shared_ptr<FilterForm> MakeFilter() override;
 };

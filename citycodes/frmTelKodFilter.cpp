@@ -1,7 +1,6 @@
 #include "citycodes/frmTelKodFilter.h"
 
 #include "citycodes/frmTelKod.h"
-#include "shared/Declaration.h"
 
 #include <QGridLayout>
 
@@ -19,46 +18,36 @@ forms::Design WindowDesign() {
 } // namespace
 
 frmTelKodFilter::frmTelKodFilter()
-    : FilterForm(WindowDesign(), [] { return gDatabase; }) {
+    : FilterForm(WindowDesign(),
+                 {QStringLiteral("SELECT t02cval FROM t02 ORDER BY t02cval"),
+                  QStringLiteral("Нарушена целостность базы данных: в таблице t02 отсутствуют записи.")}) {
 }
 
 void frmTelKodFilter::CreateControls(QWidget* surface) {
-    m_city = AddTextCriterion(surface, QStringLiteral("chkCity"), QStringLiteral("Название города:"),
-                              QStringLiteral("txtCity"), 50, QStringLiteral("t03cval"));
-    m_cityKod = AddTextCriterion(surface, QStringLiteral("chkCityKod"), QStringLiteral("Код города:"),
-                                 QStringLiteral("txtCityKod"), 10, QStringLiteral("t03numb"));
-    m_region = AddListCriterion(surface, QStringLiteral("chkRegion"), QStringLiteral("Регион:"),
-                                QStringLiteral("lstRegion"), QStringLiteral("t02cval"));
-
+    const Criterion& city =
+        AddTextCriterion(surface, QStringLiteral("chkCity"), QStringLiteral("Название города:"),
+                         QStringLiteral("txtCity"), 50, QStringLiteral("t03cval"));
+    const Criterion& cityKod =
+        AddTextCriterion(surface, QStringLiteral("chkCityKod"), QStringLiteral("Код города:"),
+                         QStringLiteral("txtCityKod"), 10, QStringLiteral("t03numb"));
+    const Criterion& region =
+        AddListCriterion(surface, QStringLiteral("chkRegion"), QStringLiteral("Регион:"),
+                         QStringLiteral("lstRegion"), QStringLiteral("t02cval"));
     auto* layout = new QGridLayout(surface);
-    int row = 0;
-    for (const forms::Criterion* criterion : {m_city, m_cityKod, m_region}) {
-        layout->addWidget(criterion->Box(), row, 0);
-        layout->addWidget(criterion->Field(), row++, 1);
-    }
-    layout->setAlignment(m_region->Box(), Qt::AlignTop);
-    layout->addWidget(MakeButtonRow(surface), row, 0, 1, 2);
+    for (const Criterion& criterion : {city, cityKod, region})
+        Place(*layout, criterion);
+    layout->addWidget(MakeButtonRow(surface), layout->rowCount(), 0, 1, 2);
 
-    m_region->Field()->setMinimumWidth(surface->fontMetrics().averageCharWidth() * 44);
-    m_region->Field()->setFixedHeight(forms::HeightForRows(*Source().list, 10));
-    m_city->Field()->setFocus(); // the usual first move is to type a name
+    region.field->setMinimumWidth(surface->fontMetrics().averageCharWidth() * 44);
+    region.field->setFixedHeight(forms::HeightForRows(*static_cast<forms::ListBox*>(region.field), 10));
+    city.field->setFocus(); // the usual first move is to type a name
 }
 
-std::shared_ptr<forms::ListForm> frmTelKodFilter::MakeList() {
+std::shared_ptr<ListForm> frmTelKodFilter::MakeList() {
     return Create<frmTelKod>();
 }
 
 QString frmTelKodFilter::Statement() const {
-    QString statement = QStringLiteral("SELECT * FROM t02, t03 WHERE t02rcid = t03code");
-    for (const forms::Criterion* criterion : {m_city, m_cityKod, m_region}) {
-        if (criterion->IsTicked())
-            statement += criterion->Clause(QStringLiteral("AND"));
-    }
-    return statement + QStringLiteral(" ORDER BY t02cval, t03cval");
-}
-
-forms::FilterForm::ListSource frmTelKodFilter::Source() {
-    return {qobject_cast<forms::ListBox*>(m_region->Field()),
-            QStringLiteral("SELECT t02cval FROM t02 ORDER BY t02cval"),
-            QStringLiteral("Нарушена целостность базы данных: в таблице t02 отсутствуют записи.")};
+    return QStringLiteral("SELECT * FROM t02, t03 WHERE t02rcid = t03code") + Clauses(true) +
+           QStringLiteral(" ORDER BY t02cval, t03cval");
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/forms/FilterForm.h"
+#include "shared/FilterForm.h"
 
 /// Searches the towns by name, dialling code and region.
-class frmTelKodFilter : public forms::FilterForm {
+class frmTelKodFilter : public FilterForm {
     Q_OBJECT
 
 public:
@@ -11,12 +11,6 @@ public:
 
 protected:
     void CreateControls(QWidget* surface) override;
-    std::shared_ptr<forms::ListForm> MakeList() override;
+    std::shared_ptr<ListForm> MakeList() override;
     QString Statement() const override;
-    ListSource Source() override;
-
-private:
-    forms::Criterion* m_city = nullptr;
-    forms::Criterion* m_cityKod = nullptr;
-    forms::Criterion* m_region = nullptr;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/forms/Form.h"
+#include "shared/Commands.h"
 
 namespace forms {
 class FlexGrid;
@@ -9,16 +10,16 @@ class MonthView;
 
 /// The organiser: a month with bold days, and a table of what falls on the selected one. Both are built anew
 /// from the database at every refresh.
-class frmCalendar : public forms::Form {
+class frmCalendar : public forms::Form, public Commands {
     Q_OBJECT
 
 public:
     frmCalendar();
 
     /// Adds an event on the selected date, or, with 0, changes the event of the table's current row.
-    Q_INVOKABLE void EditEvent(int nType);
+    void EditEvent(int nType) override;
     /// Deletes the event of the table's current row after asking.
-    Q_INVOKABLE void DeleteEvent();
+    void DeleteEvent() override;
 
 protected:
     void CreateControls(QWidget* surface) override;

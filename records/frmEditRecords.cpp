@@ -127,7 +127,7 @@ frmEditRecords::frmEditRecords()
     : Form(WindowDesign()) {
 }
 
-void frmEditRecords::SetFrm(std::shared_ptr<forms::ListForm> ptr) {
+void frmEditRecords::SetFrm(std::shared_ptr<ListForm> ptr) {
     frmRecordsPtr = std::move(ptr);
 }
 

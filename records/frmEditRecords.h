@@ -3,8 +3,8 @@
 #include "platform/engine/dao/Recordset.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/Form.h"
-#include "platform/forms/ListForm.h"
 #include "platform/runtime/Numbers.h"
+#include "shared/ListForm.h"
 
 #include <functional>
 #include <optional>
@@ -21,7 +21,7 @@ public:
     frmEditRecords();
 
     /// The list that is told of every change.
-    void SetFrm(std::shared_ptr<forms::ListForm> ptr);
+    void SetFrm(std::shared_ptr<ListForm> ptr);
     /// Turns the loaded card into a view: nothing can be changed, saved or deleted.
     void LockForView();
 
@@ -84,7 +84,7 @@ private:
     std::vector<QString> strTelefonNumbers; ///< one for each place of lstTelefonType
     QStringList m_codes;                    ///< of these types
     std::int16_t nTelefonIndex = -1;        ///< whose number txtTelefonNumber shows; -1: nobody's
-    std::shared_ptr<forms::ListForm> frmRecordsPtr;
+    std::shared_ptr<ListForm> frmRecordsPtr;
     bool m_read = false;
     /// Conditions that tell the record of this card from another one under its number: whose it is, as it was
     /// read and as the cards of this program have written it since. None: it is deleted.

@@ -5,7 +5,6 @@
 #include "platform/runtime/Numbers.h"
 #include "records/frmEditRecords.h"
 #include "records/frmRecordsFilter.h"
-#include "shared/Declaration.h"
 
 namespace {
 
@@ -20,8 +19,8 @@ forms::Design WindowDesign() {
     return design;
 }
 
-forms::ListDesign Columns() {
-    forms::ListDesign list;
+ListDesign Columns() {
+    ListDesign list;
     list.gridName = QStringLiteral("gridRecords");
     list.contextMenu = QStringLiteral("mnuRecords");
     list.defaultStatement = QStringLiteral("SELECT * FROM a01 ORDER BY a01last, a01frst, a01midl");
@@ -38,10 +37,10 @@ forms::ListDesign Columns() {
 } // namespace
 
 frmRecords::frmRecords()
-    : ListForm(WindowDesign(), Columns(), [] { return gDatabase; }) {
+    : ListForm(WindowDesign(), Columns()) {
 }
 
-std::shared_ptr<forms::FilterForm> frmRecords::MakeFilter() {
+std::shared_ptr<FilterForm> frmRecords::MakeFilter() {
     return Create<frmRecordsFilter>();
 }
 

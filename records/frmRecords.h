@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/forms/ListForm.h"
+#include "shared/ListForm.h"
 
 /// The list of cards that one statement finds, with the way to the card windows and out to files.
-class frmRecords final : public forms::ListForm {
+class frmRecords final : public ListForm {
     Q_OBJECT
 
 public:
@@ -11,13 +11,13 @@ public:
 
     enum Action { Edit = 0, Add = 1, View = 2 };
 
-    Q_INVOKABLE void ExtractToCSV();
-    Q_INVOKABLE void ExtractToAnotherDB();
+    void ExtractToCSV() override;
+    void ExtractToAnotherDB() override;
     /// Opens a new card for the record on the current row, or for a new record.
-    Q_INVOKABLE void EditRecord(int nAction);
+    void EditRecord(int nAction) override;
 
 protected:
-    std::shared_ptr<forms::FilterForm> MakeFilter() override;
+    std::shared_ptr<FilterForm> MakeFilter() override;
     void CreateControls(QWidget* surface) override;
 
 private:

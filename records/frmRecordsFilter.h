@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/forms/FilterForm.h"
+#include "shared/FilterForm.h"
 
 /// The window that says which cards to list.
-class frmRecordsFilter final : public forms::FilterForm {
+class frmRecordsFilter final : public FilterForm {
     Q_OBJECT
 
 public:
@@ -11,19 +11,13 @@ public:
 
 protected:
     void CreateControls(QWidget* surface) override;
-    std::shared_ptr<forms::ListForm> MakeList() override;
-    ListSource Source() override;
+    std::shared_ptr<ListForm> MakeList() override;
     QString Statement() const override;
 
 private:
     QWidget* MakeRecordPage(QWidget* parent);
     QWidget* MakeTelefonPage(QWidget* parent);
 
-    forms::Criterion* m_lastName = nullptr;
-    forms::Criterion* m_firstName = nullptr;
-    forms::Criterion* m_middleName = nullptr;
-    forms::Criterion* m_remark = nullptr;
-    forms::Criterion* m_bith = nullptr;
-    forms::Criterion* m_telefonType = nullptr;
-    forms::Criterion* m_telefonNumber = nullptr;
+    const Criterion* m_telefonType = nullptr;
+    const Criterion* m_telefonNumber = nullptr;
 };

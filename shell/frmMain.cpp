@@ -4,6 +4,7 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
 #include "platform/runtime/Process.h"
+#include "shared/Commands.h"
 #include "shared/Declaration.h"
 #include "shell/General.h"
 #include "shell/Guide.h"
@@ -84,41 +85,41 @@ void frmMain::MakeSettingsMenu() {
 void frmMain::MakeRecordsMenu() {
     QMenu* menu = AddMenu(QStringLiteral("mnuRecords"), QStringLiteral("Меню записей"), false);
     const auto editRecord = [this](int action) {
-        return [this, action] { CallActive("EditRecord", action); };
+        return [this, action] { CallActive(&Commands::EditRecord, action); };
     };
     AddCommand(menu, QStringLiteral("mnuRecordsRefresh"), QStringLiteral("Обновить"),
                [this] { mnuRecordsRefresh_Click(); });
     AddSeparator(menu, QStringLiteral("mnuRecordsSeparator1"));
     AddCommand(menu, QStringLiteral("mnuRecordsFilter"), QStringLiteral("Фильтр"),
-               [this] { CallActive("ShowFilter"); });
+               [this] { CallActive(&Commands::ShowFilter); });
     AddSeparator(menu, QStringLiteral("mnuRecordsSeparator2"));
     AddCommand(menu, QStringLiteral("mnuRecordsAdd"), QStringLiteral("Добавить запись"), editRecord(1));
     AddCommand(menu, QStringLiteral("mnuRecordsEdit"), QStringLiteral("Изменить запись"), editRecord(0));
     AddCommand(menu, QStringLiteral("mnuRecordsView"), QStringLiteral("Посмотреть запись"), editRecord(2));
     AddSeparator(menu, QStringLiteral("mnuRecordsSeparator3"));
     AddCommand(menu, QStringLiteral("mnuRecordsExtractToEnotherDB"), QStringLiteral("Извлечь в другую базу"),
-               [this] { CallActive("ExtractToAnotherDB"); });
+               [this] { CallActive(&Commands::ExtractToAnotherDB); });
     AddSeparator(menu, QStringLiteral("mnuRecordsSeparator4"));
     AddCommand(menu, QStringLiteral("mnuRecordsImportFromCSV"), QStringLiteral("Импортировать из CSV файла"),
                General::ShowImportMaster);
     AddCommand(menu, QStringLiteral("mnuRecordsExtractToCSV"), QStringLiteral("Извлечь в CSV файл"),
-               [this] { CallActive("ExtractToCSV"); });
+               [this] { CallActive(&Commands::ExtractToCSV); });
 }
 
 void frmMain::MakeCalendarMenu() {
     QMenu* menu = AddMenu(QStringLiteral("mnuCalendar"), QStringLiteral("Меню органайзера"), false);
     AddCommand(menu, QStringLiteral("mnuCalendarAddEvent"), QStringLiteral("Добавить..."),
-               [this] { CallActive("EditEvent", 1); });
+               [this] { CallActive(&Commands::EditEvent, 1); });
     AddCommand(menu, QStringLiteral("mnuCalendarEditEvent"), QStringLiteral("Редактировать"),
-               [this] { CallActive("EditEvent", 0); });
+               [this] { CallActive(&Commands::EditEvent, 0); });
     AddCommand(menu, QStringLiteral("mnuCalendarRemoveEvent"), QStringLiteral("Удалить"),
-               [this] { CallActive("DeleteEvent"); });
+               [this] { CallActive(&Commands::DeleteEvent); });
 }
 
 void frmMain::MakeTelKodMenu() {
     QMenu* menu = AddMenu(QStringLiteral("mnuTelKod"), QStringLiteral("Меню кодов городов"), false);
     AddCommand(menu, QStringLiteral("mnuTelKodFilter"), QStringLiteral("Фильтр"),
-               [this] { CallActive("ShowFilter"); });
+               [this] { CallActive(&Commands::ShowFilter); });
 }
 
 void frmMain::MakeWindowsMenu() {
@@ -139,8 +140,8 @@ void frmMain::MakeHelpMenu() {
 }
 
 void frmMain::mnuRecordsRefresh_Click() {
-    CallActive("DoNotFillGrid", true);
-    CallActive("FillGrid", QString());
+    CallActive(&Commands::DoNotFillGrid, true);
+    CallActive(&Commands::FillGrid, QString());
 }
 
 void frmMain::mnuBookNewBase_Click() {

@@ -5,14 +5,12 @@
 #include "platform/forms/FormState.h"
 #include "platform/forms/FrameWindow.h"
 #include "platform/forms/NestedLoop.h"
-#include "platform/runtime/Failure.h"
 
 #include <QAction>
 #include <QActionGroup>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMetaMethod>
 #include <QScreen>
 #include <QScrollBar>
 #include <QStyle>
@@ -209,48 +207,13 @@ void MdiForm::FollowWindowActivation(const std::function<void()>& deliver) {
 
 // --- Commands on the active child
 
-void MdiForm::CallActive(const char* operation) {
-    CallWith(operation, nullptr);
-}
-
-void MdiForm::CallActive(const char* operation, int argument) {
-    const QVariant value(argument);
-    CallWith(operation, &value);
-}
-
-void MdiForm::CallActive(const char* operation, bool argument) {
-    const QVariant value(argument);
-    CallWith(operation, &value);
-}
-
-void MdiForm::CallActive(const char* operation, const QString& argument) {
-    const QVariant value(argument);
-    CallWith(operation, &value);
-}
-
-void MdiForm::CallWith(const char* operation, const QVariant* argument) {
+void MdiForm::WithActive(const std::function<void(Form&)>& call) {
     const std::shared_ptr<Form> form = ActiveForm();
     if (!form)
         return;
     form->ApplyLeavingRules();
     const Asking asking(form->IsLoaded() ? form->OuterWindow() : nullptr);
-    const QMetaObject* type = form->metaObject();
-    for (int i = type->methodCount() - 1; i >= 0; --i) {
-        const QMetaMethod method = type->method(i);
-        if (method.name() != operation || method.parameterCount() != (argument ? 1 : 0))
-            continue;
-        if (!argument) {
-            method.invoke(form.get(), Qt::DirectConnection);
-            return;
-        }
-        QVariant value = *argument;
-        const QMetaType wanted = method.parameterMetaType(0);
-        if (!value.convert(wanted))
-            continue;
-        method.invoke(form.get(), Qt::DirectConnection, QGenericArgument(wanted.name(), value.constData()));
-        return;
-    }
-    runtime::Raise(runtime::NoSuchMember);
+    call(*form);
 }
 
 // --- Arrangement

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "platform/forms/Form.h"
-
-#include <QVariant>
+#include "platform/runtime/Failure.h"
 
 class QMainWindow;
 class QMdiArea;
@@ -24,12 +23,17 @@ public:
     /// The active child; null if there is none.
     std::shared_ptr<Form> ActiveForm() const;
 
-    /// Calls a public operation (Q_INVOKABLE) of the active child by its name. Nothing without an active
-    /// child, failure 438 if the child has no such operation.
-    void CallActive(const char* operation);
-    void CallActive(const char* operation, int argument);
-    void CallActive(const char* operation, bool argument);
-    void CallActive(const char* operation, const QString& argument);
+    /// Calls an operation of the active child, behind the leaving rules of its fields. Nothing without an
+    /// active child, failure 438 if it is of another kind.
+    template <class Child, class... Parameters, class... Arguments>
+    void CallActive(void (Child::*operation)(Parameters...), const Arguments&... arguments) {
+        WithActive([&](Form& active) {
+            auto* child = dynamic_cast<Child*>(&active);
+            if (!child)
+                runtime::Raise(runtime::NoSuchMember);
+            (child->*operation)(arguments...);
+        });
+    }
 
     /// Arranges all visible children that are not minimised: cascade, wide windows one under the other,
     /// windows side by side. Fixed windows are moved, not resized.
@@ -61,7 +65,7 @@ private:
     QWidget* MakeSurface() override;
     void UnloadDependants() override;
 
-    void CallWith(const char* operation, const QVariant* argument);
+    void WithActive(const std::function<void(Form&)>& call);
     void FillWindowList();
 
     // The life of the children in the area. Which child is the active one is kept here, since the area

@@ -1,6 +1,6 @@
 #include "platform/forms/FlexGrid.h"
-#include "platform/forms/ListForm.h"
 #include "platform/forms/Twips.h"
+#include "shared/ListForm.h"
 #include "tests/support/WindowTest.h"
 
 #include <QCheckBox>
@@ -27,7 +27,7 @@ protected:
     void Open() {
         Choose("mnuBookTelKod");
         filter = Last("frmTelKodFilter");
-        list = std::static_pointer_cast<forms::ListForm>(Last("frmTelKod"));
+        list = std::static_pointer_cast<ListForm>(Last("frmTelKod"));
     }
     void Find() { Click(Control<QPushButton>(filter, "cmdFind")); }
     void ShowFilter() {
@@ -56,7 +56,7 @@ protected:
     }
 
     std::shared_ptr<forms::Form> filter;
-    std::shared_ptr<forms::ListForm> list;
+    std::shared_ptr<ListForm> list;
 };
 
 TEST_F(CityCodes, APairOpensEmptyWithTheFilterInFront) {

@@ -344,7 +344,7 @@ TEST_F(FormTest, RulesOfAllFieldsRunBeforeAnyActionReadsThem) {
              QTest::keyClick(frame->Window()->windowHandle(), Qt::Key_F, Qt::AltModifier);
              QTest::qWait(200); // the button stays down visibly
          }},
-        {"command", "nothing", [&](QWidget*) { frame->CallActive("Nothing"); }},
+        {"command", "nothing", [&](QWidget*) { frame->CallActive(&SampleForm::Nothing); }},
     };
     for (const Case& c : cases) {
         for (QWidget* focus : {form->txtFirst, form->txtSecond}) {

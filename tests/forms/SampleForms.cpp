@@ -102,20 +102,8 @@ bool SampleForm::Form_KeyDown(int key, Qt::KeyboardModifiers /*modifiers*/) {
     return true;
 }
 
-void SampleForm::Refill(uchar argument) {
+void SampleForm::Refill(int argument) {
     Tell(QStringLiteral("refill(%1)").arg(argument));
-}
-
-void SampleForm::Number(short argument) {
-    Tell(QStringLiteral("number(%1)").arg(argument));
-}
-
-void SampleForm::Truth(bool argument) {
-    Tell(argument ? QStringLiteral("truth(1)") : QStringLiteral("truth(0)"));
-}
-
-void SampleForm::Words(const QString& argument) {
-    Tell(QStringLiteral("words(%1)").arg(argument));
 }
 
 void SampleForm::Nothing() {
@@ -137,10 +125,10 @@ SampleFrame::SampleFrame()
 
 void SampleFrame::CreateControls(QWidget* /*surface*/) {
     QMenu* book = AddMenu(QStringLiteral("mnuBook"), QStringLiteral("Книга"));
-    AddCommand(book, QStringLiteral("mnuBookFail"), QStringLiteral("Сбой"), [this] { CallActive("Fail"); });
+    AddCommand(book, QStringLiteral("mnuBookFail"), QStringLiteral("Сбой"), [this] { CallActive(&SampleForm::Fail); });
     QMenu* context = AddMenu(QStringLiteral("mnuContext"), QStringLiteral("Меню"), false);
     AddCommand(context, QStringLiteral("mnuContextRefill"), QStringLiteral("Обновить"),
-               [this] { CallActive("Refill", 7); });
+               [this] { CallActive(&SampleForm::Refill, 7); });
     AddSeparator(context, QStringLiteral("mnuContextSeparator"));
     AddCommand(context, QStringLiteral("mnuContextClose"), QStringLiteral("Закрыть"),
                [this] { ActiveForm()->Unload(); });

@@ -19,12 +19,9 @@ public:
     explicit SampleForm(const QString& name, forms::Kind kind = forms::Kind::Child,
                         forms::Border border = forms::Border::Fixed);
 
-    Q_INVOKABLE void Refill(uchar argument);
-    Q_INVOKABLE void Number(short argument);
-    Q_INVOKABLE void Truth(bool argument);
-    Q_INVOKABLE void Words(const QString& argument);
-    Q_INVOKABLE void Nothing();
-    Q_INVOKABLE void Fail();
+    void Refill(int argument);
+    void Nothing();
+    void Fail();
 
     /// Run inside the event of that name.
     std::function<void()> inLoad;
@@ -53,14 +50,6 @@ protected:
 
 private:
     void Tell(const QString& what);
-};
-
-/// A child window whose operations stand in its base class.
-class DerivedSampleForm final : public SampleForm {
-    Q_OBJECT
-
-public:
-    using SampleForm::SampleForm;
 };
 
 /// A frame with a menu of the bar, a context menu and the window list.

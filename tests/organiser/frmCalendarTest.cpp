@@ -1,3 +1,4 @@
+#include "shared/Commands.h"
 #include "shared/Declaration.h"
 #include "tests/organiser/OrganiserTest.h"
 #include "tests/support/FaultyFiles.h"
@@ -239,7 +240,7 @@ TEST_F(frmCalendarTest, TheTableStandsOnTheSameEventOrOnTheNewOne) {
             Press(Qt::Key_Return);
         });
         answers.BoxStarting(QStringLiteral("Событие успешно "), forms::Icon::Information);
-        Frame().CallActive("EditEvent", c.nType);
+        Frame().CallActive(&Commands::EditEvent, c.nType);
         EXPECT_EQ(Grid().Row(), c.current);
         EXPECT_EQ(Listed().value(Grid().Row() - 1), QString::fromUtf8(c.entry));
     }
@@ -273,9 +274,9 @@ TEST_F(frmCalendarTest, NumbersPast16BitsReachTheirEvents) {
     });
     answers.Question(QStringLiteral("Вы действительно хотите удалить это событие?"), true, false);
     Grid().SetRow(2);
-    Frame().CallActive("EditEvent", 0);
+    Frame().CallActive(&Commands::EditEvent, 0);
     Grid().SetRow(2);
-    Frame().CallActive("DeleteEvent");
+    Frame().CallActive(&Commands::DeleteEvent);
     EXPECT_EQ(Rows(QStringLiteral("SELECT a03evid FROM a03")), QStringList(QStringLiteral("70002")));
 }
 
@@ -324,7 +325,7 @@ TEST_F(frmCalendarTest, ADeletionThatDoesNotReachTheDiskIsToldByItsRoutine) {
         answers.Question(QStringLiteral("Вы действительно хотите удалить это событие?"), true, false)
             .BoxStarting(QStringLiteral("frmCalendar функция DeleteEvent:\r\nпроизошла ошибка №3043 "),
                          forms::Icon::Critical);
-        Frame().CallActive("DeleteEvent");
+        Frame().CallActive(&Commands::DeleteEvent);
     }
     fails = false;
     EXPECT_EQ(Listed(), QStringList(QStringLiteral("1|Событие|Разовое")));
@@ -339,7 +340,7 @@ TEST_F(frmCalendarTest, FailuresAreToldByTheRoutine) {
     answers.Question(QStringLiteral("Вы действительно хотите удалить это событие?"), true, false)
         .BoxStarting(QStringLiteral("frmCalendar функция DeleteEvent:\r\nпроизошла ошибка №3078 "),
                      forms::Icon::Critical);
-    Frame().CallActive("DeleteEvent");
+    Frame().CallActive(&Commands::DeleteEvent);
     EXPECT_EQ(Listed().size(), 1) << "no refresh";
 }
 

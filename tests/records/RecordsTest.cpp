@@ -40,29 +40,29 @@ void RecordsTest::Fill(const std::shared_ptr<forms::Form>& window, const char* f
     Fill(Control<QLineEdit>(window, field), text);
 }
 
-std::shared_ptr<forms::ListForm> RecordsTest::OpenPair() {
+std::shared_ptr<ListForm> RecordsTest::OpenPair() {
     Choose("mnuBookRecords");
-    return std::static_pointer_cast<forms::ListForm>(Last("frmRecords"));
+    return std::static_pointer_cast<ListForm>(Last("frmRecords"));
 }
 
-std::shared_ptr<forms::ListForm> RecordsTest::OpenFilledList() {
+std::shared_ptr<ListForm> RecordsTest::OpenFilledList() {
     auto list = OpenPair();
     Find(Last("frmRecordsFilter"));
     return list;
 }
 
-forms::FlexGrid& RecordsTest::Grid(const std::shared_ptr<forms::ListForm>& list) {
+forms::FlexGrid& RecordsTest::Grid(const std::shared_ptr<ListForm>& list) {
     return Control<forms::FlexGrid>(list, "gridRecords");
 }
 
-QStringList RecordsTest::Column(const std::shared_ptr<forms::ListForm>& list, int column) {
+QStringList RecordsTest::Column(const std::shared_ptr<ListForm>& list, int column) {
     QStringList texts;
     for (int row = 1; row < Grid(list).Rows(); ++row)
         texts += Grid(list).TextMatrix(row, column);
     return texts;
 }
 
-void RecordsTest::ChooseInMenu(const std::shared_ptr<forms::ListForm>& list, const char* entry,
+void RecordsTest::ChooseInMenu(const std::shared_ptr<ListForm>& list, const char* entry,
                                const std::function<void(test::Answers&)>& expect) {
     Activate(list);
     test::Answers answers;
@@ -72,8 +72,8 @@ void RecordsTest::ChooseInMenu(const std::shared_ptr<forms::ListForm>& list, con
     QTest::mouseClick(Grid(list).viewport(), Qt::RightButton);
 }
 
-std::shared_ptr<forms::Form> RecordsTest::OpenCard(const std::shared_ptr<forms::ListForm>& list,
-                                                   const char* entry, int row) {
+std::shared_ptr<forms::Form> RecordsTest::OpenCard(const std::shared_ptr<ListForm>& list, const char* entry,
+                                                   int row) {
     const std::size_t before = Windows("frmEditRecords").size();
     Grid(list).SetRow(row);
     ChooseInMenu(list, entry);

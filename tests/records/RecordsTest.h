@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/forms/ListForm.h"
+#include "shared/ListForm.h"
 #include "tests/support/WindowTest.h"
 
 #include <functional>
@@ -20,19 +20,19 @@ protected:
     static void Fill(const std::shared_ptr<forms::Form>& window, const char* field, const QString& text);
 
     /// A new filter with its list, as the menu opens it, and the list filled with all cards.
-    std::shared_ptr<forms::ListForm> OpenPair();
-    std::shared_ptr<forms::ListForm> OpenFilledList();
+    std::shared_ptr<ListForm> OpenPair();
+    std::shared_ptr<ListForm> OpenFilledList();
     static void Find(const std::shared_ptr<forms::Form>& filter) { ClickButton(filter, "cmdFind"); }
 
-    static forms::FlexGrid& Grid(const std::shared_ptr<forms::ListForm>& list);
+    static forms::FlexGrid& Grid(const std::shared_ptr<ListForm>& list);
     /// The texts of one column below the header.
-    static QStringList Column(const std::shared_ptr<forms::ListForm>& list, int column = 0);
+    static QStringList Column(const std::shared_ptr<ListForm>& list, int column = 0);
     /// Chooses in the list's context menu; `expect` adds the boxes that the command shows.
-    static void ChooseInMenu(const std::shared_ptr<forms::ListForm>& list, const char* entry,
+    static void ChooseInMenu(const std::shared_ptr<ListForm>& list, const char* entry,
                              const std::function<void(test::Answers&)>& expect = {});
     /// The card that the entry opens for the row; null if none came.
-    static std::shared_ptr<forms::Form> OpenCard(const std::shared_ptr<forms::ListForm>& list,
-                                                 const char* entry, int row = 1);
+    static std::shared_ptr<forms::Form> OpenCard(const std::shared_ptr<ListForm>& list, const char* entry,
+                                                 int row = 1);
 
     static QString ErrorText(const QString& head, int number, const QString& description);
 };

@@ -35,7 +35,7 @@ protected:
         auto& list = Control<QListWidget>(filter, "lstTelefonType");
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(list.item(row)).center());
     }
-    void ShowAgain(const std::shared_ptr<forms::ListForm>& list) { ChooseInMenu(list, "mnuRecordsFilter"); }
+    void ShowAgain(const std::shared_ptr<ListForm>& list) { ChooseInMenu(list, "mnuRecordsFilter"); }
 };
 
 } // namespace

@@ -17,7 +17,7 @@ constexpr auto Refresh = "mnuRecordsRefresh";
 
 class frmRecordsTest : public RecordsTest {
 protected:
-    static QString Count(const std::shared_ptr<forms::ListForm>& list) {
+    static QString Count(const std::shared_ptr<ListForm>& list) {
         return Control<QLineEdit>(list, "txtRecordsNumber").text();
     }
 };

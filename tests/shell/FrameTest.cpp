@@ -1,3 +1,4 @@
+#include "shared/Commands.h"
 #include "tests/shell/StartedProgram.h"
 
 #include <QApplication>
@@ -49,34 +50,25 @@ const Entry Entries[] = {
 };
 
 /// A child that tells which operations the menus call on it.
-class Listener : public forms::Form {
-    Q_OBJECT
-
+class Listener : public forms::Form, public Commands {
 public:
     Listener()
-        : Form(MakeDesign()) {}
+        : Form({.name = QStringLiteral("Listener"), .caption = {}, .tag = {}}) {}
     QStringList calls;
 
-    Q_INVOKABLE void DoNotFillGrid(bool bNeedFill) {
+    void DoNotFillGrid(bool bNeedFill) override {
         calls += QStringLiteral("DoNotFillGrid %1").arg(bNeedFill);
     }
-    Q_INVOKABLE void FillGrid(const QString& strSQL) { calls += QStringLiteral("FillGrid [%1]").arg(strSQL); }
-    Q_INVOKABLE void ShowFilter() { calls += QStringLiteral("ShowFilter"); }
-    Q_INVOKABLE void EditRecord(int nAction) { calls += QStringLiteral("EditRecord %1").arg(nAction); }
-    Q_INVOKABLE void ExtractToAnotherDB() { calls += QStringLiteral("ExtractToAnotherDB"); }
-    Q_INVOKABLE void ExtractToCSV() { calls += QStringLiteral("ExtractToCSV"); }
-    Q_INVOKABLE void EditEvent(int nType) { calls += QStringLiteral("EditEvent %1").arg(nType); }
-    Q_INVOKABLE void DeleteEvent() { calls += QStringLiteral("DeleteEvent"); }
+    void FillGrid(const QString& strSQL) override { calls += QStringLiteral("FillGrid [%1]").arg(strSQL); }
+    void ShowFilter() override { calls += QStringLiteral("ShowFilter"); }
+    void EditRecord(int nAction) override { calls += QStringLiteral("EditRecord %1").arg(nAction); }
+    void ExtractToAnotherDB() override { calls += QStringLiteral("ExtractToAnotherDB"); }
+    void ExtractToCSV() override { calls += QStringLiteral("ExtractToCSV"); }
+    void EditEvent(int nType) override { calls += QStringLiteral("EditEvent %1").arg(nType); }
+    void DeleteEvent() override { calls += QStringLiteral("DeleteEvent"); }
 
 protected:
     void CreateControls(QWidget* /*surface*/) override {}
-
-private:
-    static forms::Design MakeDesign() {
-        forms::Design design;
-        design.name = QStringLiteral("Listener");
-        return design;
-    }
 };
 
 } // namespace
@@ -192,5 +184,3 @@ TEST_F(Frame, ArrangingWithoutWindowsChangesNothing) {
     EXPECT_EQ(Window().size(), before);
     EXPECT_EQ(Children(), QStringList());
 }
-
-#include "FrameTest.moc"

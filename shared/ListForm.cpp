@@ -1,15 +1,17 @@
-#include "platform/forms/ListForm.h"
+#include "shared/ListForm.h"
 
 #include "platform/forms/Controls.h"
-#include "platform/forms/FilterForm.h"
 #include "platform/forms/MdiForm.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Twips.h"
 #include "platform/runtime/Numbers.h"
+#include "shared/Declaration.h"
+#include "shared/FilterForm.h"
 
 #include <QStyle>
 
-namespace forms {
+using forms::FlexGrid;
+using forms::ToPixels;
 
 namespace {
 
@@ -47,11 +49,9 @@ int WidthForCount(const QLineEdit& box) {
 
 } // namespace
 
-ListForm::ListForm(Design design, ListDesign list,
-                   std::function<std::shared_ptr<engine::Database>()> database)
+ListForm::ListForm(forms::Design design, ListDesign list)
     : Form(std::move(design))
     , m_list(std::move(list))
-    , m_database(std::move(database))
     , m_keyColumns(KeyColumns(m_list.columns)) {
 }
 
@@ -64,16 +64,12 @@ void ListForm::DoNotFillGrid(bool bNeedFill) {
 void ListForm::FillGrid(const QString& strSQL) {
     if (!bFillEnabled || !IsLoaded()) // a card may outlive its list
         return;
-    engine::Recordset rows;
-    try {
+    forms::Attempt(Name() + QStringLiteral(" функция FillGrid:"), [&] {
         if (!strSQL.isEmpty())
             strCurrentSQL = strSQL;
         else if (strCurrentSQL.isEmpty())
             strCurrentSQL = m_list.defaultStatement;
-        const std::shared_ptr<engine::Database> database = m_database();
-        if (!database)
-            runtime::Raise(runtime::ObjectNotSet);
-        rows = database->OpenRecordset(strCurrentSQL, engine::dbOpenDynaset);
+        engine::Recordset rows = gDatabase->OpenRecordset(strCurrentSQL, engine::dbOpenDynaset);
         if (rows.RecordCount() > 0) {
             rows.MoveLast();
             rows.MoveFirst();
@@ -83,9 +79,7 @@ void ListForm::FillGrid(const QString& strSQL) {
         if (rows.RecordCount() > 0)
             FillRows(rows);
         rows.Close();
-    } catch (const runtime::Failure& failure) {
-        ShowErrorBox(Name() + QStringLiteral(" функция FillGrid:"), failure);
-    }
+    });
 }
 
 void ListForm::PrepareGrid(std::int64_t count) {
@@ -117,37 +111,31 @@ void ListForm::MakeCurrent(const QString& key) {
 }
 
 void ListForm::ShowFilter() {
-    if (bFilterAttached) {
-        const std::shared_ptr<FilterForm> filter = frmFilterPtr;
-        filter->SetVisible(true);
-        return;
-    }
-    frmFilterPtr = MakeFilter();
-    const std::shared_ptr<FilterForm> filter = frmFilterPtr;
+    if (!frmFilterPtr)
+        frmFilterPtr = MakeFilter();
+    const std::shared_ptr<FilterForm> filter = frmFilterPtr; // its load may put another one in its place
     filter->SetVisible(true);
-    bFilterAttached = true;
 }
 
 void ListForm::SetFilterPtr(std::shared_ptr<FilterForm> ptr, bool bNothing) {
-    bFilterAttached = !bNothing;
     // The old one may end with this reference and call here again: the new state stands before.
-    const std::shared_ptr<FilterForm> old = std::exchange(frmFilterPtr, std::move(ptr));
+    const std::shared_ptr<FilterForm> old = std::exchange(frmFilterPtr, bNothing ? nullptr : std::move(ptr));
 }
 
 // --- Window
 
 void ListForm::CreateControls(QWidget* surface) {
-    m_grid = Named(new FlexGrid(2, static_cast<int>(m_list.columns.size()), surface), m_list.gridName);
+    m_grid = forms::Named(new FlexGrid(2, static_cast<int>(m_list.columns.size()), surface), m_list.gridName);
     m_grid->setAccessibleName(Caption());
     m_grid->SetTag(QStringLiteral("0"));
     m_grid->SetSearchCol(m_list.searchColumn);
     lblRecordsNumber =
-        MakeLabel(QStringLiteral("lblRecordsNumber"), QStringLiteral("Количество записей:"), surface);
-    txtRecordsNumber = MakeTextBox(QStringLiteral("txtRecordsNumber"), 0, surface);
-    Lock(txtRecordsNumber);
-    NameField(txtRecordsNumber, QStringLiteral("txtRecordsNumber"), lblRecordsNumber);
+        forms::MakeLabel(QStringLiteral("lblRecordsNumber"), QStringLiteral("Количество записей:"), surface);
+    txtRecordsNumber = forms::MakeTextBox(QStringLiteral("txtRecordsNumber"), 0, surface);
+    forms::Lock(txtRecordsNumber);
+    forms::NameField(txtRecordsNumber, QStringLiteral("txtRecordsNumber"), lblRecordsNumber);
     On(m_grid, &FlexGrid::ContextMenuRequested,
-       [menu = m_list.contextMenu](QPoint place) { PopupMenu(menu, place); });
+       [menu = m_list.contextMenu](QPoint place) { forms::PopupMenu(menu, place); });
 }
 
 void ListForm::SetGridHeader() {
@@ -163,7 +151,6 @@ void ListForm::SetGridHeader() {
 
 void ListForm::Form_Load() {
     SetGridHeader();
-    bFilterAttached = false;
     bFillEnabled = false;
 }
 
@@ -174,7 +161,7 @@ void ListForm::Form_Resize() {
     if (Height() < LeastHeight)
         SetHeight(LeastHeight);
     const int gridHeight = Height() - BelowGrid;
-    StretchLastColumn(*m_grid, gridWidth);
+    forms::StretchLastColumn(*m_grid, gridWidth);
 
     // A font larger than the rule was made for takes the height of its row from the grid.
     const int rowHeight = txtRecordsNumber->fontMetrics().height() + AroundCount;
@@ -193,11 +180,7 @@ void ListForm::Form_Resize() {
 }
 
 void ListForm::Form_Unload() {
-    if (bFilterAttached) {
-        const std::shared_ptr<FilterForm> filter = frmFilterPtr;
+    if (const std::shared_ptr<FilterForm> filter = frmFilterPtr)
         filter->Unload();
-    }
     SetFilterPtr(nullptr, true);
 }
-
-} // namespace forms

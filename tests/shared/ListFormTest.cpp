@@ -1,11 +1,11 @@
 // The pair of list and filter: fill, refresh, freeze, count, the 16-bit limit, and who holds whom.
 
-#include "platform/forms/ListForm.h"
+#include "shared/ListForm.h"
 
-#include "SampleForms.h"
-#include "platform/engine/dao/DBEngine.h"
-#include "platform/forms/FilterForm.h"
 #include "platform/forms/Twips.h"
+#include "shared/Declaration.h"
+#include "shared/FilterForm.h"
+#include "tests/forms/SampleForms.h"
 #include "tests/support/Answers.h"
 #include "tests/support/Keys.h"
 #include "tests/support/TestBook.h"
@@ -13,15 +13,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QGridLayout>
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QTest>
-#include <QVBoxLayout>
 
 namespace {
-
-std::shared_ptr<engine::Database> book;
 
 forms::Design DesignOf(const QString& name, forms::Border border) {
     forms::Design design;
@@ -35,7 +33,7 @@ forms::Design DesignOf(const QString& name, forms::Border border) {
 
 class TownFilter;
 
-class TownList final : public forms::ListForm {
+class TownList final : public ListForm {
 public:
     TownList()
         : ListForm(DesignOf(QStringLiteral("frmTowns"), forms::Border::Sizable),
@@ -44,52 +42,35 @@ public:
                     QStringLiteral("SELECT * FROM towns ORDER BY id"),
                     {{QStringLiteral("ИД"), QStringLiteral("id"), 0, true},
                      {QStringLiteral("Город"), QStringLiteral("town"), 3000},
-                     {QStringLiteral("Код"), QStringLiteral("code")}}},
-                   [] { return book; }) {}
+                     {QStringLiteral("Код"), QStringLiteral("code")}}}) {}
 
 protected:
-    std::shared_ptr<forms::FilterForm> MakeFilter() override;
+    std::shared_ptr<FilterForm> MakeFilter() override;
 };
 
-class TownFilter final : public forms::FilterForm {
+class TownFilter final : public FilterForm {
 public:
     TownFilter()
-        : FilterForm(DesignOf(QStringLiteral("frmTownsFilter"), forms::Border::Fixed), [] { return book; }) {}
-
-    forms::Criterion* town = nullptr;
-    forms::Criterion* region = nullptr;
+        : FilterForm(
+              DesignOf(QStringLiteral("frmTownsFilter"), forms::Border::Fixed),
+              {QStringLiteral("SELECT name FROM regions ORDER BY name"), QStringLiteral("Нет регионов.")}) {}
 
 protected:
     void CreateControls(QWidget* surface) override {
-        town = AddTextCriterion(surface, QStringLiteral("chkTown"), QStringLiteral("Город:"),
-                                QStringLiteral("txtTown"), 50, QStringLiteral("town"));
-        region = AddListCriterion(surface, QStringLiteral("chkRegion"), QStringLiteral("Регион:"),
-                                  QStringLiteral("lstRegion"), QStringLiteral("region"));
-        auto* layout = new QVBoxLayout(surface);
-        for (QWidget* control :
-             {static_cast<QWidget*>(town->Box()), town->Field(), static_cast<QWidget*>(region->Box()),
-              region->Field(), MakeButtonRow(surface)})
-            layout->addWidget(control);
+        auto* layout = new QGridLayout(surface);
+        Place(*layout, AddTextCriterion(surface, QStringLiteral("chkTown"), QStringLiteral("Город:"),
+                                        QStringLiteral("txtTown"), 50, QStringLiteral("town")));
+        Place(*layout, AddListCriterion(surface, QStringLiteral("chkRegion"), QStringLiteral("Регион:"),
+                                        QStringLiteral("lstRegion"), QStringLiteral("region")));
+        layout->addWidget(MakeButtonRow(surface), 2, 0, 1, 2);
     }
-    std::shared_ptr<forms::ListForm> MakeList() override { return Create<TownList>(); }
-    ListSource Source() override {
-        return {qobject_cast<forms::ListBox*>(region->Field()),
-                QStringLiteral("SELECT name FROM regions ORDER BY name"), QStringLiteral("Нет регионов.")};
-    }
+    std::shared_ptr<ListForm> MakeList() override { return Create<TownList>(); }
     QString Statement() const override {
-        QString sql = QStringLiteral("SELECT * FROM towns");
-        QString joiner = QStringLiteral("WHERE");
-        for (const auto* criterion : {town, region}) {
-            if (!criterion->IsTicked())
-                continue;
-            sql += criterion->Clause(joiner);
-            joiner = QStringLiteral("AND");
-        }
-        return sql + QStringLiteral(" ORDER BY id");
+        return QStringLiteral("SELECT * FROM towns") + Clauses(false) + QStringLiteral(" ORDER BY id");
     }
 };
 
-std::shared_ptr<forms::FilterForm> TownList::MakeFilter() {
+std::shared_ptr<FilterForm> TownList::MakeFilter() {
     return Create<TownFilter>();
 }
 
@@ -104,8 +85,8 @@ std::shared_ptr<forms::Form> Loaded(const char* name) {
 class ListFormTest : public testing::Test {
 protected:
     void SetUp() override {
-        book = engine::DBEngine::Workspaces(0)->CreateDatabase(folder.Path(QStringLiteral("book.mdb")),
-                                                               QString::fromUtf16(engine::dbLangGeneral));
+        gDatabase = engine::DBEngine::Workspaces(0)->CreateDatabase(
+            folder.Path(QStringLiteral("book.mdb")), QString::fromUtf16(engine::dbLangGeneral));
         Run("CREATE TABLE regions (name TEXT(50))");
         Run("CREATE TABLE towns (id INTEGER, town TEXT(50), region TEXT(50), code TEXT(10))");
         for (const char* row : {"(1, 'Абакан', 'Хакасия', '3902')", "(2, 'Москва', 'Москва', '495')",
@@ -123,11 +104,13 @@ protected:
         list.reset();
         if (frame && frame->IsLoaded())
             frame->Unload();
-        book->Close();
-        book.reset();
+        gDatabase->Close();
+        gDatabase.reset();
     }
 
-    static void Run(const QByteArray& sql) { book->Execute(QString::fromUtf8(sql), engine::dbFailOnError); }
+    static void Run(const QByteArray& sql) {
+        gDatabase->Execute(QString::fromUtf8(sql), engine::dbFailOnError);
+    }
     static void RunMany(int rows) {
         Run("CREATE TABLE many (id INTEGER, town TEXT(50), code TEXT(10))");
         for (int id = 1; id <= rows; ++id)

@@ -1,17 +1,18 @@
 #pragma once
 
-#include "platform/engine/dao/Database.h"
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/Form.h"
+#include "shared/Commands.h"
 
 #include <vector>
 
 class QLabel;
 class QLineEdit;
-
-namespace forms {
-
 class FilterForm;
+
+namespace engine {
+class Recordset;
+}
 
 /// A column of a list: header, field of the statement, width in twips (0: left to the grid or the Resize
 /// rule).
@@ -32,19 +33,19 @@ struct ListDesign {
     int searchColumn = 0; ///< where the list looks for what is typed on it
 };
 
-/// The list of one statement: a grid, the number of its rows, a filter that it is paired with. Fill, freeze,
+/// The list of one statement: a grid, the number of its rows, and the filter, which it owns. Fill, freeze,
 /// count and Resize rule are the same for every list.
-class ListForm : public Form {
+class ListForm : public forms::Form, public Commands {
     Q_OBJECT
 
 public:
     /// True permits fills, False suppresses them, in spite of the operation's name.
-    Q_INVOKABLE void DoNotFillGrid(bool bNeedFill);
+    void DoNotFillGrid(bool bNeedFill) override;
     /// Runs the statement into the grid; an empty text runs the one of the last fill, or the default one. The
     /// entry that is current stays so.
-    Q_INVOKABLE void FillGrid(const QString& strSQL);
+    void FillGrid(const QString& strSQL) override;
     /// Brings up the paired filter, or makes a new one.
-    Q_INVOKABLE void ShowFilter();
+    void ShowFilter() override;
     void SetFilterPtr(std::shared_ptr<FilterForm> ptr, bool bNothing);
     /// Makes the first row of that key current, in sight. Nothing if the list does not show it.
     void MakeCurrent(const QString& key);
@@ -52,11 +53,11 @@ public:
     const QString& CurrentSQL() const { return strCurrentSQL; }
 
 protected:
-    ListForm(Design design, ListDesign list, std::function<std::shared_ptr<engine::Database>()> database);
+    ListForm(forms::Design design, ListDesign list);
 
     virtual std::shared_ptr<FilterForm> MakeFilter() = 0;
     void SetGridHeader();
-    FlexGrid* Grid() const { return m_grid; }
+    forms::FlexGrid* Grid() const { return m_grid; }
 
     void CreateControls(QWidget* surface) override;
     void Form_Load() override;
@@ -68,16 +69,12 @@ private:
     void FillRows(engine::Recordset& rows);
 
     ListDesign m_list;
-    std::function<std::shared_ptr<engine::Database>()> m_database;
     std::vector<int> m_keyColumns;
-    FlexGrid* m_grid = nullptr;
+    forms::FlexGrid* m_grid = nullptr;
     QLabel* lblRecordsNumber = nullptr;
     QLineEdit* txtRecordsNumber = nullptr;
 
     std::shared_ptr<FilterForm> frmFilterPtr;
     QString strCurrentSQL;
-    bool bFilterAttached = false;
     bool bFillEnabled = false;
 };
-
-} // namespace forms

@@ -4,6 +4,7 @@
 #include "exchange/Retries.h"
 #include "exchange/RowLoop.h"
 #include "exchange/TargetFile.h"
+#include "platform/forms/BusyPointer.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
@@ -24,13 +25,13 @@ const QString Head = QStringLiteral("frmRecords функция ExtractToAnotherD
 class Extraction {
 public:
     /// `old`: what the user has agreed to lose; it is not there afterwards, success or not.
-    Extraction(forms::Form& list, QString fileName, std::shared_ptr<runtime::OldFile> old)
-        : m_list(list)
-        , m_fileName(std::move(fileName))
+    Extraction(QString fileName, std::shared_ptr<runtime::OldFile> old)
+        : m_fileName(std::move(fileName))
         , m_old(std::move(old))
-        , m_retries([this] { m_list.SetBusy(false); }) {}
+        , m_retries([this] { m_busy.reset(); }) {}
 
     void Run(const QString& strCurrentSQL);
+    void EndBusy() { m_busy.reset(); }
     /// Gives up what is open, in this order: result sets, target with its file, workspace. Raises nothing.
     void GiveUp();
 
@@ -48,7 +49,7 @@ private:
     template <class Text>
     void CopyRows(engine::Recordset& rows, Text text);
 
-    forms::Form& m_list;
+    std::optional<forms::BusyPointer> m_busy;
     QString m_fileName;
     std::shared_ptr<runtime::OldFile> m_old;
     Retries m_retries;
@@ -62,9 +63,9 @@ private:
 
 void Extraction::Run(const QString& strCurrentSQL) {
     OpenTarget();
-    m_list.SetBusy(true);
+    m_busy.emplace();
     if (!General::ApplySQLToCreateDB(*m_target)) {
-        m_list.SetBusy(false);
+        m_busy.reset();
         forms::MsgBox(QStringLiteral("Не удалось извлечь данные в другую базу."), forms::Icon::Exclamation);
         GiveUp();
         return;
@@ -188,7 +189,7 @@ void Extraction::CopyEvents() {
 }
 
 void Extraction::Finish() {
-    m_list.SetBusy(false);
+    m_busy.reset();
     m_cards = {};
     m_phones = {};
     m_types = {};
@@ -233,10 +234,11 @@ void ExtractToAnotherDB(forms::Form& list, const QString& strCurrentSQL) {
                 return;
             old = std::make_shared<runtime::OldFile>(fileName);
         }
-        extraction.emplace(list, fileName, old);
+        extraction.emplace(fileName, old);
         extraction->Run(strCurrentSQL);
     } catch (const runtime::Failure& failure) {
-        list.SetBusy(false);
+        if (extraction)
+            extraction->EndBusy();
         forms::ShowErrorBox(Head, failure);
         if (extraction)
             extraction->GiveUp();

@@ -45,8 +45,6 @@ forms::TextBox* frmAbout::AddRow(QGridLayout* grid, const QString& labelName, co
 void frmAbout::CreateControls(QWidget* surface) {
     constexpr int Margin = 12;
     constexpr int CharactersInField = 42;
-    SetKeyPreview(true);
-
     QLabel* author =
         forms::MakeLabel(QStringLiteral("Label1"), QStringLiteral("Norvane 58, автор Orlenta+"), surface);
     QFont bold = author->font();

@@ -19,7 +19,7 @@ void Start() {
     try {
         General::Main();
     } catch (const runtime::Failure& failure) {
-        forms::ShowEscapedFailure(failure);
+        forms::ShowErrorBox({}, failure);
     }
 }
 

@@ -45,8 +45,6 @@ frmUserEditor::frmUserEditor()
 }
 
 void frmUserEditor::CreateControls(QWidget* surface) {
-    SetKeyPreview(true);
-
     QLabel* Label2 = forms::MakeLabel(QStringLiteral("Label2"), QStringLiteral("Запрос:"), surface);
     Label3 = forms::MakeLabel(QStringLiteral("Label3"), QStringLiteral("(F9 - выполнить)"), surface);
     QLabel* Label1 = forms::MakeLabel(QStringLiteral("Label1"), QStringLiteral("Результат:"), surface);
@@ -85,12 +83,9 @@ bool frmUserEditor::Form_KeyDown(int key, Qt::KeyboardModifiers /*modifiers*/) {
     if (key != Qt::Key_F9)
         return false;
     ApplyLeavingRules();
-    try {
-        RunQuery();
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmUserEditor функция Form_KeyDown:"), failure,
-                            forms::Icon::Exclamation);
-    }
+    forms::Attempt(
+        QStringLiteral("frmUserEditor функция Form_KeyDown:"), [this] { RunQuery(); },
+        forms::Icon::Exclamation);
     return true;
 }
 

@@ -2,9 +2,7 @@
 
 #include "platform/forms/Controls.h"
 #include "platform/forms/DarkPreference.h"
-#include "platform/forms/EscapeWatch.h"
-#include "platform/forms/EventDelivery.h"
-#include "platform/forms/FormState.h"
+#include "platform/forms/Form.h"
 #include "platform/forms/MenuAccess.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/ProgramStyle.h"
@@ -48,20 +46,13 @@ public:
     bool isEmpty() const override { return false; }
     QString translate(const char* context, const char* source, const char* /*remark*/,
                       int /*number*/) const override {
-        if (QLatin1String(context) != u"QAbstractFileIconProvider")
-            return {};
-        const struct {
-            const char* source;
-            QString text;
-        } texts[] = {
-            {"Folder", QStringLiteral("Папка")},
-            {"Drive", QStringLiteral("Диск")},
-            {"Unknown", QStringLiteral("Неизвестный")},
+        static const QHash<QLatin1String, QString> texts{
+            {QLatin1String("Folder"), QStringLiteral("Папка")},
+            {QLatin1String("Drive"), QStringLiteral("Диск")},
+            {QLatin1String("Unknown"), QStringLiteral("Неизвестный")},
         };
-        for (const auto& known : texts)
-            if (QLatin1String(known.source) == QLatin1String(source))
-                return known.text;
-        return {};
+        return QLatin1String(context) == u"QAbstractFileIconProvider" ? texts.value(QLatin1String(source))
+                                                                      : QString();
     }
 };
 
@@ -129,9 +120,8 @@ void Application::LoadToolkitTexts() {
 }
 
 bool Application::notify(QObject* receiver, QEvent* event) {
-    EventDelivery delivery;
-    const bool handled = Deliver(receiver, event);
-    delivery.Finish();
+    bool handled = true;
+    Attempt({}, [&] { handled = QApplication::notify(receiver, event); });
     return handled;
 }
 
@@ -146,25 +136,6 @@ bool Application::eventFilter(QObject* watched, QEvent* event) {
         return false;
     event->ignore();
     return true;
-}
-
-bool Application::Deliver(QObject* receiver, QEvent* event) {
-    if (EscapeWatch::Takes(receiver, event))
-        return true;
-    try {
-        if (event->type() == QEvent::KeyPress && receiver->isWidgetType()) {
-            const std::shared_ptr<Form> form = Form::Of(static_cast<QWidget*>(receiver));
-            if (form && form->PreviewKey(*static_cast<QKeyEvent*>(event)))
-                return true;
-        }
-        return QApplication::notify(receiver, event);
-    } catch (const runtime::Failure& failure) {
-        ShowEscapedFailure(failure);
-        return true;
-    } catch (...) {
-        EventDelivery::Keep();
-        return true;
-    }
 }
 
 bool Application::event(QEvent* event) {
@@ -185,11 +156,7 @@ void Application::WriteWhenIdle() {
 
 void Application::WriteAtEnd() {
     // What the last handlers wrote: behind this nobody could be told.
-    try {
-        m_program.writeToDisk();
-    } catch (const runtime::Failure& failure) {
-        ShowEscapedFailure(failure);
-    }
+    Attempt({}, m_program.writeToDisk);
 }
 
 void Application::TellLater(const runtime::Failure& failure) {
@@ -199,7 +166,7 @@ void Application::TellLater(const runtime::Failure& failure) {
     QMetaObject::invokeMethod(
         this,
         [this, failure] {
-            ShowEscapedFailure(failure);
+            ShowErrorBox({}, failure);
             m_telling = false;
         },
         Qt::QueuedConnection);

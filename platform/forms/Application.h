@@ -32,7 +32,6 @@ public:
 
     static const Program& Running();
 
-    /// An exception that is no Failure passes through, also out of the loops of modal windows and boxes.
     bool notify(QObject* receiver, QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -48,7 +47,6 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    bool Deliver(QObject* receiver, QEvent* event);
     void LoadToolkitTexts();
     void WriteWhenIdle();
     void WriteAtEnd();

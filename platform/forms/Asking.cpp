@@ -1,6 +1,9 @@
 #include "platform/forms/Asking.h"
 
-#include <QGuiApplication>
+#include "platform/forms/MdiForm.h"
+
+#include <QApplication>
+#include <QMainWindow>
 #include <QScreen>
 
 #include <algorithm>
@@ -42,6 +45,17 @@ Asking::Asking(QWidget* window)
 
 Asking::~Asking() {
     innermost = m_outer;
+}
+
+QWidget* Asking::Owner() {
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    // A dialog that has just been unloaded may still count as active; it would take the box along.
+    QWidget* active = QApplication::activeWindow();
+    if (active && active->isVisible())
+        return active->window();
+    const MdiForm* frame = MdiForm::Current();
+    return frame && frame->Window()->isVisible() ? frame->Window() : nullptr;
 }
 
 void Asking::Centre(QWidget& window, const QWidget* owner) {

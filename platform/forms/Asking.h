@@ -14,6 +14,8 @@ public:
     Asking(const Asking&) = delete;
     Asking& operator=(const Asking&) = delete;
 
+    /// What a box or a dialog that is about to be shown belongs to; null if no window is on the screen.
+    static QWidget* Owner();
     /// Moves a window that is about to be shown to the middle of the one that asks, if that stands on the
     /// owner and can be seen; else to the middle of the owner, or without one of the screen. It stays wholly
     /// on the screen.

@@ -5,19 +5,8 @@
 
 namespace forms {
 
-namespace {
-
-Qt::WindowFlags FlagsOf(Border border) {
-    if (border == Border::Sizable)
-        return Qt::SubWindow;
-    return Qt::SubWindow | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-           Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint;
-}
-
-} // namespace
-
 ChildFrame::ChildFrame(std::weak_ptr<Form> form, const Design& design)
-    : QMdiSubWindow(nullptr, FlagsOf(design.border))
+    : QMdiSubWindow(nullptr, design.Flags(Qt::SubWindow))
     , m_form(std::move(form))
     , m_fixed(design.border == Border::Fixed) {
     setObjectName(design.name);

@@ -1,7 +1,6 @@
 #include "platform/forms/CommonDialog.h"
 
 #include "platform/forms/FileWindow.h"
-#include "platform/forms/NestedLoop.h"
 
 #include <QDir>
 #include <QPointer>
@@ -53,14 +52,9 @@ void CommonDialog::Show(QWidget* owner, bool save) {
         dialog->setDefaultSuffix(FirstSuffix(Filter));
     if (!FileName.isEmpty())
         dialog->selectFile(FileName);
-    NestedLoop nested([dialog] {
-        if (dialog)
-            dialog->reject();
-    });
     const bool chosen = dialog->exec() == QDialog::Accepted && dialog;
     FileName = chosen ? QDir::toNativeSeparators(dialog->selectedFiles().value(0)) : QString();
     delete dialog.data();
-    nested.Rethrow();
 }
 
 } // namespace forms

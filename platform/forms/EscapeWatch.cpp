@@ -3,15 +3,11 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 
-#include <utility>
-
 namespace forms {
 
 namespace {
 
 constexpr qint64 lookInterval = 50; ///< milliseconds
-
-EscapeWatch* looking = nullptr;
 
 } // namespace
 
@@ -24,18 +20,15 @@ EscapeWatch::~EscapeWatch() {
 bool EscapeWatch::WasPressed() {
     if (m_pressed || m_lastLook.elapsed() < lookInterval)
         return m_pressed;
-    EscapeWatch* const outer = std::exchange(looking, this);
+    QCoreApplication* const program = QCoreApplication::instance();
+    program->installEventFilter(this);
     QCoreApplication::processEvents();
-    looking = outer;
+    program->removeEventFilter(this);
     m_lastLook.restart();
     return m_pressed;
 }
 
-bool EscapeWatch::Takes(QObject* receiver, QEvent* event) {
-    return looking && looking->TakeEvent(receiver, event);
-}
-
-bool EscapeWatch::TakeEvent(QObject* receiver, QEvent* event) {
+bool EscapeWatch::eventFilter(QObject* receiver, QEvent* event) {
     switch (event->type()) {
     case QEvent::KeyPress:
         m_pressed = m_pressed || static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;

@@ -6,9 +6,6 @@
 #include <memory>
 #include <vector>
 
-class QEvent;
-class QObject;
-
 namespace forms {
 
 /// Finds out whether Esc is pressed while a long piece of work keeps the program from its event loop.
@@ -16,25 +13,22 @@ namespace forms {
 /// No handler of the program runs meanwhile: keys, clicks, drops and requests to close that come during the
 /// work are passed over, timers wait; of a change of the active window, the focus, place or size the windows
 /// are told at the end of the watch. Only painting goes on.
-class EscapeWatch {
+class EscapeWatch : public QObject {
 public:
     EscapeWatch() { m_lastLook.start(); }
-    ~EscapeWatch();
-    EscapeWatch(const EscapeWatch&) = delete;
-    EscapeWatch& operator=(const EscapeWatch&) = delete;
+    ~EscapeWatch() override;
 
     /// Looks every 50 ms at most; stays true.
     bool WasPressed();
 
-    /// Whether a watch takes the event, which then goes no further. Asked for every event of the program.
-    static bool Takes(QObject* receiver, QEvent* event);
+protected:
+    bool eventFilter(QObject* receiver, QEvent* event) override;
 
 private:
     struct KeptEvent {
         QPointer<QObject> receiver;
         std::unique_ptr<QEvent> event;
     };
-    bool TakeEvent(QObject* receiver, QEvent* event);
 
     bool m_pressed = false;
     QElapsedTimer m_lastLook;

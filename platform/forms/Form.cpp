@@ -1,21 +1,20 @@
 #include "platform/forms/Form.h"
 
 #include "platform/forms/Asking.h"
-#include "platform/forms/ChildSurface.h"
+#include "platform/forms/ChildFrame.h"
 #include "platform/forms/Controls.h"
-#include "platform/forms/DialogWindow.h"
-#include "platform/forms/EventDelivery.h"
-#include "platform/forms/FormState.h"
 #include "platform/forms/MdiForm.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Twips.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QFocusEvent>
 #include <QInputMethod>
 #include <QLayout>
 #include <QMainWindow>
 #include <QThread>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -31,14 +30,6 @@ std::vector<std::shared_ptr<Form>>& LoadedForms() {
 std::vector<std::shared_ptr<Form>>& KeptForms() {
     static std::vector<std::shared_ptr<Form>> forms;
     return forms;
-}
-
-/// The window that a dialog belongs to.
-QWidget* Owner() {
-    if (QWidget* modal = QApplication::activeModalWidget())
-        return modal;
-    const MdiForm* frame = MdiForm::Current();
-    return frame && frame->Window()->isVisible() ? frame->Window() : nullptr;
 }
 
 /// Whether the field lost the focus to another window or to a menu: it is not left then.
@@ -61,6 +52,13 @@ bool IsEnter(const QKeyEvent& key) {
            (key.key() == Qt::Key_Enter && !(key.modifiers() & ~Qt::KeypadModifier));
 }
 
+Qt::WindowFlags Design::Flags(Qt::WindowType type) const {
+    if (border == Border::Sizable)
+        return type;
+    return type | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint;
+}
+
 Form::Form(Design design)
     : m_design(std::move(design)) {
 }
@@ -71,11 +69,7 @@ Form::~Form() = default;
 
 void Form::Terminate() {
     // Nobody holds the form any more: its handlers find no window and no shared reference.
-    try {
-        Form_Terminate();
-    } catch (const runtime::Failure& failure) {
-        ShowEscapedFailure(failure);
-    }
+    Attempt({}, [this] { Form_Terminate(); });
 }
 
 void Form::KeepForever(std::shared_ptr<Form> form) {
@@ -105,9 +99,12 @@ std::shared_ptr<Form> Form::Of(const QWidget* widget) {
 }
 
 QWidget* Form::MakeSurface() {
-    if (m_design.kind == Kind::Dialog)
-        return new DialogWindow(weak_from_this(), m_design);
-    auto* surface = new ChildSurface(weak_from_this());
+    if (m_design.kind == Kind::Dialog) {
+        auto* dialog = new QDialog(nullptr, m_design.Flags(Qt::Dialog));
+        dialog->setModal(true);
+        return dialog;
+    }
+    auto* surface = new QWidget;
     MdiForm* frame = MdiForm::Current();
     m->frame = frame ? frame->AddChild(*this) : new ChildFrame(weak_from_this(), m_design);
     m->frame->setWidget(surface);
@@ -123,6 +120,7 @@ void Form::Load() {
     m_surface = MakeSurface();
     m_surface->setObjectName(m_design.name);
     m_surface->setWindowTitle(m_design.caption);
+    m_surface->installEventFilter(this);
     LoadedForms().push_back(self);
     CreateControls(m_surface);
     FinishControls();
@@ -149,25 +147,10 @@ void Form::Show(bool modal) {
     Load();
     if (!IsLoaded())
         return; // its load has unloaded it
-    if (modal && m_design.kind == Kind::Dialog)
-        ShowModal();
-    else
-        MakeVisible();
-}
-
-void Form::ShowModal() {
-    if (m->modalLoop)
-        return;
-    QEventLoop loop;
-    NestedLoop nested([&loop] { loop.quit(); });
-    m->modalLoop = &loop;
     MakeVisible();
-    // The activation may have hidden or unloaded it already.
-    if (IsLoaded() && m->modalLoop == &loop && m_surface->isVisible())
-        loop.exec(QEventLoop::DialogExec);
-    if (IsLoaded() && m->modalLoop == &loop)
-        m->modalLoop = nullptr;
-    nested.Rethrow();
+    auto* dialog = modal ? qobject_cast<QDialog*>(m_surface.data()) : nullptr;
+    if (dialog && dialog->isVisible()) // the activation may have hidden or unloaded it already
+        dialog->exec();
 }
 
 void Form::MakeVisible() {
@@ -180,9 +163,9 @@ void Form::MakeVisible() {
     }
     const bool appears = m_surface->isHidden();
     if (appears && m_design.kind == Kind::Dialog)
-        static_cast<DialogWindow*>(m_surface.data())->Place(Owner(), m_design.onScreen);
+        PlaceDialog();
     TakeFirstFocus();
-    m_surface->show();
+    m_surface->QWidget::setVisible(true); // a dialog's own would act as if Tab had led into its field
     m_surface->raise();
     m_surface->activateWindow();
     if (!appears)
@@ -190,6 +173,19 @@ void Form::MakeVisible() {
     Resized();
     if (IsLoaded())
         Dispatch([this] { Form_Activate(); });
+}
+
+void Form::PlaceDialog() {
+    QWidget* owner = Asking::Owner();
+    m_surface->ensurePolished();
+    m_surface->adjustSize();
+    m_surface
+        ->winId(); // it is no child of its owner's: it may live on, hidden; so the windows are tied instead
+    m_surface->windowHandle()->setTransientParent(owner ? owner->windowHandle() : nullptr);
+    if (m_design.onScreen)
+        Asking::CentreOnScreen(*m_surface, owner);
+    else
+        Asking::Centre(*m_surface, owner);
 }
 
 void Form::TakeFirstFocus() {
@@ -214,8 +210,6 @@ void Form::Discard() {
     const std::unique_ptr<State> state = std::move(m);
     m_surface = nullptr;
     std::erase(LoadedForms(), self);
-    if (state->modalLoop)
-        state->modalLoop->quit();
     if (state->frame) {
         if (MdiForm* frame = MdiForm::Current())
             frame->RemoveChild(state->frame);
@@ -276,8 +270,6 @@ void Form::SetVisible(bool visible) {
     Load();
     if (!IsLoaded() || OuterWindow()->isHidden())
         return;
-    if (m->modalLoop)
-        std::exchange(m->modalLoop, nullptr)->quit();
     MdiForm* frame = MdiForm::Current();
     if (m->frame && frame)
         frame->HideChild(m->frame);
@@ -310,35 +302,12 @@ bool Form::IsMinimised() const {
     return IsLoaded() && OuterWindow()->isMinimized();
 }
 
-void Form::SetBusy(bool busy) {
-    Load();
-    if (!IsLoaded())
-        return;
-    if (busy)
-        m_surface->setCursor(Qt::WaitCursor);
-    else
-        m_surface->unsetCursor();
-}
-
 // --- Events
 
-void Form::Dispatch(const std::function<void()>& handler) {
+void Form::Dispatch(const std::function<void()>& handler, const QString& head) {
     const std::shared_ptr<Form> self = weak_from_this().lock();
     const Asking asking(IsLoaded() ? OuterWindow() : nullptr);
-    try {
-        handler();
-    } catch (const runtime::Failure& failure) {
-        ShowEscapedFailure(failure);
-    }
-}
-
-void Form::DispatchSignal(const std::function<void()>& handler) {
-    try {
-        Dispatch(handler);
-    } catch (...) {
-        if (!EventDelivery::Keep())
-            throw;
-    }
+    Attempt(head, handler);
 }
 
 void Form::Resized() {
@@ -349,13 +318,6 @@ void Form::Resized() {
 
 bool Form::Form_KeyDown(int /*key*/, Qt::KeyboardModifiers /*modifiers*/) {
     return false;
-}
-
-bool Form::PreviewKey(const QKeyEvent& key) {
-    bool handled = false;
-    if (m_keyPreview)
-        Dispatch([&] { handled = Form_KeyDown(key.key(), key.modifiers()); });
-    return handled;
 }
 
 void Form::OnLostFocus(QWidget* field, std::function<void()> rule) {
@@ -374,36 +336,50 @@ void Form::ApplyLeavingRules() {
     const std::shared_ptr<Form> self = weak_from_this().lock();
     if (m_surface->isAncestorOf(QApplication::focusWidget()))
         QGuiApplication::inputMethod()->commit();
-    const FieldRules running = m->leaving; // a rule may unload the form
-    for (const FieldRule& rule : running)
+    const Rules running = m->leaving; // a rule may unload the form
+    for (const Rule& rule : running)
         rule.apply();
 }
 
-void Form::PrepareFor(const QObject* sender) {
-    if (qobject_cast<const QPushButton*>(sender))
-        ApplyLeavingRules();
-}
-
 bool Form::eventFilter(QObject* watched, QEvent* event) {
-    const bool left = event->type() == QEvent::FocusOut;
-    if (!IsLoaded() || (!left && event->type() != QEvent::FocusIn))
+    if (!IsLoaded())
         return false;
-    auto* field = static_cast<QWidget*>(watched);
-    if (left && KeepsTheFocus(*static_cast<QFocusEvent*>(event), *field)) {
-        m->resting = field;
+    if (watched != m_surface) {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+            FollowFocus(*static_cast<QFocusEvent*>(event), static_cast<QWidget*>(watched));
         return false;
     }
-    const bool returns = !left && m->resting == field;
+    if (event->type() == QEvent::KeyPress)
+        return HandleKey(*static_cast<QKeyEvent*>(event));
+    if (event->type() == QEvent::Close && m_surface->isWindow()) {
+        event->accept();
+        Unload();
+        return true;
+    }
+    // The keyboard goes back to the owner of a dialog. Window managers see to that too, but not all of them
+    // where a box and the dialog below it go at once.
+    const QWindow* window = event->type() == QEvent::Hide ? m_surface->windowHandle() : nullptr;
+    QWindow* owner = window ? window->transientParent() : nullptr;
+    if (owner && owner->isVisible())
+        owner->requestActivate();
+    return false;
+}
+
+void Form::FollowFocus(const QFocusEvent& event, QWidget* field) {
+    if (event.lostFocus() && KeepsTheFocus(event, *field)) {
+        m->resting = field;
+        return;
+    }
+    const bool returns = event.gotFocus() && m->resting == field;
     m->resting = nullptr;
     if (returns)
-        return false;
-    const FieldRules running = left ? m->leaving : m->entering; // a rule may unload the form
+        return;
+    const Rules running = event.lostFocus() ? m->leaving : m->entering; // a rule may unload the form
     Dispatch([&] {
-        for (const FieldRule& rule : running)
+        for (const Rule& rule : running)
             if (rule.field == field)
                 rule.apply();
     });
-    return false;
 }
 
 // --- Default and cancel button
@@ -417,20 +393,24 @@ void Form::SetCancelButton(QPushButton* button) {
     m->cancelButton = button;
 }
 
-bool Form::PressButtonFor(const QKeyEvent& key) {
-    if (!IsLoaded())
-        return false;
-    QPushButton* button = nullptr;
-    if (IsEnter(key)) {
-        button = qobject_cast<QPushButton*>(m_surface->focusWidget());
-        if (!button)
-            button = m->defaultButton;
-    } else if (key.key() == Qt::Key_Escape && key.modifiers() == Qt::NoModifier) {
-        button = m->cancelButton;
-    }
+QPushButton* Form::ButtonFor(const QKeyEvent& key) const {
+    if (key.key() == Qt::Key_Escape && key.modifiers() == Qt::NoModifier)
+        return m->cancelButton;
+    if (!IsEnter(key))
+        return nullptr;
+    auto* focused = qobject_cast<QPushButton*>(m_surface->focusWidget());
+    return focused ? focused : m->defaultButton.data();
+}
+
+bool Form::HandleKey(const QKeyEvent& key) {
+    bool handled = false;
+    Dispatch([&] { handled = Form_KeyDown(key.key(), key.modifiers()); });
+    if (handled || !IsLoaded())
+        return true;
+    QPushButton* button = ButtonFor(key);
     if (!button || !button->isEnabled() || !button->isVisible())
-        return false;
-    if (!key.isAutoRepeat()) // a key held down presses once
+        return m_design.kind == Kind::Dialog; // whose own keys would close it
+    if (!key.isAutoRepeat())                  // a key held down presses once
         button->click();
     return true;
 }

@@ -2,21 +2,19 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QWidget>
+#include <QPushButton>
 
 #include <functional>
 #include <memory>
 #include <vector>
 
+class QDialog;
+class QFocusEvent;
 class QKeyEvent;
-class QPushButton;
 
 namespace forms {
 
 class ChildFrame;
-class ChildSurface;
-class DialogWindow;
-class FrameWindow;
 
 enum class Kind {
     Child,  ///< child window of the frame
@@ -38,7 +36,13 @@ struct Design {
     QString tag;           ///< starting Tag
     QSize size = {};       ///< starting outer size in logical pixels for sizable windows; empty: by content
     bool onScreen = false; ///< a dialog in the middle of the screen, not over its owner
+
+    /// Those of a window of that type with this border.
+    Qt::WindowFlags Flags(Qt::WindowType type) const;
 };
+
+/// Whether Enter alone is pressed, on either part of the keyboard.
+bool IsEnter(const QKeyEvent& key);
 
 /// A window of the program: an object that is loaded, shown, unloaded and loaded again.
 ///
@@ -111,9 +115,6 @@ public:
     /// The loaded forms, in the order of their load.
     static std::vector<std::shared_ptr<Form>> Loaded();
 
-    /// The busy or the normal pointer over this window (the values 11 and 0 of MousePointer).
-    void SetBusy(bool busy);
-
 protected:
     explicit Form(Design design);
 
@@ -129,25 +130,29 @@ protected:
     virtual void Form_Resize() {}
     virtual void Form_Unload() {}
     virtual void Form_Terminate() {}
-    /// Sees every key of the window before its controls if SetKeyPreview(true) was called; true: handled.
+    /// Sees the keys that no control has taken; true: handled.
     virtual bool Form_KeyDown(int key, Qt::KeyboardModifiers modifiers);
-    void SetKeyPreview(bool on) { m_keyPreview = on; }
 
-    /// Connects a signal to a handler; a failure that escapes the handler is shown in the box of unhandled
-    /// failures. Nothing runs for the controls of an earlier load. A push button's handlers run behind the
+    /// Connects a signal to a handler; a failure that escapes the handler is shown in the error box with that
+    /// head. Nothing runs for the controls of an earlier load. A push button's handlers run behind the
     /// leaving rules of all fields.
     template <class Sender, class Signal, class Handler>
-    void On(Sender* sender, Signal signal, Handler handler) {
+    void On(Sender* sender, Signal signal, Handler handler, const QString& head = {}) {
         QWidget* const surface = m_surface;
         QObject::connect(sender, signal, surface,
-                         [weak = weak_from_this(), surface, sender, handler](auto&&... arguments) {
+                         [weak = weak_from_this(), surface, sender, handler, head](auto&&... arguments) {
                              const std::shared_ptr<Form> form = weak.lock();
                              if (!form || form->m_surface != surface)
                                  return;
-                             form->DispatchSignal([&] {
-                                 form->PrepareFor(sender);
-                                 Hand(handler, std::forward<decltype(arguments)>(arguments)...);
-                             });
+                             const auto handle = [&] {
+                                 if constexpr (std::is_base_of_v<QPushButton, Sender>)
+                                     form->ApplyLeavingRules();
+                                 if constexpr (std::is_invocable_v<const Handler&, decltype(arguments)...>)
+                                     handler(std::forward<decltype(arguments)>(arguments)...);
+                                 else
+                                     handler();
+                             };
+                             form->Dispatch(handle, head);
                          });
     }
 
@@ -165,32 +170,39 @@ protected:
     void SetDefaultButton(QPushButton* button);
     void SetCancelButton(QPushButton* button);
 
-    /// Runs a handler of this form; shows a failure that escapes it.
-    void Dispatch(const std::function<void()>& handler);
+    /// Runs a handler of this form; shows a failure that escapes it under the head.
+    void Dispatch(const std::function<void()>& handler, const QString& head = {});
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     friend class Application;
     friend class ChildFrame;
-    friend class ChildSurface;
-    friend class DialogWindow;
-    friend class FrameWindow;
     friend class MdiForm;
+
+    struct Rule {
+        const QObject* field;
+        std::function<void()> apply;
+    };
+    using Rules = std::vector<Rule>; ///< in the order of their making
+
+    /// What a form knows of its window from load to unload.
+    struct State {
+        QString tag;
+        QPointer<ChildFrame> frame; ///< of a child window
+        QPointer<QPushButton> defaultButton;
+        QPointer<QPushButton> cancelButton;
+        Rules leaving;
+        Rules entering;
+        /// The field that lost the focus to another window or to a menu; getting it back is no entering.
+        QPointer<QWidget> resting;
+        bool unloading = false;
+    };
 
     /// Makes the window of this kind, hidden; the surface is what bears the controls.
     virtual QWidget* MakeSurface();
     /// Runs before Form_Unload of this form.
     virtual void UnloadDependants() {}
-
-    /// Calls a handler that takes all arguments of the signal or none.
-    template <class Handler, class... Arguments>
-    static void Hand(const Handler& handler, Arguments&&... arguments) {
-        if constexpr (std::is_invocable_v<const Handler&, Arguments...>)
-            handler(std::forward<Arguments>(arguments)...);
-        else
-            handler();
-    }
 
     void Terminate();
     static void KeepForever(std::shared_ptr<Form> form);
@@ -202,22 +214,18 @@ private:
     void FinishControls();
     void Discard();
     void MakeVisible();
-    void ShowModal();
+    void PlaceDialog();
     void TakeFirstFocus();
-    /// Dispatch for a handler that the toolkit calls: no exception goes on into its frames.
-    void DispatchSignal(const std::function<void()>& handler);
-    void PrepareFor(const QObject* sender);
     QWidget* OuterWindow() const;
     void Resized();
-    /// Enter and Esc on the surface; true if a button took it.
-    bool PressButtonFor(const QKeyEvent& key);
-    bool PreviewKey(const QKeyEvent& key);
+    void FollowFocus(const QFocusEvent& event, QWidget* field);
+    /// The button that Enter or Esc presses; null if there is none.
+    QPushButton* ButtonFor(const QKeyEvent& key) const;
+    bool HandleKey(const QKeyEvent& key);
 
     Design m_design;
     QPointer<QWidget> m_surface;
-    bool m_keyPreview = false;
-    struct State; ///< of one load
-    std::unique_ptr<State> m;
+    std::unique_ptr<State> m; ///< of one load
 };
 
 } // namespace forms

@@ -82,10 +82,4 @@ void FrameWindow::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-void FrameWindow::resizeEvent(QResizeEvent* event) {
-    QMainWindow::resizeEvent(event);
-    if (const std::shared_ptr<Form> form = m_form.lock())
-        form->Resized();
-}
-
 } // namespace forms

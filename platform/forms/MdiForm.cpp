@@ -2,9 +2,7 @@
 
 #include "platform/forms/Asking.h"
 #include "platform/forms/ChildFrame.h"
-#include "platform/forms/FormState.h"
 #include "platform/forms/FrameWindow.h"
-#include "platform/forms/NestedLoop.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -440,15 +438,10 @@ void MdiForm::FillWindowList() {
 }
 
 void MdiForm::PopupMenu(const QString& name, QPoint screenPosition) {
-    const QPointer<QMenu> menu = m_frame->window->findChild<QMenu*>(name);
+    auto* menu = m_frame->window->findChild<QMenu*>(name);
     if (!menu)
         runtime::Raise(runtime::NoSuchMember);
-    NestedLoop nested([menu] {
-        if (menu)
-            menu->close();
-    });
     menu->exec(screenPosition);
-    nested.Rethrow();
 }
 
 void PopupMenu(const QString& name, QPoint screenPosition) {

@@ -1,13 +1,12 @@
 #include "platform/forms/MsgBox.h"
 
 #include "platform/forms/Application.h"
-#include "platform/forms/MdiForm.h"
-#include "platform/forms/MessageWindow.h"
-#include "platform/forms/NestedLoop.h"
+#include "platform/forms/Asking.h"
+#include "platform/forms/Texts.h"
 
-#include <QApplication>
-#include <QMainWindow>
+#include <QMessageBox>
 #include <QPointer>
+#include <QShowEvent>
 
 #include <optional>
 
@@ -15,29 +14,53 @@ namespace forms {
 
 namespace {
 
-QWidget* Owner() {
-    if (QWidget* modal = QApplication::activeModalWidget())
-        return modal;
-    // A dialog that has just been unloaded may still count as active; it would take the box along.
-    QWidget* active = QApplication::activeWindow();
-    if (active && active->isVisible())
-        return active->window();
-    const MdiForm* frame = MdiForm::Current();
-    return frame && frame->Window()->isVisible() ? frame->Window() : nullptr;
+QMessageBox::Icon BoxIcon(Icon icon) {
+    switch (icon) {
+    case Icon::Critical:
+        return QMessageBox::Critical;
+    case Icon::Question:
+        return QMessageBox::Question;
+    case Icon::Exclamation:
+        return QMessageBox::Warning;
+    case Icon::Information:
+        return QMessageBox::Information;
+    }
+    return QMessageBox::NoIcon;
 }
 
+class Box final : public QMessageBox {
+public:
+    using QMessageBox::QMessageBox;
+
+protected:
+    void showEvent(QShowEvent* event) override {
+        QMessageBox::showEvent(event);
+        if (!event->spontaneous())
+            Asking::Centre(*this, parentWidget());
+    }
+};
+
+/// The text is shown as it is: no markup, no letters underlined.
 Answer ShowBox(const QString& text, Icon icon, Buttons buttons, Answer preselected) {
+    constexpr qsizetype MostInBox = 2048; // more characters would not fit on a screen
+    const bool asks = buttons == Buttons::YesNo;
     // The owner may go while the box is up and takes it along: so it is no local object.
-    const QPointer<MessageWindow> box = new MessageWindow(Owner(), text, icon, buttons, preselected);
-    NestedLoop nested([box] {
-        if (box)
-            box->done(0);
-    });
-    box->exec();
-    const Answer answer = box ? box->Chosen() : (buttons == Buttons::Ok ? Answer::Ok : Answer::No);
+    const QPointer<Box> box = new Box(Asking::Owner());
+    box->setObjectName(QStringLiteral("MsgBox"));
+    box->setWindowTitle(Application::Running().title);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(Shown(text, MostInBox));
+    box->setIcon(BoxIcon(icon));
+    box->setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
+    if (asks) {
+        box->setDefaultButton(preselected == Answer::No ? QMessageBox::No : QMessageBox::Yes);
+        box->setEscapeButton(QMessageBox::No);
+    }
+    const int pressed = box->exec();
     delete box.data();
-    nested.Rethrow();
-    return answer;
+    if (!asks)
+        return Answer::Ok;
+    return pressed == QMessageBox::Yes ? Answer::Yes : Answer::No;
 }
 
 bool IsSame(const runtime::Failure& one, const runtime::Failure& other) {
@@ -45,7 +68,7 @@ bool IsSame(const runtime::Failure& one, const runtime::Failure& other) {
 }
 
 /// Whether what was reported as finished is on the disk.
-std::optional<runtime::Failure> CommitFailure() {
+std::optional<runtime::Failure> WriteFailure() {
     try {
         Application::Running().writeToDisk();
     } catch (const runtime::Failure& failure) {
@@ -76,14 +99,10 @@ QString ErrorText(const QString& head, const runtime::Failure& failure) {
 }
 
 void ShowErrorBox(const QString& head, const runtime::Failure& failure, Icon icon) {
-    const std::optional<runtime::Failure> lost = CommitFailure();
+    const std::optional<runtime::Failure> lost = WriteFailure();
     ShowBox(ErrorText(head, failure), icon, Buttons::Ok, Answer::Ok);
     if (lost && !IsSame(*lost, failure)) // a statement that fails may take the others of its group along
         ShowBox(ErrorText(head, *lost), icon, Buttons::Ok, Answer::Ok);
-}
-
-void ShowEscapedFailure(const runtime::Failure& failure) {
-    ShowErrorBox(QString(), failure);
 }
 
 } // namespace forms

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <type_traits>
+
 namespace forms {
 
 enum class Icon { Critical, Question, Exclamation, Information };
@@ -19,25 +21,27 @@ Answer MsgBox(const QString& text, Icon icon, Buttons buttons = Buttons::Ok, Ans
 bool AskYes(const QString& text);
 bool AskNo(const QString& text, Icon icon = Icon::Question);
 
-/// The standard error box: head, CR LF, number and description, one OK button. Never throws; a commit that
+/// The standard error box: head, CR LF, number and description, one OK button; without a head for a failure
+/// that no routine has handled. Never throws; a commit that
 /// fails on the way to the box for another reason is told in a second box with the same head.
 void ShowErrorBox(const QString& head, const runtime::Failure& failure, Icon icon = Icon::Critical);
 
-/// One step of a clean-up: its failure is told under the head of the routine that cleans up, and does not
-/// keep the next steps from being taken.
+/// Takes a step of a routine with that head and shows its failure. False behind a failure, else what the step
+/// answers, if it answers at all.
 template <class Step>
-void Attempt(const QString& head, Step step) {
+bool Attempt(const QString& head, Step step, Icon icon = Icon::Critical) {
     try {
-        step();
+        if constexpr (std::is_same_v<std::invoke_result_t<Step>, bool>)
+            return step();
+        else
+            return step(), true;
     } catch (const runtime::Failure& failure) {
-        ShowErrorBox(head, failure);
+        ShowErrorBox(head, failure, icon);
+        return false;
     }
 }
 
 /// The text of the standard error box.
 QString ErrorText(const QString& head, const runtime::Failure& failure);
-
-/// The box for a failure that no routine handled: the same box without a head.
-void ShowEscapedFailure(const runtime::Failure& failure);
 
 } // namespace forms

@@ -124,7 +124,7 @@ TEST(MsgBoxTest, ErrorBox) {
     answers.Box(QStringLiteral("Глава\r\nпроизошла ошибка №3044 Путь не найден"), Icon::Exclamation);
     forms::ShowErrorBox(QStringLiteral("Глава"), failure, Icon::Exclamation);
     answers.Box(QStringLiteral("произошла ошибка №3044 Путь не найден"), Icon::Critical);
-    forms::ShowEscapedFailure(failure);
+    forms::ShowErrorBox({}, failure);
 }
 
 TEST(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {

@@ -3,7 +3,6 @@
 #include "SampleForms.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Twips.h"
-#include "platform/runtime/Process.h"
 #include "tests/support/Answers.h"
 #include "tests/support/Keys.h"
 #include "tests/support/WindowWalk.h"
@@ -391,9 +390,8 @@ TEST_F(FormTest, LeavingAndEnteringAFieldAreMovesInsideTheProgram) {
     }
 }
 
-TEST_F(FormTest, KeyPreviewSeesKeysWhereverTheFocusIs) {
+TEST_F(FormTest, AFormSeesTheKeysThatNoControlTakes) {
     const auto form = Make(QStringLiteral("a"));
-    form->previewsKeys = true;
     form->Show();
     for (QWidget* focus :
          {static_cast<QWidget*>(form->txtFirst), form->txtLines, static_cast<QWidget*>(form->cmdOther)}) {
@@ -420,29 +418,6 @@ TEST_F(FormTest, FailureThatEscapesAHandlerIsShownAndTheProgramGoesOn) {
     frame->Window()->findChild<QAction*>(QStringLiteral("mnuBookFail"))->trigger();
     form->Unload();
     EXPECT_FALSE(form->IsLoaded());
-}
-
-TEST_F(FormTest, EndOfTheProcessReachesTheOneWhoCalled) {
-    const runtime::EndTrap trap;
-    const auto form = Make(QStringLiteral("a"));
-    form->inFind = [] { runtime::End(); };
-    form->Show();
-    EXPECT_THROW(QTest::keyClick(form->txtFirst, Qt::Key_Return), runtime::ProcessEnded);
-    EXPECT_THROW(QTest::mouseClick(form->cmdFind, Qt::LeftButton), runtime::ProcessEnded);
-    form->inActivate = [] { runtime::End(); };
-    form->SetVisible(false);
-    EXPECT_THROW(form->Show(), runtime::ProcessEnded);
-
-    // Out of two loops, one in the other.
-    const auto dialog = Make(QStringLiteral("d"), Kind::Dialog);
-    dialog->inFind = [] {
-        forms::MsgBox(QStringLiteral("Текст"), forms::Icon::Critical);
-        runtime::End();
-    };
-    test::Answers answers;
-    answers.Modal(QStringLiteral("d"), [&](QWidget&) { QTest::mouseClick(dialog->cmdFind, Qt::LeftButton); });
-    answers.Box(QStringLiteral("Текст"), forms::Icon::Critical);
-    EXPECT_THROW(dialog->Show(true), runtime::ProcessEnded);
 }
 
 TEST_F(FormTest, WalkOverAWindowFindsWhatIsMissing) {

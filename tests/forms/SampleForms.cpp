@@ -58,7 +58,6 @@ void SampleForm::CreateControls(QWidget* surface) {
 
     SetDefaultButton(cmdFind);
     SetCancelButton(cmdCancel);
-    SetKeyPreview(previewsKeys);
     OnLostFocus(txtFirst, [this] {
         forms::ReplaceApostrophes(txtFirst);
         Tell(QStringLiteral("left"));
@@ -125,7 +124,8 @@ SampleFrame::SampleFrame()
 
 void SampleFrame::CreateControls(QWidget* /*surface*/) {
     QMenu* book = AddMenu(QStringLiteral("mnuBook"), QStringLiteral("Книга"));
-    AddCommand(book, QStringLiteral("mnuBookFail"), QStringLiteral("Сбой"), [this] { CallActive(&SampleForm::Fail); });
+    AddCommand(book, QStringLiteral("mnuBookFail"), QStringLiteral("Сбой"),
+               [this] { CallActive(&SampleForm::Fail); });
     QMenu* context = AddMenu(QStringLiteral("mnuContext"), QStringLiteral("Меню"), false);
     AddCommand(context, QStringLiteral("mnuContextRefill"), QStringLiteral("Обновить"),
                [this] { CallActive(&SampleForm::Refill, 7); });

@@ -30,7 +30,6 @@ public:
     std::function<void()> inFind;
 
     int resized = 0;
-    bool previewsKeys = false;
 
     QLineEdit* txtFirst = nullptr;
     QLineEdit* txtSecond = nullptr;

@@ -33,7 +33,7 @@ protected:
         try {
             General::Main();
         } catch (const runtime::Failure& failure) {
-            forms::ShowEscapedFailure(failure);
+            forms::ShowErrorBox({}, failure);
         } catch (const runtime::ProcessEnded&) {
             // The process is gone: nothing is closed.
         }

@@ -78,7 +78,7 @@ void AllowEmptyTextsInCards(engine::Database& db) {
 } // namespace
 
 bool General::ApplySQLToCreateDB(engine::Database& db) {
-    try {
+    return forms::Attempt(QStringLiteral("General функция ApplySQLToCreateDB:"), [&] {
         db.Execute(schema::CreateA01(), engine::dbFailOnError);
         CreateTelefonTypes(db);
         db.Execute(schema::CreateA02(), engine::dbFailOnError);
@@ -88,8 +88,5 @@ bool General::ApplySQLToCreateDB(engine::Database& db) {
         db.Execute(schema::CreateA03(), engine::dbFailOnError);
         AllowEmptyTextsInCards(db);
         return FillRegions(db) && FillCity(db);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("General функция ApplySQLToCreateDB:"), failure);
-        return false;
-    }
+    });
 }

@@ -35,32 +35,20 @@ bool FillTowns(engine::Database& db, std::span<const seed::Region> regions) {
 } // namespace
 
 bool General::FillRegions(engine::Database& db) {
-    try {
+    return forms::Attempt(QStringLiteral("General функция FillRegions:"), [&] {
         for (const seed::Region& region : seed::AllRegions())
             db.Execute(QStringLiteral("INSERT INTO t02 (t02cval) VALUES ('") + Text(region.name) +
                            QStringLiteral("')"),
                        engine::dbFailOnError);
-        return true;
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("General функция FillRegions:"), failure);
-        return false;
-    }
+    });
 }
 
 bool General::FillCity(engine::Database& db) {
-    try {
-        return FillTowns(db, seed::FirstRegions()) && FillCity1(db);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("General функция FillCity:"), failure);
-        return false;
-    }
+    return forms::Attempt(QStringLiteral("General функция FillCity:"),
+                          [&] { return FillTowns(db, seed::FirstRegions()) && FillCity1(db); });
 }
 
 bool General::FillCity1(engine::Database& db) {
-    try {
-        return FillTowns(db, seed::LastRegions());
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("General функция FillCity1:"), failure);
-        return false;
-    }
+    return forms::Attempt(QStringLiteral("General функция FillCity1:"),
+                          [&] { return FillTowns(db, seed::LastRegions()); });
 }

@@ -197,11 +197,7 @@ void CsvExport::Finish() {
 
 void ExtractToCSV(forms::Form& list, const QString& strCurrentSQL) {
     CsvExport run;
-    try {
-        run.Run(list, strCurrentSQL);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmRecords функция ExtractToCSV:"), failure);
-    }
+    forms::Attempt(QStringLiteral("frmRecords функция ExtractToCSV:"), [&] { run.Run(list, strCurrentSQL); });
 }
 
 } // namespace exchange

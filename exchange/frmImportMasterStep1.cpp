@@ -64,9 +64,11 @@ void frmImportMasterStep1::CreateControls(QWidget* surface) {
     layout->addLayout(MakeButtonRow());
 
     txtFile->setFocus(); // the file comes first
-    On(tabImport, &QTabWidget::currentChanged, [this] { tabImport_Click(); });
-    On(lstParameter, &QListWidget::itemChanged,
-       [this](QListWidgetItem* item) { lstParameter_ItemCheck(*item); });
+    On(
+        tabImport, &QTabWidget::currentChanged, [this] { tabImport_Click(); }, Head("tabImport_Click"));
+    On(
+        lstParameter, &QListWidget::itemChanged,
+        [this](QListWidgetItem* item) { lstParameter_ItemCheck(*item); }, Head("lstParameter_ItemCheck"));
 }
 
 QWidget* frmImportMasterStep1::MakeFilePage() {
@@ -89,7 +91,8 @@ QWidget* frmImportMasterStep1::MakeFilePage() {
     layout->addStretch();
 
     OnGotFocus(txtFile, [this] { txtFile->selectAll(); });
-    On(cmdSelect, &QPushButton::clicked, [this] { cmdSelect_Click(); });
+    On(
+        cmdSelect, &QPushButton::clicked, [this] { cmdSelect_Click(); }, Head("cmdSelect_Click"));
     return page;
 }
 
@@ -126,47 +129,36 @@ QLayout* frmImportMasterStep1::MakeButtonRow() {
 
     SetDefaultButton(cmdImport);
     SetCancelButton(cmdCancel);
-    On(cmdImport, &QPushButton::clicked, [this] { cmdImport_Click(); });
+    On(
+        cmdImport, &QPushButton::clicked, [this] { cmdImport_Click(); }, Head("cmdImport_Click"));
     On(cmdCancel, &QPushButton::clicked, [this] { Unload(); });
     return forms::ButtonRow({cmdImport, cmdCancel});
 }
 
-void frmImportMasterStep1::Guard(const QString& routine, const std::function<void()>& handler) {
-    try {
-        handler();
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmImportMasterStep1 функция ") + routine + u':', failure);
-    }
-}
-
 void frmImportMasterStep1::cmdSelect_Click() {
-    Guard(QStringLiteral("cmdSelect_Click"), [this] {
-        forms::CommonDialog cdlImport(QStringLiteral("cdlImport"));
-        cdlImport.InitDir = runtime::ProgramFolder();
-        cdlImport.Flags = forms::cdlOFNFileMustExist | forms::cdlOFNPathMustExist;
-        cdlImport.Filter = QStringLiteral("Завелик (*.csv)|*.csv");
-        cdlImport.ShowOpen(Surface());
-        if (!cdlImport.FileName.isEmpty())
-            txtFile->setText(cdlImport.FileName);
-    });
+    forms::CommonDialog cdlImport(QStringLiteral("cdlImport"));
+    cdlImport.InitDir = runtime::ProgramFolder();
+    cdlImport.Flags = forms::cdlOFNFileMustExist | forms::cdlOFNPathMustExist;
+    cdlImport.Filter = QStringLiteral("Завелик (*.csv)|*.csv");
+    cdlImport.ShowOpen(Surface());
+    if (!cdlImport.FileName.isEmpty())
+        txtFile->setText(cdlImport.FileName);
 }
 
 void frmImportMasterStep1::tabImport_Click() {
-    Guard(QStringLiteral("tabImport_Click"), [this] {
-        if (tabImport->currentIndex() > 0) {
-            const QString path = runtime::Trim(txtFile->text());
-            if (path.isEmpty())
-                return AskForFile(QStringLiteral("Сначала необходимо выбрать файл из которого будут "
-                                                 "импортироваться данные (шаг первый)."));
-            if (!runtime::IsPlainFile(path))
-                return AskForFile(QStringLiteral("Выбранного Вами файла не существует."));
-        }
-        if (tabImport->currentIndex() != 2) {
-            cmdImport->setEnabled(false);
-            return;
-        }
-        FillParameters();
-    });
+    if (tabImport->currentIndex() > 0) {
+        const QString path = runtime::Trim(txtFile->text());
+        if (path.isEmpty())
+            return AskForFile(QStringLiteral("Сначала необходимо выбрать файл из которого будут "
+                                             "импортироваться данные (шаг первый)."));
+        if (!runtime::IsPlainFile(path))
+            return AskForFile(QStringLiteral("Выбранного Вами файла не существует."));
+    }
+    if (tabImport->currentIndex() != 2) {
+        cmdImport->setEnabled(false);
+        return;
+    }
+    FillParameters();
 }
 
 void frmImportMasterStep1::AskForFile(const QString& message) {
@@ -192,16 +184,14 @@ void frmImportMasterStep1::FillParameters() {
 }
 
 void frmImportMasterStep1::lstParameter_ItemCheck(const QListWidgetItem& item) {
-    Guard(QStringLiteral("lstParameter_ItemCheck"), [&] {
-        QList<QListWidgetItem*> partners;
-        if (const QString name = PartnerOf(item.text()); !name.isEmpty())
-            partners = lstParameter->findItems(name, Qt::MatchFixedString);
-        cmdImport->setEnabled(true);
-        if (partners.isEmpty())
-            return;
-        const QSignalBlocker notTheUser(lstParameter);
-        partners.front()->setCheckState(Qt::Unchecked);
-    });
+    QList<QListWidgetItem*> partners;
+    if (const QString name = PartnerOf(item.text()); !name.isEmpty())
+        partners = lstParameter->findItems(name, Qt::MatchFixedString);
+    cmdImport->setEnabled(true);
+    if (partners.isEmpty())
+        return;
+    const QSignalBlocker notTheUser(lstParameter);
+    partners.front()->setCheckState(Qt::Unchecked);
 }
 
 std::vector<int> frmImportMasterStep1::CheckedItems() const {
@@ -214,35 +204,33 @@ std::vector<int> frmImportMasterStep1::CheckedItems() const {
 }
 
 void frmImportMasterStep1::cmdImport_Click() {
-    Guard(QStringLiteral("cmdImport_Click"), [this] {
-        const std::vector<int> items = CheckedItems();
-        if (items.empty()) {
-            forms::MsgBox(QStringLiteral("Не выбрано ни одного параметра для импорта."),
-                          forms::Icon::Exclamation);
-            return;
-        }
-        if (std::none_of(items.begin(), items.end(),
-                         [this](int item) { return IsNameColumn(lstParameter->item(item)->text()); })) {
-            forms::MsgBox(QStringLiteral("Необходимо выбрать хотя бы один из следующих параметров: "
-                                         "first name, last name, middle name, name."),
-                          forms::Icon::Exclamation);
-            return;
-        }
-        const Outcome outcome = ImportFile(items);
-        if (outcome.errors != 0)
-            forms::MsgBox(QStringLiteral("Импорт записей завершен с ошибками. Обработано ") +
-                              QString::number(outcome.lines - 1) +
-                              QStringLiteral(" записей, из них с ошибками: ") +
-                              QString::number(outcome.errors) + u'.',
-                          forms::Icon::Information);
-        else
-            forms::MsgBox(QStringLiteral("Импорт записей успешно завершен. Обновлено записей: ") +
-                              QString::number(objRecord.GetUpdateNumber()) +
-                              QStringLiteral(". Добавлено записей: ") +
-                              QString::number(objRecord.GetInsertNumber()),
-                          forms::Icon::Information);
-        Unload();
-    });
+    const std::vector<int> items = CheckedItems();
+    if (items.empty()) {
+        forms::MsgBox(QStringLiteral("Не выбрано ни одного параметра для импорта."),
+                      forms::Icon::Exclamation);
+        return;
+    }
+    if (std::none_of(items.begin(), items.end(),
+                     [this](int item) { return IsNameColumn(lstParameter->item(item)->text()); })) {
+        forms::MsgBox(QStringLiteral("Необходимо выбрать хотя бы один из следующих параметров: "
+                                     "first name, last name, middle name, name."),
+                      forms::Icon::Exclamation);
+        return;
+    }
+    const Outcome outcome = ImportFile(items);
+    if (outcome.errors != 0)
+        forms::MsgBox(QStringLiteral("Импорт записей завершен с ошибками. Обработано ") +
+                          QString::number(outcome.lines - 1) +
+                          QStringLiteral(" записей, из них с ошибками: ") + QString::number(outcome.errors) +
+                          u'.',
+                      forms::Icon::Information);
+    else
+        forms::MsgBox(QStringLiteral("Импорт записей успешно завершен. Обновлено записей: ") +
+                          QString::number(objRecord.GetUpdateNumber()) +
+                          QStringLiteral(". Добавлено записей: ") +
+                          QString::number(objRecord.GetInsertNumber()),
+                      forms::Icon::Information);
+    Unload();
 }
 
 /// Merges the rows of the file by the columns of these items of the list. What went in before a failure stays

@@ -4,7 +4,6 @@
 #include "platform/forms/Form.h"
 
 #include <array>
-#include <functional>
 #include <vector>
 
 class QLayout;
@@ -51,8 +50,6 @@ private:
     void FillParameters();
     std::vector<int> CheckedItems() const;
     Outcome ImportFile(const std::vector<int>& items);
-    /// Runs a handler and shows its failure under the routine's name.
-    static void Guard(const QString& routine, const std::function<void()>& handler);
 
     QTabWidget* tabImport = nullptr;
     forms::TextBox* txtFile = nullptr;

@@ -123,11 +123,7 @@ void frmCalendar::Refresh() {
 }
 
 void frmCalendar::FillDaysBold() {
-    try {
-        MarkDaysOfMonth();
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmCalendar функция FillDaysBold:"), failure);
-    }
+    forms::Attempt(Head("FillDaysBold"), [this] { MarkDaysOfMonth(); });
 }
 
 void frmCalendar::MarkDaysOfMonth() {
@@ -169,11 +165,7 @@ void frmCalendar::SetGridHeader() {
 }
 
 void frmCalendar::FillGrid() {
-    try {
-        ListDay();
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmCalendar функция FillGrid:"), failure);
-    }
+    forms::Attempt(Head("FillGrid"), [this] { ListDay(); });
 }
 
 void frmCalendar::ListDay() {
@@ -243,17 +235,16 @@ void frmCalendar::EditEvent(int nType) {
 }
 
 void frmCalendar::DeleteEvent() {
-    try {
+    const bool deleted = forms::Attempt(Head("DeleteEvent"), [this] {
         const QString id = gridEvent->TextMatrix(gridEvent->Row(), ColId);
         if (id.isEmpty() || runtime::TextToLong(id) <= NoEvent)
-            return;
+            return false;
         if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить это событие?")))
-            return;
+            return false;
         gDatabase->Execute(QStringLiteral("DELETE FROM a03 WHERE a03evid = ") + id, engine::dbFailOnError);
         WriteToDisk(); // no box follows that would see to it
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmCalendar функция DeleteEvent:"), failure);
-        return;
-    }
-    Refresh();
+        return true;
+    });
+    if (deleted)
+        Refresh();
 }

@@ -82,18 +82,15 @@ void frmEvent::CreateControls(QWidget* surface) {
 
     SetDefaultButton(cmdSaveEvent);
     SetCancelButton(cmdCancelEvent);
-    On(cmdSaveEvent, &QPushButton::clicked, [this] { cmdSaveEvent_Click(); });
-    On(cmdCancelEvent, &QPushButton::clicked, [this] { cmdCancelEvent_Click(); });
+    On(
+        cmdSaveEvent, &QPushButton::clicked, [this] { cmdSaveEvent_Click(); }, Head("cmdSaveEvent_Click"));
+    On(cmdCancelEvent, &QPushButton::clicked, [this] { Unload(); });
 }
 
 void frmEvent::Form_Activate() {
     if (Tag().isEmpty() || runtime::Val(Tag()) <= NewEvent)
         return;
-    try {
-        LoadEvent();
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEvent функция Form_Load:"), failure);
-    }
+    forms::Attempt(Head("Form_Load"), [this] { LoadEvent(); });
 }
 
 void frmEvent::LoadEvent() {
@@ -108,14 +105,6 @@ void frmEvent::LoadEvent() {
 }
 
 void frmEvent::cmdSaveEvent_Click() {
-    try {
-        SaveEvent();
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEvent функция cmdSaveEvent_Click:"), failure);
-    }
-}
-
-void frmEvent::SaveEvent() {
     const QString name = runtime::Trim(txtEventName->text());
     if (name.isEmpty()) {
         forms::MsgBox(QStringLiteral("Необходимо задать поле 'Название события'"), forms::Icon::Exclamation);
@@ -151,9 +140,5 @@ void frmEvent::SaveEvent() {
                            engine::dbFailOnError);
         forms::MsgBox(QStringLiteral("Событие успешно обновлено."), forms::Icon::Information);
     }
-    Unload();
-}
-
-void frmEvent::cmdCancelEvent_Click() {
     Unload();
 }

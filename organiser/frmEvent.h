@@ -33,9 +33,7 @@ protected:
 
 private:
     void cmdSaveEvent_Click();
-    void cmdCancelEvent_Click();
     void LoadEvent();
-    void SaveEvent();
 
     forms::DTPicker* dtpEventDate = nullptr;
     forms::TextBox* txtEventName = nullptr;

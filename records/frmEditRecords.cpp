@@ -228,9 +228,13 @@ void frmEditRecords::ConnectControls() {
        [this](const QString& text) { lstTelefonType_KeyPress(text); });
     SetDefaultButton(cmdSave);
     SetCancelButton(cmdCancel);
-    On(cmdSave, &QPushButton::clicked, [this] { cmdSave_Click(); });
+    On(
+        cmdSave, &QPushButton::clicked, [this] { cmdSave_Click(); },
+        QStringLiteral("frmEditRecord функция cmdSave_Click:"));
     On(cmdCancel, &QPushButton::clicked, [this] { Unload(); });
-    On(cmdDelete, &QPushButton::clicked, [this] { cmdDelete_Click(); });
+    On(
+        cmdDelete, &QPushButton::clicked, [this] { cmdDelete_Click(); },
+        QStringLiteral("frmEditRecord функция cmdDelete_Click:"));
 }
 
 void frmEditRecords::Form_Load() {
@@ -254,7 +258,7 @@ void frmEditRecords::Form_Activate() {
             Unload();
     } catch (const runtime::Failure& failure) {
         DisableAfterFailedLoad();
-        forms::ShowErrorBox(QStringLiteral("frmEditRecords функция Form_Activate:"), failure);
+        forms::ShowErrorBox(Head("Form_Activate"), failure);
     }
 }
 
@@ -395,12 +399,10 @@ void frmEditRecords::cmdSave_Click() {
             return;
         forms::MsgBox(QStringLiteral("Запись успешно сохранена в базу данных."), forms::Icon::Information);
         RefreshListAndUnload(m_newId);
-    } catch (const engine::UnsyncedCommit& failure) {
+    } catch (const engine::UnsyncedCommit&) {
         if (!m_newId.isEmpty())
             SetTag(m_newId); // the record is in the file: the next try is not for a second one
-        forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdSave_Click:"), failure);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdSave_Click:"), failure);
+        throw;
     }
 }
 
@@ -545,17 +547,12 @@ bool frmEditRecords::InsertTelefonNumbers(const QString& id) {
 }
 
 void frmEditRecords::cmdDelete_Click() {
-    try {
-        if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить запись из базы данных?")))
-            return;
-        if (!DeleteRecord())
-            return;
-        forms::MsgBox(QStringLiteral("Запись успешно удалена из базы данных."), forms::Icon::Information);
-        TellOtherCards([](frmEditRecords& card) { card.m_persons.clear(); });
-        RefreshListAndUnload({});
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEditRecord функция cmdDelete_Click:"), failure);
-    }
+    if (!forms::AskNo(QStringLiteral("Вы действительно хотите удалить запись из базы данных?")) ||
+        !DeleteRecord())
+        return;
+    forms::MsgBox(QStringLiteral("Запись успешно удалена из базы данных."), forms::Icon::Information);
+    TellOtherCards([](frmEditRecords& card) { card.m_persons.clear(); });
+    RefreshListAndUnload({});
 }
 
 /// False, after a box, if the number belongs to somebody else now. If it is nobody's the phones that a

@@ -77,7 +77,8 @@ void frmEditTelefonType::CreateControls(QWidget* surface) {
     On(lstTelefonType, &forms::ListBox::Click, [this] { lstTelefonType_Click(); });
     On(cmdAdd, &QPushButton::clicked, [this] { cmdAdd_Click(); });
     On(cmdEdit, &QPushButton::clicked, [this] { cmdEdit_Click(); });
-    On(cmdDelete, &QPushButton::clicked, [this] { cmdDelete_Click(); });
+    On(
+        cmdDelete, &QPushButton::clicked, [this] { cmdDelete_Click(); }, Head("cmdDelete_Click"));
 }
 
 void frmEditTelefonType::Form_Load() {
@@ -85,24 +86,20 @@ void frmEditTelefonType::Form_Load() {
 }
 
 void frmEditTelefonType::FillList() {
-    try {
+    forms::Attempt(Head("FillList"), [this] {
         lstTelefonType->Clear();
         // Without ORDER BY the rows come in the order of their keys, so as they were created.
         engine::Recordset types = gDatabase->OpenRecordset(
             QStringLiteral("SELECT * FROM t01 WHERE t01type = 0"), engine::dbOpenDynaset);
-        if (types.RecordCount() < 1) {
+        if (types.RecordCount() < 1)
             ShowIntegrityBox();
-        } else {
-            for (; !types.EndOfFile(); types.MoveNext()) {
-                const QString name = types.Fields(u"t01cval").Text();
-                lstTelefonType->AddItem(name.isEmpty() ? QStringLiteral(" ") : name);
-            }
-            types.Close();
+        for (; !types.EndOfFile(); types.MoveNext()) {
+            const QString name = types.Fields(u"t01cval").Text();
+            lstTelefonType->AddItem(name.isEmpty() ? QStringLiteral(" ") : name);
         }
+        types.Close();
         lstTelefonType->SetListIndex(0);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция FillList:"), failure);
-    }
+    });
 }
 
 /// Behind the statement of a change: no box follows that would make it durable or tell that it met no row.
@@ -132,50 +129,39 @@ void frmEditTelefonType::lstTelefonType_Click() {
 
 void frmEditTelefonType::cmdAdd_Click() {
     const auto dialog = Default<frmEditTelefonTypeDialog>();
-    try {
+    forms::Attempt(Head("cmdAdd_Click"), [&] {
         dialog->Load();
         dialog->SetCaption(QStringLiteral("Добавление"));
         dialog->Show(true);
-        if (runtime::TextToNumber(dialog->Tag()) != 0) {
-            Execute(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, ") +
-                    QString::number(NextCode()) + QStringLiteral(", '") + dialog->NewValue() +
-                    QStringLiteral("')"));
-            ShowChange();
-        }
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdAdd_Click:"), failure);
-    }
+        if (runtime::TextToNumber(dialog->Tag()) == 0)
+            return;
+        Execute(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, ") +
+                QString::number(NextCode()) + QStringLiteral(", '") + dialog->NewValue() +
+                QStringLiteral("')"));
+        ShowChange();
+    });
     dialog->Unload();
 }
 
 void frmEditTelefonType::cmdEdit_Click() {
     const auto dialog = Default<frmEditTelefonTypeDialog>();
-    try {
+    forms::Attempt(Head("cmdEdit_Click"), [&] {
         const QString name = SelectedType();
         dialog->Load();
         dialog->SetCaption(QStringLiteral("Редактирование"));
         dialog->SetNewValue(name);
         dialog->Show(true);
-        if (dialog->Tag() == QStringLiteral("1")) {
-            Execute(QStringLiteral("UPDATE t01 SET t01cval = '") + dialog->NewValue() +
-                    QStringLiteral("' WHERE t01cval = '") + name + QStringLiteral("'"));
-            ShowChange();
-        }
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdEdit_Click:"), failure);
-    }
+        if (dialog->Tag() != u"1")
+            return;
+        Execute(QStringLiteral("UPDATE t01 SET t01cval = '") + dialog->NewValue() +
+                QStringLiteral("' WHERE t01cval = '") + name + QStringLiteral("'"));
+        ShowChange();
+    });
     dialog->Unload();
 }
 
 void frmEditTelefonType::cmdDelete_Click() {
-    try {
-        DeleteType(SelectedType());
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmEditTelefonType функция cmdDelete_Click:"), failure);
-    }
-}
-
-void frmEditTelefonType::DeleteType(const QString& name) {
+    const QString name = SelectedType();
     engine::Recordset phones = gDatabase->OpenRecordset(
         QStringLiteral("SELECT * FROM a02, t01 WHERE a02code = t01code AND t01type = 0 AND t01cval = '") +
             name + QStringLiteral("'"),

@@ -23,7 +23,6 @@ private:
     void cmdDelete_Click();
 
     QString SelectedType() const;
-    void DeleteType(const QString& name);
 
     forms::ListBox* lstTelefonType = nullptr;
     QPushButton* cmdEdit = nullptr;

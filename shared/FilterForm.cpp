@@ -113,7 +113,7 @@ QWidget* FilterForm::MakeButtonRow(QWidget* parent) {
 
 void FilterForm::Form_Load() {
     OrderFields();
-    forms::Attempt(Name() + QStringLiteral(" функция Form_Load:"), [this] {
+    forms::Attempt(Head("Form_Load"), [this] {
         engine::Recordset rows = gDatabase->OpenRecordset(m_entries.statement, engine::dbOpenDynaset);
         if (rows.RecordCount() == 0) {
             forms::MsgBox(m_entries.emptyMessage, forms::Icon::Critical);

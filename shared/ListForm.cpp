@@ -64,7 +64,7 @@ void ListForm::DoNotFillGrid(bool bNeedFill) {
 void ListForm::FillGrid(const QString& strSQL) {
     if (!bFillEnabled || !IsLoaded()) // a card may outlive its list
         return;
-    forms::Attempt(Name() + QStringLiteral(" функция FillGrid:"), [&] {
+    forms::Attempt(Head("FillGrid"), [&] {
         if (!strSQL.isEmpty())
             strCurrentSQL = strSQL;
         else if (strCurrentSQL.isEmpty())

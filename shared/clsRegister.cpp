@@ -8,11 +8,17 @@
 namespace {
 
 /// A deletion that failed may be passed over; else the program ends.
-void AskToGoOn(const QString& head, const runtime::Failure& failure) {
-    const QString question =
-        forms::ErrorText(head, failure) + QStringLiteral("\r\nПродолжить работу программы?");
-    if (!forms::AskNo(question, forms::Icon::Critical))
-        runtime::End();
+template <class Deletion>
+void Delete(const char* routine, Deletion deletion) {
+    try {
+        deletion();
+    } catch (const runtime::Failure& failure) {
+        const QString head = QStringLiteral("Класс clsRegister функция %1:").arg(QLatin1String(routine));
+        if (!forms::AskNo(forms::ErrorText(head, failure) +
+                              QStringLiteral("\r\nПродолжить работу программы?"),
+                          forms::Icon::Critical))
+            runtime::End();
+    }
 }
 
 } // namespace
@@ -23,20 +29,15 @@ clsRegister::clsRegister()
 }
 
 QString clsRegister::GetKeyVal(const QString& strKey) {
-    try {
-        return runtime::GetSetting(strAppName, strSectionName, strKey);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("Класс clsRegister функция GetKeyVal:"), failure);
-        return {};
-    }
+    QString value;
+    forms::Attempt(QStringLiteral("Класс clsRegister функция GetKeyVal:"),
+                   [&] { value = runtime::GetSetting(strAppName, strSectionName, strKey); });
+    return value;
 }
 
 void clsRegister::SaveKeyVal(const QString& strKey, const QString& strValue) {
-    try {
-        runtime::SaveSetting(strAppName, strSectionName, strKey, strValue);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("Класс clsRegister функция SaveKeyVal:"), failure);
-    }
+    forms::Attempt(QStringLiteral("Класс clsRegister функция SaveKeyVal:"),
+                   [&] { runtime::SaveSetting(strAppName, strSectionName, strKey, strValue); });
 }
 
 void clsRegister::SetSection(const QString& strNewSection) {
@@ -48,25 +49,13 @@ QString clsRegister::GetSectionName() const {
 }
 
 void clsRegister::DeleteKey(const QString& strKey) {
-    try {
-        runtime::DeleteSetting(strAppName, strSectionName, strKey);
-    } catch (const runtime::Failure& failure) {
-        AskToGoOn(QStringLiteral("Класс clsRegister функция DeleteKey:"), failure);
-    }
+    Delete("DeleteKey", [&] { runtime::DeleteSetting(strAppName, strSectionName, strKey); });
 }
 
 void clsRegister::DeleteSection(const QString& strSection) {
-    try {
-        runtime::DeleteSetting(strAppName, strSection);
-    } catch (const runtime::Failure& failure) {
-        AskToGoOn(QStringLiteral("Класс clsRegister функция DeleteSection:"), failure);
-    }
+    Delete("DeleteSection", [&] { runtime::DeleteSetting(strAppName, strSection); });
 }
 
 void clsRegister::DeleteAllSection() {
-    try {
-        runtime::DeleteSetting(strAppName);
-    } catch (const runtime::Failure& failure) {
-        AskToGoOn(QStringLiteral("Класс clsRegister функция DeleteAllSection:"), failure);
-    }
+    Delete("DeleteAllSection", [&] { runtime::DeleteSetting(strAppName); });
 }

@@ -87,28 +87,25 @@ void frmAbout::CreateControls(QWidget* surface) {
 }
 
 void frmAbout::Form_Load() {
-    const auto tellBroken = [] {
-        forms::MsgBox(QStringLiteral("Нарушена целостность базы данных."), forms::Icon::Critical);
-    };
-    try {
+    forms::Attempt(Head("Form_Load"), [this] {
         txtVersion->setText(Version());
         engine::Recordset version =
             gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM v00"), engine::dbOpenDynaset);
-        if (version.RecordCount() == 0)
-            return tellBroken();
-        version.MoveLast();
-        version.MoveFirst();
-        if (version.RecordCount() >= 2)
-            return tellBroken();
+        if (version.RecordCount() != 0) {
+            version.MoveLast();
+            version.MoveFirst();
+        }
+        if (version.RecordCount() != 1) {
+            forms::MsgBox(QStringLiteral("Нарушена целостность базы данных."), forms::Icon::Critical);
+            return;
+        }
         txtVersionBase->setText(version.Fields(u"v00vrid").Value().Text());
         version.Close();
         txtUseBase->ShowStored(gRegister().GetKeyVal(QStringLiteral("DB_Path")));
         forms::SetPlainToolTip(txtUseBase, txtUseBase->text());
         txtUseBase->setCursorPosition(0);
         txtCompileDate->setText(QStringLiteral("02.08.2006"));
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(QStringLiteral("frmAbout функция Form_Load:"), failure);
-    }
+    });
 }
 
 bool frmAbout::Form_KeyDown(int key, Qt::KeyboardModifiers modifiers) {
@@ -130,6 +127,6 @@ void frmAbout::lblMailTo_Click() {
     } catch (const runtime::Failure& failure) {
         if (mpsConnect.IsOpen())
             mpsConnect.SignOff();
-        forms::ShowErrorBox(QStringLiteral("frmAbout функция lblMailTo_Click:"), failure);
+        forms::ShowErrorBox(Head("lblMailTo_Click"), failure);
     }
 }

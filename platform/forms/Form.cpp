@@ -304,6 +304,10 @@ bool Form::IsMinimised() const {
 
 // --- Events
 
+QString Form::Head(const char* routine) const {
+    return QStringLiteral("%1 функция %2:").arg(Name(), QLatin1String(routine));
+}
+
 void Form::Dispatch(const std::function<void()>& handler, const QString& head) {
     const std::shared_ptr<Form> self = weak_from_this().lock();
     const Asking asking(IsLoaded() ? OuterWindow() : nullptr);

@@ -170,6 +170,9 @@ protected:
     void SetDefaultButton(QPushButton* button);
     void SetCancelButton(QPushButton* button);
 
+    /// The head of the error box of a routine of this window.
+    QString Head(const char* routine) const;
+
     /// Runs a handler of this form; shows a failure that escapes it under the head.
     void Dispatch(const std::function<void()>& handler, const QString& head = {});
 

@@ -3,6 +3,7 @@
 #include "database/ConvertOldBase.h"
 #include "database/DatabaseDialog.h"
 #include "database/General.h"
+#include "database/GiveUp.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
@@ -10,59 +11,6 @@
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
-
-namespace {
-
-const QString CreateHead = QStringLiteral("frmInstall функция cmdCreate_Click:");
-const QString SelectHead = QStringLiteral("frmInstall функция cmdSelect_Click:");
-
-/// What a route has bound so far, and the file that it may replace. If the route fails it is given up again
-/// in the order of GiveUp.
-class Binding {
-public:
-    explicit Binding(QString head)
-        : m_head(std::move(head)) {}
-
-    /// The user has agreed to lose the file: whether the route succeeds or fails, it is not there afterwards.
-    void Overwrite(const QString& path) { m_old = std::make_shared<runtime::OldFile>(path); }
-
-    void OpenWorkspace() {
-        gWorkspace = engine::DBEngine::Workspaces(0);
-        m_workspaceOpen = true;
-    }
-
-    void OpenDatabase(const QString& path) {
-        gDatabase = gWorkspace->OpenDatabase(path);
-        m_databaseOpen = true;
-    }
-
-    void CreateDatabase(const QString& path) {
-        gDatabase = gWorkspace->PrepareDatabase(path, QString::fromUtf16(engine::dbLangGeneral),
-                                                engine::dbVersion40, m_old);
-        m_databaseOpen = true;
-    }
-
-    void GiveUp() const {
-        if (m_databaseOpen) {
-            gDatabase->Discard();
-            gDatabase.reset();
-        }
-        if (m_old)
-            forms::Attempt(m_head, [this] { engine::DBEngine::KillDatabase(*m_old); });
-        if (m_workspaceOpen) {
-            forms::Attempt(m_head, [] { gWorkspace->Close(); });
-            gWorkspace.reset();
-        }
-    }
-
-private:
-    QString m_head;
-    std::shared_ptr<runtime::OldFile> m_old;
-    bool m_databaseOpen = false;
-    bool m_workspaceOpen = false;
-};
-
-} // namespace
 
 frmInstall::frmInstall()
     : Form({.name = QStringLiteral("frmInstall"),
@@ -113,8 +61,8 @@ void frmInstall::Form_Load() {
 
 void frmInstall::cmdCreate_Click() {
     const QString path = txtDBPath->text();
+    std::shared_ptr<runtime::OldFile> old;
     forms::BusyPointer pointer;
-    Binding binding(CreateHead);
     try {
         if (runtime::IsPlainFile(path)) {
             pointer.Release();
@@ -123,41 +71,38 @@ void frmInstall::cmdCreate_Click() {
             if (!overwrite)
                 return;
             pointer.Renew();
-            binding.Overwrite(path);
+            old = std::make_shared<runtime::OldFile>(path);
         }
-        binding.OpenWorkspace();
-        binding.CreateDatabase(path);
+        gWorkspace = engine::DBEngine::Workspaces(0);
+        gDatabase = gWorkspace->PrepareDatabase(path, QString::fromUtf16(engine::dbLangGeneral),
+                                                engine::dbVersion40, old);
         const bool created = General::ApplySQLToCreateDB(*gDatabase);
         if (created)
             gWorkspace->Publish(*gDatabase);
         pointer.Release();
         if (created) {
             forms::MsgBox(QStringLiteral("База данных успешно создана."), forms::Icon::Information);
-            Finish(path);
-        } else {
-            forms::MsgBox(QStringLiteral("Не удалось создать базу данных."), forms::Icon::Exclamation);
-            binding.GiveUp();
+            return Finish(path);
         }
+        forms::MsgBox(QStringLiteral("Не удалось создать базу данных."), forms::Icon::Exclamation);
     } catch (const runtime::Failure& failure) {
         pointer.Release();
-        forms::ShowErrorBox(CreateHead, failure);
-        binding.GiveUp();
+        forms::ShowErrorBox(Head("cmdCreate_Click"), failure);
     }
+    GiveUp(Head("cmdCreate_Click"), gWorkspace, gDatabase, old);
 }
 
 void frmInstall::cmdSelect_Click() {
-    Binding binding(SelectHead);
-    try {
+    const bool succeeded = forms::Attempt(Head("cmdSelect_Click"), [this] {
         const QString path = AskDatabaseFile(cdlInstall, Surface());
         if (path.isEmpty() || !OfferConversion(path))
             return;
-        binding.OpenWorkspace();
-        binding.OpenDatabase(path);
+        gWorkspace = engine::DBEngine::Workspaces(0);
+        gDatabase = gWorkspace->OpenDatabase(path);
         Finish(path);
-    } catch (const runtime::Failure& failure) {
-        forms::ShowErrorBox(SelectHead, failure);
-        binding.GiveUp();
-    }
+    });
+    if (!succeeded)
+        GiveUp(Head("cmdSelect_Click"), gWorkspace, gDatabase);
 }
 
 void frmInstall::Finish(const QString& path) {

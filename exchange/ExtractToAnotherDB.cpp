@@ -1,6 +1,7 @@
 #include "exchange/ExtractToAnotherDB.h"
 
 #include "database/General.h"
+#include "database/GiveUp.h"
 #include "exchange/Retries.h"
 #include "exchange/RowLoop.h"
 #include "exchange/TargetFile.h"
@@ -205,14 +206,7 @@ void Extraction::GiveUp() {
     m_phones = {};
     m_types = {};
     m_events = {};
-    if (m_target)
-        m_target->Discard();
-    m_target.reset();
-    if (m_old)
-        forms::Attempt(Head, [this] { engine::DBEngine::KillDatabase(*m_old); });
-    if (m_workspace)
-        forms::Attempt(Head, [this] { m_workspace->Close(); });
-    m_workspace.reset();
+    ::GiveUp(Head, m_workspace, m_target, m_old);
 }
 
 } // namespace

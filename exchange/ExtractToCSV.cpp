@@ -1,5 +1,6 @@
 #include "exchange/ExtractToCSV.h"
 
+#include "exchange/CsvColumns.h"
 #include "exchange/RowLoop.h"
 #include "exchange/TargetFile.h"
 #include "exchange/frmSelectDelimiter.h"
@@ -19,30 +20,6 @@ struct Unloader {
     void operator()(frmSelectDelimiter* dialog) const { dialog->Unload(); }
 };
 
-/// The eight columns, in the order of the file. The phones are told apart by their codes, whatever the user
-/// calls the types.
-enum class Column { FirstName, LastName, MiddleName, Name, HomePhone, MobilePhone, BusinessPhone, Notes };
-
-struct ColumnDesign {
-    Column column;
-    QString header;
-    int item; ///< of the dialog's list, from 1
-};
-
-const std::vector<ColumnDesign>& ColumnDesigns() {
-    static const std::vector<ColumnDesign> designs{
-        {Column::FirstName, QStringLiteral("First Name"), 2},
-        {Column::LastName, QStringLiteral("Last Name"), 1},
-        {Column::MiddleName, QStringLiteral("Middle Name"), 3},
-        {Column::Name, QStringLiteral("Name"), 4},
-        {Column::HomePhone, QStringLiteral("Home Phone"), 5},
-        {Column::MobilePhone, QStringLiteral("Mobile Phone"), 6},
-        {Column::BusinessPhone, QStringLiteral("Business Phone"), 7},
-        {Column::Notes, QStringLiteral("Notes"), 8},
-    };
-    return designs;
-}
-
 /// The columns of a card's row, looked up once for the whole run.
 class CardRow {
 public:
@@ -55,34 +32,29 @@ public:
         , m_memo(rows.Fields(u"a01memo"))
         , m_phone(phones.Fields(u"a02cval")) {}
 
-    QString Cell(Column column) {
-        switch (column) {
-        case Column::FirstName:
+    QString Cell(const CsvColumnDesign& design) {
+        switch (design.column) {
+        case CsvColumn::FirstName:
             return m_first.Text();
-        case Column::LastName:
+        case CsvColumn::LastName:
             return m_last.Text();
-        case Column::MiddleName:
+        case CsvColumn::MiddleName:
             return m_middle.Text();
-        case Column::Name:
+        case CsvColumn::Name:
             return m_last.Text() + u' ' + m_first.Text() + u' ' + m_middle.Text();
-        case Column::HomePhone:
-            return Phone(QStringLiteral("AND a02code = 1"));
-        case Column::MobilePhone:
-            return Phone(QStringLiteral("AND a02code = 2"));
-        case Column::BusinessPhone:
-            return Phone(QStringLiteral("AND a02code = 3"));
-        case Column::Notes:
+        case CsvColumn::HomePhone:
+        case CsvColumn::MobilePhone:
+        case CsvColumn::BusinessPhone:
+            m_phones.FindFirst(QStringLiteral("a02clid= ") + m_id.Text() + QStringLiteral("AND a02code = ") +
+                               QString::number(design.phoneCode));
+            return m_phones.NoMatch() ? QString() : m_phone.Text();
+        case CsvColumn::Notes:
             return m_memo.Text();
         }
         Q_UNREACHABLE();
     }
 
 private:
-    QString Phone(const QString& code) {
-        m_phones.FindFirst(QStringLiteral("a02clid= ") + m_id.Text() + code);
-        return m_phones.NoMatch() ? QString() : m_phone.Text();
-    }
-
     engine::Recordset& m_phones;
     engine::Field m_id;
     engine::Field m_last;
@@ -148,12 +120,12 @@ bool CsvExport::WriteRows() {
     m_rows.MoveFirst();
     m_phones = gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM a02"), engine::dbOpenDynaset);
 
-    std::vector<Column> columns;
+    std::vector<CsvColumnDesign> columns;
     QStringList headers;
-    for (const ColumnDesign& design : ColumnDesigns()) {
+    for (const CsvColumnDesign& design : CsvColumns()) {
         if (!m_form->IsChecked(design.item))
             continue;
-        columns.push_back(design.column);
+        columns.push_back(design);
         headers.append(design.header);
     }
     if (columns.empty()) {
@@ -167,8 +139,8 @@ bool CsvExport::WriteRows() {
     ForEachRow(m_rows.RecordCount(), [&](int) {
         line.clear();
         bool filled = false;
-        for (const Column column : columns) {
-            if (column != columns.front())
+        for (const CsvColumnDesign& column : columns) {
+            if (&column != &columns.front())
                 line += m_delimiter;
             const QString cell = card.Cell(column);
             filled = filled || !cell.isEmpty();

@@ -1,5 +1,6 @@
 #include "exchange/clsRecord.h"
 
+#include "exchange/CsvColumns.h"
 #include "platform/runtime/Failure.h"
 #include "shared/Declaration.h"
 
@@ -7,31 +8,27 @@ void clsRecord::Clear() {
     strFirstName.clear();
     strLastName.clear();
     strMiddleName.clear();
-    strHomePhone.clear();
-    strMobilePhone.clear();
-    strBusinessPhone.clear();
-    bHomePhone = false;
-    bMobilePhone = false;
-    bBusinessPhone = false;
+    m_phones.clear();
 }
 
 void clsRecord::SetParameter(const QString& strParam, const QString& strValue) {
-    const QString name = strParam.toUpper();
-    if (name == u"NAME" || name == u"FIRST NAME") {
+    const exchange::CsvColumnDesign* design = exchange::FindImported(strParam);
+    if (!design)
+        return;
+    switch (design->column) {
+    case exchange::CsvColumn::Name:
+    case exchange::CsvColumn::FirstName:
         strFirstName = strValue;
-    } else if (name == u"LAST NAME") {
+        break;
+    case exchange::CsvColumn::LastName:
         strLastName = strValue;
-    } else if (name == u"MIDDLE NAME") {
+        break;
+    case exchange::CsvColumn::MiddleName:
         strMiddleName = strValue;
-    } else if (name == u"MOBILE PHONE") {
-        strMobilePhone = strValue;
-        bMobilePhone = true;
-    } else if (name == u"HOME PHONE") {
-        strHomePhone = strValue;
-        bHomePhone = true;
-    } else if (name == u"BUSINESS PHONE") {
-        strBusinessPhone = strValue;
-        bBusinessPhone = true;
+        break;
+    default:
+        m_phones[design->phoneCode] = strValue;
+        break;
     }
 }
 
@@ -64,12 +61,8 @@ void clsRecord::Merge() {
                                      QStringLiteral("' AND a01last LIKE '") + strLastName + u'\'',
                                  engine::dbOpenDynaset);
     const int number = lookup.RecordCount() != 0 ? UseFound(lookup) : Insert(newNumber);
-    if (bHomePhone)
-        ReplacePhone(number, 1, strHomePhone);
-    if (bMobilePhone)
-        ReplacePhone(number, 2, strMobilePhone);
-    if (bBusinessPhone)
-        ReplacePhone(number, 3, strBusinessPhone);
+    for (const auto& [code, phone] : m_phones)
+        ReplacePhone(number, code, phone);
 }
 
 int clsRecord::UseFound(const engine::Recordset& lookup) {

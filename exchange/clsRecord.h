@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <map>
+
 namespace engine {
 class Recordset;
 }
@@ -33,13 +35,7 @@ private:
     QString strFirstName;
     QString strLastName;
     QString strMiddleName;
-    // A cell that is empty and a column that was not chosen are two things, hence the flags.
-    bool bHomePhone = false;
-    bool bMobilePhone = false;
-    bool bBusinessPhone = false;
-    QString strHomePhone;
-    QString strMobilePhone;
-    QString strBusinessPhone;
+    std::map<int, QString> m_phones; ///< by code; those of the columns that were chosen, empty cells too
     runtime::Int16 nUpdateNumber;
     runtime::Int16 nInsertNumber;
 };

@@ -1,5 +1,6 @@
 #include "exchange/frmImportMasterStep1.h"
 
+#include "exchange/CsvColumns.h"
 #include "exchange/CsvReader.h"
 #include "exchange/DelimiterChoice.h"
 #include "platform/engine/store/LockWait.h"
@@ -14,28 +15,25 @@
 
 #include <algorithm>
 
+using exchange::CsvColumn;
+using exchange::CsvColumnDesign;
+using exchange::FindImported;
+
 namespace {
 
 constexpr int CharactersOfPath = 70; ///< in sight without scrolling
 
-bool IsOneOf(const QString& text, std::initializer_list<QStringView> names) {
-    const QString capitals = text.toUpper();
-    return std::any_of(names.begin(), names.end(), [&](QStringView name) { return capitals == name; });
-}
-
 bool IsNameColumn(const QString& cell) {
-    return IsOneOf(cell, {u"NAME", u"MIDDLE NAME", u"LAST NAME", u"FIRST NAME"});
-}
-
-bool IsRecognised(const QString& cell) {
-    return IsNameColumn(cell) || IsOneOf(cell, {u"HOME PHONE", u"MOBILE PHONE", u"BUSINESS PHONE"});
+    const CsvColumnDesign* design = FindImported(cell);
+    return design && design->phoneCode == 0;
 }
 
 /// The column that fills the same field as this one; empty if there is none.
 QString PartnerOf(const QString& cell) {
-    if (IsOneOf(cell, {u"NAME"}))
+    const CsvColumnDesign* design = FindImported(cell);
+    if (design && design->column == CsvColumn::Name)
         return QStringLiteral("FIRST NAME");
-    if (IsOneOf(cell, {u"FIRST NAME"}))
+    if (design && design->column == CsvColumn::FirstName)
         return QStringLiteral("NAME");
     return {};
 }
@@ -173,7 +171,7 @@ void frmImportMasterStep1::FillParameters() {
     const QStringList cells = file.ReadCells();
     std::size_t items = 0;
     for (int place = 0; place < cells.size(); ++place) {
-        if (!IsRecognised(cells.at(place)))
+        if (!FindImported(cells.at(place)))
             continue;
         auto* item = new QListWidgetItem(cells.at(place));
         item->setCheckState(Qt::Unchecked);

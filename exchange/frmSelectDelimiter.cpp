@@ -1,11 +1,14 @@
 #include "exchange/frmSelectDelimiter.h"
 
+#include "exchange/CsvColumns.h"
 #include "exchange/DelimiterChoice.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/MsgBox.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
+
+#include <map>
 
 frmSelectDelimiter::frmSelectDelimiter()
     : Form({.name = QStringLiteral("frmSelectDelimiter"),
@@ -42,12 +45,13 @@ void frmSelectDelimiter::CreateControls(QWidget* surface) {
 
 void frmSelectDelimiter::Form_Load() {
     lstParameter->clear();
-    lstParameter->addItems({QStringLiteral("Фамилия"), QStringLiteral("Имя"), QStringLiteral("Отчество"),
-                            QStringLiteral("ФИО"), QStringLiteral("Домашний телефон"),
-                            QStringLiteral("Мобильный телефон"), QStringLiteral("Рабочий телефон"),
-                            QStringLiteral("Заметка")});
-    for (int item = 0; item < lstParameter->count(); ++item)
-        lstParameter->item(item)->setCheckState(Qt::Checked);
+    std::map<int, QString> captions;
+    for (const exchange::CsvColumnDesign& design : exchange::CsvColumns())
+        captions[design.item] = design.caption;
+    for (const auto& [item, caption] : captions) {
+        lstParameter->addItem(caption);
+        lstParameter->item(item - 1)->setCheckState(Qt::Checked);
+    }
     lstParameter->setFixedHeight(forms::HeightForRows(*lstParameter, lstParameter->count()));
 }
 

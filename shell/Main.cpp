@@ -1,5 +1,6 @@
 #include "database/ConvertOldBase.h"
 #include "database/General.h"
+#include "database/GiveUp.h"
 #include "database/frmInstall.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
@@ -13,22 +14,16 @@ using forms::Form;
 
 void General::Main() {
     const QString head = QStringLiteral("Функция Main:");
-    bool bDatabaseOpen = false;
-    bool bWorkspaceOpen = false;
     try {
         const QString path = gRegister().GetKeyVal(QStringLiteral("DB_Path"));
         if (!runtime::IsPlainFile(path)) {
             if (!AskRunInstallMaster())
                 return;
-            bWorkspaceOpen = true;
-            bDatabaseOpen = true;
         } else {
             if (!OfferConversion(path))
                 return;
             gWorkspace = engine::DBEngine::Workspaces(0);
-            bWorkspaceOpen = true;
             gDatabase = gWorkspace->OpenDatabase(path);
-            bDatabaseOpen = true;
         }
         UpdateBaseIfNeed();
         const std::shared_ptr<frmMain> frame = Form::Default<frmMain>();
@@ -36,14 +31,9 @@ void General::Main() {
         frame->Show();
     } catch (const runtime::Failure& failure) {
         forms::ShowErrorBox(head, failure);
-        if (bDatabaseOpen) {
+        if (gDatabase)
             forms::Attempt(head, [] { gDatabase->Close(); });
-            gDatabase.reset();
-        }
-        if (bWorkspaceOpen) {
-            gWorkspace->Close(); // what it held open has gone by now
-            gWorkspace.reset();
-        }
+        GiveUp(head, gWorkspace, gDatabase);
     }
 }
 

@@ -178,7 +178,7 @@ void frmCalendar::ListDay() {
     SetGridHeader();
 
     runtime::Int16 row; // the first match fills the blank row
-    const auto putRow = [&](const QString& id, const QString& name, QStringView kind) {
+    const auto putRow = [&](const QString& id, const QString& name, const QString& kind) {
         ++row;
         if (row > 1)
             gridEvent->SetRows(gridEvent->Rows() + 1);
@@ -194,7 +194,7 @@ void frmCalendar::ListDay() {
             return;
         const QString name = births.Fields(u"a01last").Text() + u' ' + births.Fields(u"a01frst").Text() +
                              u' ' + births.Fields(u"a01midl").Text();
-        putRow(QString::number(NoEvent), name, u"День рожденья");
+        putRow(QString::number(NoEvent), name, QStringLiteral("День рожденья"));
     });
     ForEachDateText(events, u"a03evdt", [&](const QString& text) {
         const QDate date = runtime::TextToDate(text).date();
@@ -203,7 +203,8 @@ void frmCalendar::ListDay() {
             !FallsInYear(date.year(), periodicity, shown.year()))
             return;
         putRow(events.Fields(u"a03evid").Text(), events.Fields(u"a03evnm").Text(),
-               periodicity == Periodicity::OneOff ? u"Разовое" : u"Периодическое");
+               periodicity == Periodicity::OneOff ? QStringLiteral("Разовое")
+                                                  : QStringLiteral("Периодическое"));
     });
 }
 

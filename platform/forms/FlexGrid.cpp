@@ -84,6 +84,7 @@ FlexGrid::FlexGrid(int rows, int cols, QWidget* parent)
         if (!m_settling && now > 0)
             m_colWidths[col] = ToTwips(now);
     });
+    connect(header, &QHeaderView::sectionDoubleClicked, this, &FlexGrid::DblClick);
     for (int col = 0; col < cols; ++col)
         ApplyColWidth(col);
     ApplyRowHeight();
@@ -102,11 +103,9 @@ void FlexGrid::SetRows(int rows) {
     if (rows < 2) // the fixed row and one more
         runtime::Raise(runtime::InvalidPropertyValue);
     m_row = std::min(m_row, rows - 1);
-    {
-        const QScopedValueRollback settling(m_settling, true);
-        m_model->SetRows(rows);
-    }
-    ApplyCurrent();
+    StartFilling();
+    m_model->Resize(rows, Cols());
+    EndFilling(false);
 }
 
 int FlexGrid::Cols() const {
@@ -118,14 +117,9 @@ void FlexGrid::SetCols(int cols) {
         runtime::Raise(runtime::InvalidPropertyValue);
     m_col = std::max(0, std::min(m_col, cols - 1));
     m_colWidths.resize(cols, DefaultColWidth);
-    {
-        const QScopedValueRollback settling(m_settling, true);
-        m_model->SetCols(cols);
-    }
-    if (m_fillings == 0)
-        for (int col = 0; col < cols; ++col)
-            ApplyColWidth(col);
-    ApplyCurrent();
+    StartFilling();
+    m_model->Resize(Rows(), cols);
+    EndFilling(false);
 }
 
 void FlexGrid::CheckCell(int row, int col) const {
@@ -135,12 +129,12 @@ void FlexGrid::CheckCell(int row, int col) const {
 
 QString FlexGrid::TextMatrix(int row, int col) const {
     CheckCell(row, col);
-    return m_model->At(row, col).toString();
+    return m_model->At(row, col);
 }
 
-void FlexGrid::SetTextMatrix(int row, int col, QStringView text) {
+void FlexGrid::SetTextMatrix(int row, int col, const QString& text) {
     CheckCell(row, col);
-    m_model->Set(row, col, text.size() <= MostShown ? text : QStringView(Shown(text)));
+    m_model->Set(row, col, text.size() <= MostShown ? text : Shown(text));
 }
 
 void FlexGrid::SetColAlignment(int col, Alignment alignment) {
@@ -347,38 +341,19 @@ bool FlexGrid::eventFilter(QObject* watched, QEvent* event) {
         TellHeader(*static_cast<QHelpEvent*>(event));
         return true;
     }
-    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick)
+    const bool pressed =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    const auto* mouse = pressed ? static_cast<QMouseEvent*>(event) : nullptr;
+    if (!mouse || mouse->button() != Qt::RightButton)
         return QTableView::eventFilter(watched, event);
-    const auto* mouse = static_cast<QMouseEvent*>(event);
-    if (mouse->button() == Qt::RightButton) {
-        Q_EMIT ContextMenuRequested(mouse->globalPosition().toPoint());
-        return true;
-    }
-    if (event->type() != QEvent::MouseButtonDblClick || mouse->button() != Qt::LeftButton)
-        return QTableView::eventFilter(watched, event);
-    if (const int col = ColOfEdgeAt(mouse->position().toPoint().x()); col >= 0)
-        resizeColumnToContents(col);
-    else
-        Q_EMIT DblClick();
+    Q_EMIT ContextMenuRequested(mouse->globalPosition().toPoint());
     return true;
-}
-
-/// Whose right edge is under the place of the header; -1 if none is.
-int FlexGrid::ColOfEdgeAt(int x) const {
-    const QHeaderView* header = horizontalHeader();
-    const int grip = header->style()->pixelMetric(QStyle::PM_HeaderGripMargin, nullptr, header);
-    for (int col = Cols() - 1; col >= 0; --col) {
-        const int edge = header->sectionViewportPosition(col) + header->sectionSize(col);
-        if (!header->isSectionHidden(col) && std::abs(x - edge) <= grip)
-            return col;
-    }
-    return -1;
 }
 
 void FlexGrid::TellHeader(const QHelpEvent& event) const {
     const QHeaderView* header = horizontalHeader();
     const int col = header->logicalIndexAt(event.pos());
-    const QString text = col < 0 ? QString() : m_model->At(0, col).toString();
+    const QString text = col < 0 ? QString() : m_model->At(0, col);
     const int margin = header->style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
     const bool isCut =
         col >= 0 && header->fontMetrics().horizontalAdvance(text) + 2 * margin > header->sectionSize(col);

@@ -8,8 +8,8 @@
 namespace forms {
 
 /// A read-only table of texts under one fixed row. Rows and columns count from 0; row 0 is the fixed row,
-/// shown as the horizontal header. The cells are a plain copy of texts, kept compactly; of a text longer than
-/// MostShown the beginning and an ellipsis.
+/// shown as the horizontal header. The cells are a plain copy of texts; of a text longer than MostShown the
+/// beginning and an ellipsis.
 ///
 /// Failures: 381 for a cell or column outside the grid, 30009 for an impossible current row, 380 for fewer
 /// than two rows or a negative number of columns.
@@ -30,13 +30,14 @@ public:
     void SetCols(int cols);
 
     QString TextMatrix(int row, int col) const;
-    void SetTextMatrix(int row, int col, QStringView text);
+    void SetTextMatrix(int row, int col, const QString& text);
+    void SetTextMatrix(int row, int col, QStringView text) { SetTextMatrix(row, col, text.toString()); }
 
     /// Width of a column in twips; 0 hides it, -1 restores the default. Column -1 is ignored.
     int ColWidth(int col) const;
     void SetColWidth(int col, int twips);
 
-    enum Alignment { LeftTop = 0, LeftCentre = 1, LeftBottom = 2, RightCentre = 7, General = 9 };
+    enum Alignment { LeftBottom = 2, General = 9 /**< numbers right, texts left */ };
     void SetColAlignment(int col, Alignment alignment);
 
     /// Empties all cells, the fixed ones too; rows, columns, widths and alignments stay.
@@ -113,7 +114,6 @@ private:
     QString LineOf(int row) const;
     bool ResizeByKey(const QKeyEvent& event);
     void AskForMenu();
-    int ColOfEdgeAt(int x) const;
     void TellHeader(const QHelpEvent& event) const;
     void StartFilling();
     void EndFilling(bool showCurrent);

@@ -5,7 +5,6 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Texts.h"
 #include "shared/Declaration.h"
-#include "shell/LinkLabel.h"
 
 #include <QGridLayout>
 #include <QVBoxLayout>
@@ -72,7 +71,12 @@ void frmAbout::CreateControls(QWidget* surface) {
                        "адресу: "),
         surface);
     invitation->setWordWrap(true);
-    auto* lblMailTo = forms::Named(new LinkLabel(AuthorMail(), surface), QStringLiteral("lblMailTo"));
+    QPushButton* lblMailTo = forms::MakeButton(QStringLiteral("lblMailTo"), AuthorMail(), surface);
+    lblMailTo->setFlat(true);
+    lblMailTo->setCursor(Qt::PointingHandCursor);
+    lblMailTo->setStyleSheet(QStringLiteral(
+        "QPushButton { color: palette(link); text-decoration: underline; border: 1px solid transparent; }"
+        "QPushButton:focus { border: 1px dotted palette(link); }"));
 
     auto* layout = new QVBoxLayout(surface);
     layout->setContentsMargins(Margin, Margin, Margin, Margin);
@@ -83,7 +87,7 @@ void frmAbout::CreateControls(QWidget* surface) {
     layout->addWidget(invitation);
     layout->addWidget(lblMailTo, 0, Qt::AlignLeft);
     QWidget::setTabOrder(txtCompileDate, lblMailTo);
-    On(lblMailTo, &LinkLabel::Click, [this] { lblMailTo_Click(); });
+    On(lblMailTo, &QPushButton::clicked, [this] { lblMailTo_Click(); });
 }
 
 void frmAbout::Form_Load() {

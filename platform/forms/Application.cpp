@@ -1,5 +1,6 @@
 #include "platform/forms/Application.h"
 
+#include "platform/forms/Colours.h"
 #include "platform/forms/Controls.h"
 #include "platform/forms/DarkPreference.h"
 #include "platform/forms/Form.h"
@@ -98,7 +99,7 @@ bool Application::ChooseStyle() {
 }
 
 void Application::PreferDark(bool dark) {
-    if (dark == m_darkened || (dark && ProgramStyle::IsDark(palette())))
+    if (dark == m_darkened || (dark && IsDark(palette().color(QPalette::Window))))
         return;
     m_darkened = dark;
     if (!m_systemStyle.isEmpty()) // it has light colours alone

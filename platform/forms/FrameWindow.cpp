@@ -1,5 +1,7 @@
 #include "platform/forms/FrameWindow.h"
 
+#include "platform/forms/Colours.h"
+
 #include <QCloseEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -55,8 +57,7 @@ QMdiArea* FrameWindow::Area() const {
 
 QBrush FrameWindow::GroundOf(const QPalette& palette) {
     const QColor window = palette.color(QPalette::Window);
-    const bool dark = window.lightness() < 128;
-    return window.darker(dark ? 160 : 150);
+    return window.darker(IsDark(window) ? 160 : 150);
 }
 
 bool FrameWindow::event(QEvent* event) {

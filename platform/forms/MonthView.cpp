@@ -1,7 +1,7 @@
 #include "platform/forms/MonthView.h"
 
+#include "platform/forms/Colours.h"
 #include "platform/forms/DateRange.h"
-#include "platform/forms/RowDelegate.h"
 #include "platform/runtime/Dates.h"
 
 #include <QCoreApplication>
@@ -26,7 +26,7 @@ struct DayColours {
 };
 
 DayColours ColoursOn(const QPalette& palette) {
-    if (palette.color(QPalette::Base).lightness() < 128)
+    if (IsDark(palette.color(QPalette::Base)))
         return {QColor(0x8a, 0xb8, 0xff), QColor(0xff, 0x9a, 0x8a)};
     return {QColor(0x0b, 0x4f, 0xc4), QColor(0xb0, 0x20, 0x10)};
 }

@@ -1,8 +1,8 @@
 #include "platform/forms/ProgramStyle.h"
 
+#include "platform/forms/Colours.h"
 #include "platform/forms/MessageIcon.h"
 #include "platform/forms/MonthView.h"
-#include "platform/forms/RowDelegate.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -13,8 +13,6 @@
 namespace forms {
 
 namespace {
-
-constexpr int MiddleGrey = 128;
 
 /// Outlines are shades of the window's colour.
 void LightOutlines(QPalette& palette) {
@@ -41,10 +39,6 @@ bool ProgramStyle::IsBuiltOn(const QStyle& style) {
     while (const auto* proxy = qobject_cast<const QProxyStyle*>(base))
         base = proxy->baseStyle();
     return base && base->inherits("QFusionStyle");
-}
-
-bool ProgramStyle::IsDark(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < MiddleGrey;
 }
 
 QPalette ProgramStyle::DarkPalette() {
@@ -83,7 +77,7 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
     const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
     const bool isMark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
-    const bool dark = IsDark(option->palette);
+    const bool dark = IsDark(option->palette.color(QPalette::Window));
     if (isMark && button)
         draw(*button, dark ? LightOutlines : DarkenOutlines);
     else if (dark && element == PE_PanelMenu)
@@ -105,7 +99,7 @@ void ProgramStyle::drawControl(ControlElement element, const QStyleOption* optio
     }
     const bool isSeparator = element == CE_MenuItem && entry &&
                              entry->menuItemType == QStyleOptionMenuItem::Separator && entry->text.isEmpty();
-    if (!isSeparator || !IsDark(option->palette)) {
+    if (!isSeparator || !IsDark(option->palette.color(QPalette::Window))) {
         QProxyStyle::drawControl(element, option, painter, widget);
         return;
     }
@@ -126,7 +120,7 @@ void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOption
     }
     const auto* bar = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
     const bool active = bar && (bar->titleBarState & State_Active);
-    if (control != CC_TitleBar || !bar || active || !IsDark(option->palette)) {
+    if (control != CC_TitleBar || !bar || active || !IsDark(option->palette.color(QPalette::Window))) {
         QProxyStyle::drawComplexControl(control, option, painter, widget);
         return;
     }
@@ -141,8 +135,10 @@ void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOption
 void ProgramStyle::polish(QPalette& palette) {
     QProxyStyle::polish(palette);
     constexpr int HalfSeen = 128;
+    if (!IsDark(palette.color(QPalette::Window)))
+        return;
     for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-        if (!IsDark(palette) || palette.color(group, QPalette::PlaceholderText).lightness() >= MiddleGrey)
+        if (!IsDark(palette.color(group, QPalette::PlaceholderText)))
             continue;
         QColor hint = palette.color(group, QPalette::Text);
         hint.setAlpha(HalfSeen);

@@ -19,7 +19,6 @@ public:
     /// around it.
     static bool IsBuiltOn(const QStyle& style);
 
-    static bool IsDark(const QPalette& palette);
     /// Colours for who prefers dark windows under a theme that has only light ones.
     static QPalette DarkPalette();
 

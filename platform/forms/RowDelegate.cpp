@@ -1,5 +1,6 @@
 #include "platform/forms/RowDelegate.h"
 
+#include "platform/forms/Colours.h"
 #include "platform/forms/Texts.h"
 
 #include <QAbstractItemView>
@@ -24,17 +25,6 @@ bool HasKeyboard(const QWidget& view) {
 }
 
 } // namespace
-
-QColor Mixed(const QColor& from, const QColor& to, qreal share) {
-    const auto between = [share](int low, int high) { return low + qRound((high - low) * share); };
-    return {between(from.red(), to.red()), between(from.green(), to.green()),
-            between(from.blue(), to.blue())};
-}
-
-QColor PaleSelection(const QPalette& palette, QPalette::ColorGroup group) {
-    constexpr qreal Strength = 0.3;
-    return Mixed(palette.color(group, QPalette::Base), palette.color(group, QPalette::Highlight), Strength);
-}
 
 QSize RowDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     QSize size = QStyledItemDelegate::sizeHint(option, index);

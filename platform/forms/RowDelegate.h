@@ -4,12 +4,6 @@
 
 namespace forms {
 
-/// A colour between two: 0 is the first, 1 the second.
-QColor Mixed(const QColor& from, const QColor& to, qreal share);
-
-/// The ground of what is selected but does not have the keyboard; the usual text is read on it.
-QColor PaleSelection(const QPalette& palette, QPalette::ColorGroup group = QPalette::Active);
-
 /// The rows of grids and lists: with air around their texts, and with a selection that is strong where the
 /// keyboard is and pale elsewhere. A menu over a list leaves it the keyboard. A text that does not stand
 /// whole in its cell is the cell's tooltip.

@@ -126,7 +126,7 @@ TEST_F(AccessibilityTest, EveryWindowSaysWhatItsFieldsAreInTheirOrder) {
         {"frmUserEditor", [this] { Choose("mnuSettingsSQLVIEW"); }, "text Запрос; table Результат"},
         {"frmAbout", [this] { Choose("mnuHelpAbout"); },
          "text Версия программы; text Версия базы; text Используется база; text Дата компиляции; "
-         "link author@example.org"},
+         "button author@example.org"},
         {"frmInstall", [this] { ShowDialog<frmInstall>(); },
          "text Файл базы данных; button Выбрать...; button Создать"},
     };

@@ -1,6 +1,7 @@
 // What is seen in the styles and colours that users have: enough contrast, nothing cut off.
 
 #include "platform/forms/Application.h"
+#include "platform/forms/Colours.h"
 #include "platform/forms/MonthView.h"
 #include "platform/forms/ProgramStyle.h"
 #include "tests/support/WindowTest.h"
@@ -179,10 +180,10 @@ TEST_P(LooksTest, EverythingIsSeenWholeInDarkColours) {
     if (!IsOwnStyle())
         GTEST_SKIP() << "its colours are its own";
     Program().PreferDark(true);
-    EXPECT_TRUE(forms::ProgramStyle::IsDark(QApplication::palette()));
+    EXPECT_TRUE(forms::IsDark(QApplication::palette().color(QPalette::Window)));
     CheckWindows();
     Program().PreferDark(false);
-    EXPECT_FALSE(forms::ProgramStyle::IsDark(QApplication::palette()));
+    EXPECT_FALSE(forms::IsDark(QApplication::palette().color(QPalette::Window)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Styles, LooksTest,

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QUrl>
 #include <QtTest>
 
@@ -82,7 +83,7 @@ TEST_F(About, TellsVersionsFileAndDateAfreshAtEachOpening) {
     EXPECT_EQ(test::WindowFaults(surface), QStringList());
     for (const QLineEdit* field : surface.findChildren<QLineEdit*>())
         EXPECT_TRUE(field->isReadOnly()) << field->objectName().toStdString();
-    EXPECT_EQ(surface.findChild<QLabel*>(QStringLiteral("lblMailTo"))->text(),
+    EXPECT_EQ(surface.findChild<QPushButton*>(QStringLiteral("lblMailTo"))->text(),
               QString::fromUtf16(product::AuthorMail));
     EXPECT_EQ(surface.findChild<QLabel*>(QStringLiteral("Label2"))->text(),
               QString::fromUtf16(product::LegalLine));

@@ -39,7 +39,7 @@ void frmTelKodFilter::CreateControls(QWidget* surface) {
     layout->addWidget(MakeButtonRow(surface), layout->rowCount(), 0, 1, 2);
 
     region.field->setMinimumWidth(surface->fontMetrics().averageCharWidth() * 44);
-    region.field->setFixedHeight(forms::HeightForRows(*static_cast<forms::ListBox*>(region.field), 10));
+    region.field->setFixedHeight(forms::HeightForRows(*qobject_cast<forms::ListBox*>(region.field), 10));
     city.field->setFocus(); // the usual first move is to type a name
 }
 

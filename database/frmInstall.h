@@ -25,6 +25,6 @@ private:
     /// Stores the path and ends the modal show with the answer "1".
     void Finish(const QString& path);
 
-    forms::TextBox* txtDBPath = nullptr;
+    QPointer<forms::TextBox> txtDBPath;
     forms::CommonDialog cdlInstall{QStringLiteral("cdlInstall")};
 };

@@ -51,11 +51,11 @@ private:
     std::vector<int> CheckedItems() const;
     Outcome ImportFile(const std::vector<int>& items);
 
-    QTabWidget* tabImport = nullptr;
-    forms::TextBox* txtFile = nullptr;
-    exchange::DelimiterChoice* optDelimiter = nullptr;
-    QListWidget* lstParameter = nullptr;
-    QPushButton* cmdImport = nullptr;
+    QPointer<QTabWidget> tabImport;
+    QPointer<forms::TextBox> txtFile;
+    QPointer<exchange::DelimiterChoice> optDelimiter;
+    QPointer<QListWidget> lstParameter;
+    QPointer<QPushButton> cmdImport;
 
     /// For each item of lstParameter the place of its column in the file, both counted from 0.
     std::array<std::uint8_t, 151> bytColumnMap{};

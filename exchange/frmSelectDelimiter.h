@@ -28,6 +28,6 @@ private:
     void cmdOk_Click();
     void cmdCancel_Click();
 
-    exchange::DelimiterChoice* optDelimiter = nullptr;
-    QListWidget* lstParameter = nullptr;
+    QPointer<exchange::DelimiterChoice> optDelimiter;
+    QPointer<QListWidget> lstParameter;
 };

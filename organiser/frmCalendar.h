@@ -27,6 +27,7 @@ protected:
 
 private:
     void FillDaysBold();
+    using Commands::FillGrid; // of the lists
     void FillGrid();
     void SetGridHeader();
     void Refresh();
@@ -34,7 +35,7 @@ private:
     void ListDay();
     QStringList ListedEvents() const;
 
-    forms::MonthView* mnvCalendar = nullptr;
-    forms::FlexGrid* gridEvent = nullptr;
+    QPointer<forms::MonthView> mnvCalendar;
+    QPointer<forms::FlexGrid> gridEvent;
     int m_gridWidth = 0; ///< twips
 };

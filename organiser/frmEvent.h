@@ -35,7 +35,7 @@ private:
     void cmdSaveEvent_Click();
     void LoadEvent();
 
-    forms::DTPicker* dtpEventDate = nullptr;
-    forms::TextBox* txtEventName = nullptr;
+    QPointer<forms::DTPicker> dtpEventDate;
+    QPointer<forms::TextBox> txtEventName;
     QRadioButton* optEventPeriod[2] = {};
 };

@@ -70,16 +70,16 @@ private:
     /// A new record becomes the list's current one.
     void RefreshListAndUnload(const QString& newId);
 
-    forms::TextBox* txtLastName = nullptr;
-    forms::TextBox* txtFirstName = nullptr;
-    forms::TextBox* txtMiddleName = nullptr;
-    forms::TextBox* txtBith = nullptr;
-    forms::TextBox* txtRemark = nullptr;
-    forms::ListBox* lstTelefonType = nullptr;
-    forms::TextBox* txtTelefonNumber = nullptr;
-    QPushButton* cmdSave = nullptr;
-    QPushButton* cmdCancel = nullptr;
-    QPushButton* cmdDelete = nullptr;
+    QPointer<forms::TextBox> txtLastName;
+    QPointer<forms::TextBox> txtFirstName;
+    QPointer<forms::TextBox> txtMiddleName;
+    QPointer<forms::TextBox> txtBith;
+    QPointer<forms::TextBox> txtRemark;
+    QPointer<forms::ListBox> lstTelefonType;
+    QPointer<forms::TextBox> txtTelefonNumber;
+    QPointer<QPushButton> cmdSave;
+    QPointer<QPushButton> cmdCancel;
+    QPointer<QPushButton> cmdDelete;
 
     std::vector<QString> strTelefonNumbers; ///< one for each place of lstTelefonType
     QStringList m_codes;                    ///< of these types

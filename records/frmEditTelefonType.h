@@ -24,7 +24,7 @@ private:
 
     QString SelectedType() const;
 
-    forms::ListBox* lstTelefonType = nullptr;
-    QPushButton* cmdEdit = nullptr;
-    QPushButton* cmdDelete = nullptr;
+    QPointer<forms::ListBox> lstTelefonType;
+    QPointer<QPushButton> cmdEdit;
+    QPointer<QPushButton> cmdDelete;
 };

@@ -21,5 +21,5 @@ private:
     void cmdSave_Click();
     void cmdCancel_Click();
 
-    forms::TextBox* txtNewValue = nullptr;
+    QPointer<forms::TextBox> txtNewValue;
 };

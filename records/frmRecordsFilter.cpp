@@ -65,19 +65,20 @@ QWidget* frmRecordsFilter::MakeRecordPage(QWidget* parent) {
 
 QWidget* frmRecordsFilter::MakeTelefonPage(QWidget* parent) {
     auto* page = new QWidget(parent);
-    m_telefonType = &AddListCriterion(page, QStringLiteral("chkTelefonType"), QStringLiteral("Тип телефона:"),
-                                      QStringLiteral("lstTelefonType"), QStringLiteral("t01cval"));
-    m_telefonNumber =
-        &AddTextCriterion(page, QStringLiteral("chkTelefonNumber"), QStringLiteral("Номер телефона:"),
-                          QStringLiteral("txtTelefonNumber"), NameLength, QStringLiteral("a02cval"));
+    const Criterion& type =
+        AddListCriterion(page, QStringLiteral("chkTelefonType"), QStringLiteral("Тип телефона:"),
+                         QStringLiteral("lstTelefonType"), QStringLiteral("t01cval"));
+    const Criterion& number =
+        AddTextCriterion(page, QStringLiteral("chkTelefonNumber"), QStringLiteral("Номер телефона:"),
+                         QStringLiteral("txtTelefonNumber"), NameLength, QStringLiteral("a02cval"));
 
     auto* layout = new QGridLayout(page);
-    Place(*layout, *m_telefonType);
+    Place(*layout, type);
     layout->setRowStretch(0, 1);
-    Place(*layout, *m_telefonNumber);
+    Place(*layout, number);
     // The list takes the height that the other page gives; its own wish would be taller.
-    m_telefonType->field->setMinimumHeight(page->fontMetrics().height() * 5);
-    m_telefonType->field->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    type.field->setMinimumHeight(page->fontMetrics().height() * 5);
+    type.field->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     return page;
 }
 
@@ -86,7 +87,7 @@ std::shared_ptr<ListForm> frmRecordsFilter::MakeList() {
 }
 
 QString frmRecordsFilter::Statement() const {
-    const bool joined = m_telefonType->box->isChecked() || m_telefonNumber->box->isChecked();
+    const bool joined = IsTicked(u"t01cval") || IsTicked(u"a02cval");
     const QString tables =
         joined ? QStringLiteral(
                      " FROM a01, a02, t01 WHERE a01clid = a02clid AND t01type = 0 AND t01code = a02code")

@@ -17,7 +17,4 @@ protected:
 private:
     QWidget* MakeRecordPage(QWidget* parent);
     QWidget* MakeTelefonPage(QWidget* parent);
-
-    const Criterion* m_telefonType = nullptr;
-    const Criterion* m_telefonNumber = nullptr;
 };

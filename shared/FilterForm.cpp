@@ -8,6 +8,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 
+#include <algorithm>
 #include <map>
 
 using forms::ListBox;
@@ -78,6 +79,12 @@ void FilterForm::OrderFields() const {
 void FilterForm::Tick(const Criterion& criterion, bool ticked) {
     criterion.box->setChecked(ticked);
     forms::PaintField(criterion.field, ticked);
+}
+
+bool FilterForm::IsTicked(QStringView column) const {
+    return std::any_of(m_criteria.begin(), m_criteria.end(), [column](const Criterion& criterion) {
+        return criterion.column == column && criterion.box->isChecked();
+    });
 }
 
 QString FilterForm::Clauses(bool behindConditions) const {

@@ -12,8 +12,8 @@ class ListForm;
 /// A criterion of a filter: a check box and its field. Typing in the field or picking from the list ticks the
 /// box, emptying it unticks; the box alone decides whether the criterion counts, and colours the field.
 struct Criterion {
-    QCheckBox* box;
-    QWidget* field; ///< a text box, or a list box of which an entry is picked
+    QPointer<QCheckBox> box;
+    QPointer<QWidget> field; ///< a text box, or a list box of which an entry is picked
     QString column;
 };
 
@@ -35,6 +35,8 @@ protected:
     virtual std::shared_ptr<ListForm> MakeList() = 0;
     /// The statement of the ticked criteria.
     virtual QString Statement() const = 0;
+    /// Whether the criterion of that column is ticked.
+    bool IsTicked(QStringView column) const;
     /// The clauses of the ticked criteria in the order of their making, behind WHERE or behind other
     /// conditions.
     QString Clauses(bool behindConditions) const;
@@ -65,6 +67,6 @@ private:
 
     Entries m_entries;
     std::list<Criterion> m_criteria;
-    forms::ListBox* m_box = nullptr; ///< of the entries
+    QPointer<forms::ListBox> m_box; ///< of the entries
     std::weak_ptr<ListForm> m_list;
 };

@@ -70,9 +70,9 @@ private:
 
     ListDesign m_list;
     std::vector<int> m_keyColumns;
-    forms::FlexGrid* m_grid = nullptr;
-    QLabel* lblRecordsNumber = nullptr;
-    QLineEdit* txtRecordsNumber = nullptr;
+    QPointer<forms::FlexGrid> m_grid;
+    QPointer<QLabel> lblRecordsNumber;
+    QPointer<QLineEdit> txtRecordsNumber;
 
     std::shared_ptr<FilterForm> frmFilterPtr;
     QString strCurrentSQL;

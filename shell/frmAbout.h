@@ -28,10 +28,10 @@ private:
                                   const QString& fieldName);
     void lblMailTo_Click();
 
-    forms::TextBox* txtVersion = nullptr;
-    forms::TextBox* txtVersionBase = nullptr;
-    forms::TextBox* txtUseBase = nullptr;
-    forms::TextBox* txtCompileDate = nullptr;
+    QPointer<forms::TextBox> txtVersion;
+    QPointer<forms::TextBox> txtVersionBase;
+    QPointer<forms::TextBox> txtUseBase;
+    QPointer<forms::TextBox> txtCompileDate;
     runtime::MapiSession mpsConnect;
     runtime::MapiMessage mpmMessage;
 };

@@ -64,7 +64,7 @@ void frmUserEditor::CreateControls(QWidget* surface) {
     gridSQLEditor->AllowSelectAll();
     forms::NameField(gridSQLEditor, QStringLiteral("gridSQLEditor"), Label1);
 
-    for (QLabel* label : {Label1, Label2, Label3})
+    for (QLabel* label : {Label1, Label2, Label3.data()})
         label->adjustSize();
     const int left = forms::ToPixels(Margin);
     const int gap = forms::ToPixels(Gap);

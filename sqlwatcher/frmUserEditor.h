@@ -30,7 +30,7 @@ private:
     void ShowResult(engine::Recordset& rows);
     void FillRows(engine::Recordset& rows);
 
-    QLabel* Label3 = nullptr;
-    QPlainTextEdit* txtSQLEditor = nullptr;
-    forms::FlexGrid* gridSQLEditor = nullptr;
+    QPointer<QLabel> Label3;
+    QPointer<QPlainTextEdit> txtSQLEditor;
+    QPointer<forms::FlexGrid> gridSQLEditor;
 };

@@ -53,7 +53,7 @@ bool IsEnter(const QKeyEvent& key);
 /// blank. When the last reference goes, Form_Terminate runs. Using a property of the window (Tag, Caption,
 /// Visible) while it is not loaded loads it, hidden.
 ///
-/// Pointers to controls are valid from CreateControls to Unload.
+/// A form keeps its controls by QPointer: behind Unload they go.
 class Form : public QObject, public std::enable_shared_from_this<Form> {
     Q_OBJECT
 
@@ -169,6 +169,11 @@ protected:
     /// presses.
     void SetDefaultButton(QPushButton* button);
     void SetCancelButton(QPushButton* button);
+
+    template <class Sender, class Signal, class Handler>
+    void On(const QPointer<Sender>& sender, Signal signal, Handler handler, const QString& head = {}) {
+        On(sender.data(), signal, std::move(handler), head);
+    }
 
     /// The head of the error box of a routine of this window.
     QString Head(const char* routine) const;

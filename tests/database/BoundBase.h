@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/General.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Failure.h"
 #include "shared/Declaration.h"

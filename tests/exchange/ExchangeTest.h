@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/General.h"
 #include "records/frmRecords.h"
 #include "shared/Declaration.h"
 #include "tests/support/WindowTest.h"

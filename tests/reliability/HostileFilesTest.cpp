@@ -1,5 +1,6 @@
 // The program meets files and paths that nobody would choose: it starts, upgrades, lists and imports, or says
 // what is wrong, and what it refuses stays as it was.
+#include "database/General.h"
 #include "platform/runtime/Files.h"
 #include "records/frmRecords.h"
 #include "tests/exchange/ImportMaster.h"

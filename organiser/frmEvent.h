@@ -37,5 +37,5 @@ private:
 
     QPointer<forms::DTPicker> dtpEventDate;
     QPointer<forms::TextBox> txtEventName;
-    QRadioButton* optEventPeriod[2] = {};
+    QPointer<QRadioButton> optEventPeriod[2];
 };

@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QSessionManager>
 #include <QStyleFactory>
 #include <QTranslator>
 
@@ -73,6 +74,9 @@ Application::Application(int& argc, char** argv, Program program)
         WatchDarkPreference(this, [this](bool dark) { PreferDark(dark); });
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             &Application::WriteWhenIdle);
+    connect(this, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& manager) {
+        EndSession([&manager] { return manager.allowsErrorInteraction(); });
+    });
     connect(this, &QCoreApplication::aboutToQuit, this, &Application::WriteAtEnd);
 }
 
@@ -83,6 +87,20 @@ Application::~Application() {
 
 const Program& Application::Running() {
     return static_cast<const Application*>(instance())->m_program;
+}
+
+void Application::EndSession(const std::function<bool()>& mayTell) {
+    try {
+        m_program.writeToDisk();
+    } catch (const runtime::Failure& failure) {
+        if (mayTell())
+            ShowErrorBox({}, failure);
+    }
+    m_sessionEnds = true;
+}
+
+bool Application::SessionEnds() {
+    return static_cast<const Application*>(instance())->m_sessionEnds;
 }
 
 /// Whether the program may choose the colours. The style of Windows is kept as users know it.
@@ -129,6 +147,8 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 /// Enter goes past buttons and frames of fields up to the form, whose buttons it presses: some platform
 /// themes let check boxes, options and frames take it.
 bool Application::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress)
+        m_sessionEnds = false;
     if (event->type() != QEvent::KeyPress || !IsEnter(*static_cast<QKeyEvent*>(event)))
         return false;
     if (!qobject_cast<QAbstractButton*>(watched) && !qobject_cast<QGroupBox*>(watched))

@@ -32,6 +32,11 @@ public:
 
     static const Program& Running();
 
+    /// The desktop logs out. What was written is made durable; a failure is told if `mayTell` allows it.
+    /// Until the user goes on working no box is shown: a question is answered with No.
+    void EndSession(const std::function<bool()>& mayTell);
+    static bool SessionEnds();
+
     bool notify(QObject* receiver, QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -54,6 +59,7 @@ private:
 
     const Program m_program;
     bool m_telling = false;
+    bool m_sessionEnds = false;
     bool m_darkened = false; ///< by PreferDark
     QString m_systemStyle;   ///< style of Windows, if that is used
 };

@@ -44,6 +44,8 @@ protected:
 Answer ShowBox(const QString& text, Icon icon, Buttons buttons, Answer preselected) {
     constexpr qsizetype MostInBox = 2048; // more characters would not fit on a screen
     const bool asks = buttons == Buttons::YesNo;
+    if (Application::SessionEnds())
+        return asks ? Answer::No : Answer::Ok;
     // The owner may go while the box is up and takes it along: so it is no local object.
     const QPointer<Box> box = new Box(Asking::Owner());
     box->setObjectName(QStringLiteral("MsgBox"));

@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/dao/DBEngine.h"
+#include "platform/forms/Application.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/MsgBox.h"
 #include "tests/support/Answers.h"
@@ -148,6 +149,25 @@ TEST(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {
         EXPECT_TRUE(answers.Done()) << told;
         full = false;
     }
+    book->Close();
+}
+
+TEST(MsgBoxTest, ALogOutIsHeldUpByNoBox) {
+    const test::TestFolder folder;
+    const QString path = folder.Path(QStringLiteral("book.mdb"));
+    const auto book =
+        engine::DBEngine::Workspaces(0)->CreateDatabase(path, QString::fromUtf16(engine::dbLangGeneral));
+    book->Execute(QStringLiteral("CREATE TABLE t (a INTEGER)"), engine::dbFailOnError);
+    test::Answers answers;
+    static_cast<forms::Application*>(qApp)->EndSession([] { return false; });
+    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT * FROM t")), QStringList()) << "the table is there";
+    EXPECT_FALSE(forms::AskYes(QStringLiteral("Удалить?")));
+    forms::MsgBox(QStringLiteral("Готово."), Icon::Information);
+
+    QWidget window;
+    QTest::keyClick(&window, Qt::Key_Shift);
+    answers.Question(QStringLiteral("Удалить?"), true, true);
+    EXPECT_TRUE(forms::AskYes(QStringLiteral("Удалить?"))) << "the user goes on";
     book->Close();
 }
 

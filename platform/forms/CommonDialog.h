@@ -19,11 +19,11 @@ public:
 
     QString InitDir;
     int Flags = 0;
-    QString Filter; ///< text|pattern, further pairs behind further bars
+    QString Filter; ///< text (*.extension)|*.extension
     QString FileName;
 
-    void ShowOpen(QWidget* owner);
-    void ShowSave(QWidget* owner);
+    void ShowOpen(QWidget* owner) { Show(owner, false); }
+    void ShowSave(QWidget* owner) { Show(owner, true); }
 
 private:
     void Show(QWidget* owner, bool save);

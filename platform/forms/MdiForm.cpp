@@ -9,6 +9,7 @@
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QScrollBar>
 #include <QStyle>
@@ -26,26 +27,11 @@ struct MdiForm::FrameState {
     QMdiArea* area = nullptr;
     QPointer<ChildFrame> front; ///< what the area made active last
     std::weak_ptr<Form> active; ///< whose activation has run
-    int switching = 0;          ///< operations on the children in progress
+    bool switching = false;     ///< an operation on the children is in progress
     int placed = 0;             ///< children that have taken their places since the area was empty
     bool closing = false;
     QMenu* windowMenu = nullptr;
     QList<QAction*> windowList;
-};
-
-/// Holds Form_Activate back while children are shown, hidden or taken away; it runs once at the end.
-class MdiForm::Switching {
-public:
-    explicit Switching(std::shared_ptr<FrameState> frame)
-        : m_frame(std::move(frame)) {
-        ++m_frame->switching;
-    }
-    ~Switching() { --m_frame->switching; }
-    Switching(const Switching&) = delete;
-    Switching& operator=(const Switching&) = delete;
-
-private:
-    std::shared_ptr<FrameState> m_frame;
 };
 
 MdiForm::MdiForm(Design design)
@@ -120,16 +106,26 @@ std::shared_ptr<Form> MdiForm::ActiveForm() const {
 
 ChildFrame* MdiForm::AddChild(Form& child) {
     auto* frame = new ChildFrame(child.weak_from_this(), child.m_design);
-    const Switching switching(m_frame);
+    const QScopedValueRollback switching(m_frame->switching, true);
     m_frame->area->addSubWindow(frame, frame->windowFlags());
     frame->hide();
     return frame;
 }
 
+/// Shows, hides or takes away children. Form_Activate is held back meanwhile; it runs once at the end.
+void MdiForm::Switch(const std::function<void()>& change) {
+    const std::shared_ptr<Form> self = weak_from_this().lock();
+    {
+        const std::shared_ptr<FrameState> state = m_frame;
+        const QScopedValueRollback switching(state->switching, true);
+        change();
+    }
+    Settle();
+}
+
 void MdiForm::ShowChild(ChildFrame* frame) {
     const std::shared_ptr<Form> form = frame->Owner();
-    {
-        const Switching switching(m_frame);
+    Switch([&] {
         const bool appears = frame->isHidden();
         if (frame->TakePlace() && m_frame->window->isVisible())
             PlaceNew(*frame);
@@ -142,30 +138,25 @@ void MdiForm::ShowChild(ChildFrame* frame) {
         frame->raise();
         form->TakeFirstFocus();
         m_frame->front = frame;
-    }
-    Settle();
+    });
 }
 
 void MdiForm::HideChild(ChildFrame* frame) {
-    {
-        const Switching switching(m_frame);
+    Switch([&] {
         frame->hide();
         if (m_frame->front == frame)
             ActivateNext();
-    }
-    Settle();
+    });
 }
 
 void MdiForm::RemoveChild(ChildFrame* frame) {
-    {
-        const Switching switching(m_frame);
+    Switch([&] {
         const bool wasFront = m_frame->front == frame;
         frame->hide();
         m_frame->area->removeSubWindow(frame);
         if (wasFront)
             ActivateNext();
-    }
-    Settle();
+    });
 }
 
 void MdiForm::ActivateNext() {
@@ -181,7 +172,7 @@ void MdiForm::ActivateNext() {
 
 void MdiForm::Settle() {
     const std::shared_ptr<FrameState> state = m_frame;
-    if (state->switching > 0)
+    if (state->switching)
         return;
     const ChildFrame* front = state->front;
     const std::shared_ptr<Form> form = front && !front->isHidden() ? front->Owner() : nullptr;
@@ -194,7 +185,7 @@ void MdiForm::Settle() {
 
 void MdiForm::FollowWindowActivation(const std::function<void()>& deliver) {
     const std::shared_ptr<FrameState> state = m_frame;
-    const Switching switching(state);
+    const QScopedValueRollback switching(state->switching, true);
     const QPointer<ChildFrame> front = state->front;
     deliver();
     // The area may choose another child than the one that was active when the program lost the focus.
@@ -351,7 +342,7 @@ void MdiForm::Arrange(Arrangement arrangement) {
     const std::vector<ChildFrame*> frames = m_frame ? OpenFrames() : std::vector<ChildFrame*>();
     if (frames.empty())
         return;
-    const Switching switching(m_frame);
+    const QScopedValueRollback switching(m_frame->switching, true);
     const QMdiArea& area = *m_frame->area;
     const auto placeIn = [&](QSize room) {
         const QRect ground = FreeGround(area, room);

@@ -71,6 +71,7 @@ private:
     // The life of the children in the area. Which child is the active one is kept here, since the area
     // forgets it whenever the program loses the focus.
     ChildFrame* AddChild(Form& child);
+    void Switch(const std::function<void()>& change);
     void ShowChild(ChildFrame* frame);
     void PlaceNew(ChildFrame& frame);
     void HideChild(ChildFrame* frame);
@@ -84,7 +85,6 @@ private:
     std::vector<ChildFrame*> OpenFrames() const;
 
     struct FrameState;
-    class Switching;
     std::shared_ptr<FrameState> m_frame;
 };
 

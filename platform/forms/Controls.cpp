@@ -33,7 +33,9 @@ QLabel* MakeLabel(const QString& name, const QString& caption, QWidget* parent) 
 }
 
 QPushButton* MakeButton(const QString& name, const QString& caption, QWidget* parent) {
-    return Named(new QPushButton(caption, parent), name);
+    auto* button = Named(new QPushButton(caption, parent), name);
+    button->setAutoDefault(false); // the form's default button keeps its mark
+    return button;
 }
 
 QHBoxLayout* ButtonRow(const QList<QPushButton*>& buttons) {

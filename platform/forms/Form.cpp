@@ -45,6 +45,15 @@ bool KeepsTheFocus(const QFocusEvent& event, const QWidget& field) {
     }
 }
 
+/// The keyboard goes back to the owner of a dialog. Window managers see to that too, but not all of them
+/// where a box and the dialog below it go at once.
+void ActivateOwnerOf(const QWidget& dialog) {
+    const QWindow* window = dialog.windowHandle();
+    QWindow* owner = window ? window->transientParent() : nullptr;
+    if (owner && owner->isVisible())
+        owner->requestActivate();
+}
+
 } // namespace
 
 bool IsEnter(const QKeyEvent& key) {
@@ -179,8 +188,8 @@ void Form::PlaceDialog() {
     QWidget* owner = Asking::Owner();
     m_surface->ensurePolished();
     m_surface->adjustSize();
-    m_surface
-        ->winId(); // it is no child of its owner's: it may live on, hidden; so the windows are tied instead
+    // It is no child of its owner's: it may live on, hidden. So the windows are tied instead.
+    m_surface->winId();
     m_surface->windowHandle()->setTransientParent(owner ? owner->windowHandle() : nullptr);
     if (m_design.onScreen)
         Asking::CentreOnScreen(*m_surface, owner);
@@ -278,15 +287,11 @@ void Form::SetVisible(bool visible) {
 }
 
 int Form::Width() const {
-    if (!IsLoaded())
-        return 0;
-    return ToTwips(m->frame ? m->frame->width() : m_surface->frameGeometry().width());
+    return IsLoaded() ? ToTwips(OuterWindow()->frameGeometry().width()) : 0;
 }
 
 int Form::Height() const {
-    if (!IsLoaded())
-        return 0;
-    return ToTwips(m->frame ? m->frame->height() : m_surface->frameGeometry().height());
+    return IsLoaded() ? ToTwips(OuterWindow()->frameGeometry().height()) : 0;
 }
 
 void Form::SetHeight(int twips) {
@@ -294,7 +299,7 @@ void Form::SetHeight(int twips) {
     if (!IsLoaded())
         return;
     QWidget* window = OuterWindow();
-    const int border = m->frame ? 0 : window->frameGeometry().height() - window->height();
+    const int border = window->frameGeometry().height() - window->height();
     window->resize(window->width(), ToPixels(twips) - border);
 }
 
@@ -346,27 +351,28 @@ void Form::ApplyLeavingRules() {
 }
 
 bool Form::eventFilter(QObject* watched, QEvent* event) {
-    if (!IsLoaded())
+    auto* widget = static_cast<QWidget*>(watched);
+    switch (event->type()) {
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        if (IsLoaded() && watched != m_surface)
+            FollowFocus(*static_cast<QFocusEvent*>(event), widget);
         return false;
-    if (watched != m_surface) {
-        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
-            FollowFocus(*static_cast<QFocusEvent*>(event), static_cast<QWidget*>(watched));
-        return false;
-    }
-    if (event->type() == QEvent::KeyPress)
-        return HandleKey(*static_cast<QKeyEvent*>(event));
-    if (event->type() == QEvent::Close && m_surface->isWindow()) {
+    case QEvent::KeyPress:
+        return watched == m_surface && HandleKey(*static_cast<QKeyEvent*>(event));
+    case QEvent::Close:
+        if (watched != m_surface || !widget->isWindow())
+            return false;
         event->accept();
         Unload();
         return true;
+    case QEvent::Hide: // also behind Unload
+        if (qobject_cast<QDialog*>(watched))
+            ActivateOwnerOf(*widget);
+        return false;
+    default:
+        return false;
     }
-    // The keyboard goes back to the owner of a dialog. Window managers see to that too, but not all of them
-    // where a box and the dialog below it go at once.
-    const QWindow* window = event->type() == QEvent::Hide ? m_surface->windowHandle() : nullptr;
-    QWindow* owner = window ? window->transientParent() : nullptr;
-    if (owner && owner->isVisible())
-        owner->requestActivate();
-    return false;
 }
 
 void Form::FollowFocus(const QFocusEvent& event, QWidget* field) {

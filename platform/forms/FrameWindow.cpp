@@ -2,7 +2,7 @@
 
 #include "platform/forms/Colours.h"
 
-#include <QCloseEvent>
+#include <QEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -75,12 +75,6 @@ void FrameWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && Area())
         Area()->setBackground(GroundOf(palette()));
-}
-
-void FrameWindow::closeEvent(QCloseEvent* event) {
-    if (const std::shared_ptr<Form> form = m_form.lock())
-        form->Unload();
-    event->accept();
 }
 
 } // namespace forms

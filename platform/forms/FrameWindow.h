@@ -8,9 +8,9 @@ class QMdiArea;
 
 namespace forms {
 
-/// The top-level window of the multiple-document frame. Its close box unloads the form. Its keys are those of
-/// such frames everywhere: F10 opens the menu bar, Ctrl+F6 and Ctrl+Shift+F6 go through the children, Ctrl+F4
-/// closes the active one, Alt+Minus opens its system menu.
+/// The top-level window of the multiple-document frame. Its keys are those of such frames everywhere: F10
+/// opens the menu bar, Ctrl+F6 and Ctrl+Shift+F6 go through the children, Ctrl+F4 closes the active one,
+/// Alt+Minus opens its system menu.
 class FrameWindow final : public QMainWindow {
     Q_OBJECT
 
@@ -23,7 +23,6 @@ public:
 protected:
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
 
 private:
     QMdiArea* Area() const;

@@ -222,6 +222,8 @@ TEST_F(FormTest, CloseBoxUnloads) {
     test::Answers answers;
     answers.Modal(QStringLiteral("d"), [](QWidget& window) { window.close(); });
     dialog->Show(true);
+    QTest::qWait(1);
+    EXPECT_TRUE(frame->Window()->isActiveWindow());
     EXPECT_FALSE(dialog->IsLoaded());
     EXPECT_EQ(dialog->Tag(), QStringLiteral("0"));
 }

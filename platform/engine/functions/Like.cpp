@@ -28,7 +28,7 @@ LikePattern::LikePattern(QStringView pattern) {
                 m_items.push_back({Item::AnyRun, 0, false, {}});
             break;
         case u'?':
-            m_items.push_back({Item::AnyCharacter, 0, false, {}});
+            m_items.push_back({Item::List, 0, true, {}}); // none but those of no list
             break;
         case u'#':
             m_items.push_back({Item::Digit, 0, false, {}});
@@ -74,8 +74,6 @@ bool LikePattern::MatchesOne(const Item& item, char16_t unit) {
     switch (item.kind) {
     case Item::Character:
         return unit == item.character || FoldOne(unit) == item.character;
-    case Item::AnyCharacter:
-        return true;
     case Item::Digit:
         return unit >= u'0' && unit <= u'9';
     case Item::List:

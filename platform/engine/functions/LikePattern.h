@@ -21,7 +21,7 @@ private:
         char16_t last; ///< equal to `first` for a single character
     };
     struct Item {
-        enum Kind { Character, AnyCharacter, AnyRun, Digit, List } kind = Character;
+        enum Kind { Character, AnyRun, Digit, List } kind = Character;
         char16_t character = 0; ///< folded
         bool negated = false;
         std::vector<Range> ranges;

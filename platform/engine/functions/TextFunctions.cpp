@@ -24,6 +24,12 @@ bool ByCase(const std::optional<CompareMode>& mode) {
     return mode && *mode == 0;
 }
 
+/// A text as it is searched: without case, place by place, unless case counts.
+QString Searched(const Arguments& arguments, int place, bool byCase) {
+    const auto text = arguments.As<QString>(place);
+    return byCase ? text : Fold(text);
+}
+
 /// INSTR([start,] text, sought [, mode]).
 Value InStr(const Arguments& arguments) {
     const int first = arguments.Count() > 2 ? 1 : 0;
@@ -31,15 +37,9 @@ Value InStr(const Arguments& arguments) {
     if (arguments.IsNull(first) || arguments.IsNull(first + 1))
         return {};
     const std::int32_t start = first == 1 ? arguments.As<Position>(0) : 1;
-    QString text = arguments.As<QString>(first);
-    QString sought = arguments.As<QString>(first + 1);
-    if (start > text.size())
-        return 0;
-    if (!byCase) {
-        text = Fold(text);
-        sought = Fold(sought);
-    }
-    return std::int64_t{text.indexOf(sought, start - 1) + 1};
+    const QString text = Searched(arguments, first, byCase);
+    const QString sought = Searched(arguments, first + 1, byCase);
+    return start > text.size() ? 0 : std::int64_t{text.indexOf(sought, start - 1) + 1};
 }
 
 /// INSTRREV(text, sought [, start [, mode]]); a start of -1 is the end.
@@ -50,17 +50,13 @@ Value InStrRev(const Arguments& arguments) {
     const std::int32_t start = arguments.As<std::optional<Within<-1>>>(2).value_or(Within<-1>(-1));
     if (start == 0)
         Raise(runtime::InvalidCall);
-    QString text = arguments.As<QString>(0);
-    QString sought = arguments.As<QString>(1);
+    const QString text = Searched(arguments, 0, byCase);
+    const QString sought = Searched(arguments, 1, byCase);
     const qsizetype end = start == -1 ? text.size() : start;
     if (text.isEmpty() || end > text.size())
         return 0;
     if (sought.isEmpty())
         return std::int64_t{end};
-    if (!byCase) {
-        text = Fold(text);
-        sought = Fold(sought);
-    }
     if (sought.size() > end)
         return 0;
     return std::int64_t{text.lastIndexOf(sought, end - sought.size()) + 1};

@@ -213,6 +213,7 @@ TEST(Functions, Numbers) {
         {"zv_sin(9e999)", "#5"},
         {"round(zv_atn(1) * 4, 6)", "3.141593"},
         {"zv_rnd() BETWEEN 0 AND 0.999999999", "1"},
+        {"count(DISTINCT zv_rnd()) FROM (VALUES (1), (2), (3))", "3"},
         {"zv_rnd(-1) = zv_rnd(0)", "1"},
     });
 }

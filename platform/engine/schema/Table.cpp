@@ -52,7 +52,7 @@ void AddIndex(TableInfo& table, const IndexInfo& index) {
         RaiseEngine(IndexExistsInTable, table.name, index.name);
     if (index.primary && table.PrimaryKey())
         RaiseEngine(PrimaryKeyExists);
-    table.indexes.insert(index.primary ? table.indexes.begin() : table.indexes.end(), index);
+    table.indexes.push_back(index);
     for (const QString& name : index.columns)
         if (ColumnInfo& column = ColumnOf(table, name); index.disallowNull && !column.required)
             column.required = column.requiredLater = true;

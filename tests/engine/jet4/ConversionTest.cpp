@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/dao/DBEngine.h"
+#include "platform/engine/store/DatabaseFile.h"
 #include "tests/engine/jet4/OldFiles.h"
 #include "tests/support/TestBook.h"
 
@@ -9,6 +10,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <sqlite3.h>
 
 #include <functional>
 
@@ -229,6 +231,28 @@ TEST_F(OldFormatConversion, NothingIsLostThatTheNewFileHasNoLikeOf) {
         EXPECT_EQ(test::ReadRows(path, QString::fromUtf8(row.sql)), row.rows);
         EXPECT_EQ(report.renamed, row.renamed);
         EXPECT_EQ(report.notCopied, QStringList());
+    }
+}
+
+TEST_F(OldFormatConversion, ACopyThatDiffersIsTold) {
+    const QString path = Path(QStringLiteral("copy"));
+    const engine::jet4::Reader reader(test::OldFile(QStringLiteral("v1-old.mdb")));
+    engine::jet4::CopiedTable table{*reader.Find(u"a02"), {.name = QStringLiteral("a02")}};
+    for (const engine::jet4::Column& column : table.source.columns)
+        table.made.columns.push_back({column, column.name});
+    for (const char* change :
+         {"", "UPDATE a02 SET a02cval = 'x' WHERE a02rcid = 2", "DELETE FROM a02",
+          "UPDATE a02 SET a02code = a02code + 1", "INSERT INTO a02 (a02clid) VALUES (1)"}) {
+        QFile::remove(path);
+        engine::WriteEmptyDatabase(path, path);
+        engine::jet4::RowCopy(path, reader, path).CopyAll({table});
+        sqlite3* db = nullptr;
+        sqlite3_open(path.toUtf8().constData(), &db);
+        EXPECT_EQ(sqlite3_exec(db, change, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+        sqlite3_close(db);
+        EXPECT_EQ(test::FailureNumber([&] { engine::jet4::RowCopy(path, reader, path).CompareAll({table}); }),
+                  *change ? engine::DiskOrNetworkFailure : 0)
+            << change;
     }
 }
 

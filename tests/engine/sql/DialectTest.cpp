@@ -372,6 +372,7 @@ TEST_F(DialectTest, WholeNumbersAndSingles) {
          u"4,61168601413242E+18|32212254705"},
         {u"SELECT CSNG(0.1), CSNG(0.1) & '', CSNG(1) / 3, CDBL(CSNG(0.1)), FORMAT(CSNG(0.1), '0.000000000')",
          u"0,1|0,1|0,333333333333333|0,100000001490116|0,100000000"},
+        {u"SELECT CSNG(0.5) + 16777217, CHOOSE(2, CCUR(1), 1.00001)", u"16777217,5|1,00001"},
     };
     CheckOpen(cases);
 }

@@ -189,6 +189,30 @@ TEST(OldFormatReader, ARowHoldsTheValuesOfItsColumnsAlone) {
     }
 }
 
+// Rows that have grown stand elsewhere, each behind a pointer of its own.
+TEST(OldFormatReader, NoRowIsReadByTwoPointers) {
+    for (const unsigned pointers : {1U, 2U}) {
+        QByteArray bytes = test::BytesOf(test::OldFile(QStringLiteral("v1-old.mdb")));
+        const Reader sound(bytes, QString());
+        const Table& table = *sound.Find(u"a02");
+        std::vector<engine::jet4::RowPlace> rows;
+        sound.ForEachPlace(table, [&](engine::jet4::RowPlace row) { rows.push_back(row); });
+        const auto target = rows.at(2);
+        const auto mark = [&](engine::jet4::RowPlace row, unsigned flag) {
+            char* page = bytes.data() + row.page * 4096;
+            const unsigned entry = qFromLittleEndian<std::uint16_t>(page + 14 + 2 * row.row) | flag;
+            qToLittleEndian(static_cast<std::uint16_t>(entry), page + 14 + 2 * row.row);
+            return page + (entry & 0x1FFF);
+        };
+        mark(target, 0x8000);
+        for (unsigned i = 0; i < pointers; ++i)
+            qToLittleEndian(target.page << 8 | target.row, mark(rows.at(i), 0x4000));
+        qToLittleEndian(table.rowCount - 1, bytes.data() + table.definition * 4096 + 16);
+        const int number = test::FailureNumber([&] { ReadAll(Reader(bytes, QString())); });
+        EXPECT_EQ(number, pointers == 1 ? 0 : engine::CannotOpenDatabase);
+    }
+}
+
 // Every page in turn is spoilt in several ways: the reader either reads all rows or says that the file is
 // damaged.
 TEST(OldFormatReader, NeverDeliversHalfATable) {

@@ -6,7 +6,7 @@
 #include "records/frmEditTelefonTypeDialog.h"
 #include "shared/Declaration.h"
 
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -58,8 +58,6 @@ frmEditTelefonType::frmEditTelefonType()
 void frmEditTelefonType::CreateControls(QWidget* surface) {
     lstTelefonType = forms::Named(new forms::ListBox(surface), QStringLiteral("lstTelefonType"));
     lstTelefonType->setAccessibleName(WindowDesign().caption);
-    lstTelefonType->setMinimumSize(surface->fontMetrics().averageCharWidth() * 36,
-                                   surface->fontMetrics().height() * 8);
     auto* cmdAdd = forms::MakeButton(QStringLiteral("cmdAdd"), QStringLiteral("Добавить..."), surface);
     cmdEdit = forms::MakeButton(QStringLiteral("cmdEdit"), QStringLiteral("Редактировать..."), surface);
     cmdDelete = forms::MakeButton(QStringLiteral("cmdDelete"), QStringLiteral("Удалить"), surface);
@@ -70,9 +68,13 @@ void frmEditTelefonType::CreateControls(QWidget* surface) {
     buttons->addWidget(cmdEdit);
     buttons->addWidget(cmdDelete);
     buttons->addStretch();
-    auto* layout = new QHBoxLayout(surface);
-    layout->addWidget(lstTelefonType, 1);
-    layout->addLayout(buttons);
+    auto* layout = new QGridLayout(surface);
+    layout->addWidget(lstTelefonType, 0, 0);
+    layout->addLayout(buttons, 0, 1);
+    // The layout's sizes, not the list's: in a narrower tile it stays off the buttons.
+    layout->setColumnMinimumWidth(0, surface->fontMetrics().averageCharWidth() * 36);
+    layout->setRowMinimumHeight(0, surface->fontMetrics().height() * 8);
+    layout->setColumnStretch(0, 1);
 
     On(lstTelefonType, &forms::ListBox::Click, [this] { lstTelefonType_Click(); });
     On(cmdAdd, &QPushButton::clicked, [this] { cmdAdd_Click(); });

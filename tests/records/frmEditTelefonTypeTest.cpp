@@ -3,6 +3,7 @@
 #include "platform/engine/EngineError.h"
 #include "tests/records/RecordsTest.h"
 
+#include <QLayout>
 #include <QLineEdit>
 #include <QListWidget>
 
@@ -75,6 +76,13 @@ TEST_F(frmEditTelefonTypeTest, ListsTypesAsTheyWereCreatedAndProtectsTheFirstFou
         EXPECT_EQ(IsEnabled("cmdDelete"), row > 3) << row;
         EXPECT_TRUE(IsEnabled("cmdAdd"));
     }
+}
+
+TEST_F(frmEditTelefonTypeTest, TheListStaysOffTheButtonsInANarrowTile) {
+    Open();
+    auto& button = Control<QWidget>(m_form, "cmdEdit");
+    m_form->Surface()->layout()->setGeometry(QRect(0, 0, button.width() * 3 / 2, 4 * button.height()));
+    EXPECT_FALSE(Control<QListWidget>(m_form, "lstTelefonType").geometry().intersects(button.geometry()));
 }
 
 TEST_F(frmEditTelefonTypeTest, NewTypesGetCodesFromTenUpAndTheirTextAsTyped) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/General.h"
+#include "database/Schema.h"
 #include "platform/engine/dao/DBEngine.h"
 
 #include <QString>
@@ -36,6 +37,7 @@ inline QString MiddleName(int i) {
 class Book {
 public:
     explicit Book(int cards, int phones = 0) {
+        schema::KeepLookUps();
         workspace = engine::DBEngine::Workspaces(0);
         database = workspace->CreateDatabase(Path(), QString::fromUtf16(engine::dbLangGeneral));
         if (!General::ApplySQLToCreateDB(*database))

@@ -1,7 +1,7 @@
 #include "database/Schema.h"
 
 #include "database/General.h"
-#include "platform/engine/dao/Database.h"
+#include "platform/engine/dao/DBEngine.h"
 #include "platform/forms/MsgBox.h"
 
 namespace schema {
@@ -41,6 +41,13 @@ QString CreateT03() {
 QString CreateA03() {
     return QStringLiteral("CREATE TABLE a03 (a03evid COUNTER NOT NULL PRIMARY KEY,"
                           " a03evnm TEXT(50) NOT NULL, a03evdt TEXT(20) NOT NULL, a03evpr INTEGER NOT NULL)");
+}
+
+void KeepLookUps() {
+    engine::DBEngine::SetLookUps(
+        {{QStringLiteral("a01"),
+          {QStringLiteral("a01last"), QStringLiteral("a01frst"), QStringLiteral("a01midl")}},
+         {QStringLiteral("a02"), {QStringLiteral("a02clid"), QStringLiteral("a02code")}}});
 }
 
 QStringList EmptyTextColumns() {

@@ -16,6 +16,9 @@ QString CreateT02();
 QString CreateT03();
 QString CreateA03();
 
+/// Lets the storage keep what cards and phones are looked for by: an import asks for each of its rows.
+void KeepLookUps();
+
 /// The columns of a01 that take the empty text; the texts of the other tables refuse it.
 QStringList EmptyTextColumns();
 

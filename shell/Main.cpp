@@ -1,6 +1,7 @@
 #include "database/ConvertOldBase.h"
 #include "database/General.h"
 #include "database/GiveUp.h"
+#include "database/Schema.h"
 #include "database/frmInstall.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Files.h"
@@ -13,6 +14,7 @@
 using forms::Form;
 
 void General::Main() {
+    schema::KeepLookUps();
     const QString head = QStringLiteral("Функция Main:");
     try {
         const QString path = gRegister().GetKeyVal(QStringLiteral("DB_Path"));

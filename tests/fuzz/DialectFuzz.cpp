@@ -49,8 +49,6 @@ private:
 void CheckPlan(const Scanned& scanned, const Plan& plan) {
     for (const Parameter& parameter : plan.parameters)
         Require(parameter.literal >= 0 && parameter.literal < static_cast<int>(scanned.literals.size()));
-    for (const KeyCondition& key : plan.keys)
-        Require(key.literal < static_cast<int>(scanned.literals.size()) && !plan.keyedText.isEmpty());
     Require(plan.verb == Verb::Schema || !plan.text.isEmpty() || !plan.headingsText.isEmpty());
     Require(!plan.text.contains(QChar(u'\0')));
 }

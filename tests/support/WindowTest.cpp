@@ -1,6 +1,7 @@
 #include "tests/support/WindowTest.h"
 
 #include "database/General.h"
+#include "database/Schema.h"
 #include "shared/Declaration.h"
 #include "shell/frmMain.h"
 
@@ -14,6 +15,7 @@
 namespace test {
 
 void WindowTest::SetUp() {
+    schema::KeepLookUps();
     gWorkspace = engine::DBEngine::Workspaces(0);
     gDatabase = gWorkspace->CreateDatabase(Path(), QString::fromUtf16(engine::dbLangGeneral));
     ASSERT_TRUE(General::ApplySQLToCreateDB(*gDatabase));

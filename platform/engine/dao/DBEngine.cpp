@@ -182,6 +182,10 @@ std::shared_ptr<Workspace> DBEngine::CreateWorkspace(const QString& name, const 
     return std::shared_ptr<Workspace>(new Workspace(name));
 }
 
+void DBEngine::SetLookUps(std::vector<LookUp> lookUps) {
+    engine::SetLookUps(std::move(lookUps));
+}
+
 void DBEngine::Commit() {
     ForEach(OpenOnes(AllConnections()), [](Connection& connection) { connection.Commits().CommitGroup(); });
 }

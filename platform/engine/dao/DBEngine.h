@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/engine/dao/Database.h"
+#include "platform/engine/schema/LookUps.h"
 #include "platform/runtime/Files.h"
 
 #include <memory>
@@ -66,6 +67,9 @@ public:
     /// A further workspace; user and password are taken and not looked at.
     static std::shared_ptr<Workspace> CreateWorkspace(const QString& name, const QString& user,
                                                       const QString& password);
+
+    /// Columns for which the storage keeps indexes of its own in every file that is written to from now on.
+    static void SetLookUps(std::vector<LookUp> lookUps);
 
     /// Makes all finished statements outside transactions durable, on every open database. Called before
     /// every message box. If a group of statements could not be made durable, or was lost before, its failure

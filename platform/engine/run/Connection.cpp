@@ -89,41 +89,12 @@ Value RefusedValue(const ColumnInfo& column) {
     return column.type == DataType::Binary ? Value(QByteArray(size, 'x')) : Value(QString(size, u'x'));
 }
 
-/// The text of a plan that suits the rows at hand.
-struct Form {
-    Statement& statement;
-    const QString& text;
-    bool listed = false; ///< takes the rows as a list
-};
-
-Form FormFor(CachedPlan& cached, const std::optional<KeyIndexes::Rows>& rows, bool failOnError) {
-    const sql::Plan& plan = cached.plan;
-    if (!rows)
-        return failOnError ? Form{cached.text, plan.text} : Form{cached.ignoreText, plan.ignoreText};
-    if (!failOnError)
-        return {cached.keyedIgnoreText, plan.keyedIgnoreText, true};
-    if (rows->size() > 1)
-        return {cached.keyedText, plan.keyedText, true};
-    return {cached.keyedRowText, plan.keyedRowText};
-}
-
-/// `list` has to live as long as the binding.
-void BindRows(const Form& form, int place, const KeyIndexes::Rows& rows, QString& list) {
-    if (form.listed) {
-        for (const std::int64_t row : rows)
-            list += (list.isEmpty() ? QChar(u'[') : QChar(u',')) + QString::number(row);
-        list += u']';
-        form.statement.BindText(place, list);
-    } else if (!rows.empty()) {
-        form.statement.BindNumber(place, rows.front()); // left NULL, it names no row
-    }
-}
-
 } // namespace
 
 Connection::Connection(const QString& path, const QString& file)
     : m_path(path)
-    , m_file(QFileInfo(file.isEmpty() ? path : file).absoluteFilePath()) {
+    , m_file(QFileInfo(file.isEmpty() ? path : file).absoluteFilePath())
+    , m_isNew(!file.isEmpty()) {
     Open();
 }
 
@@ -148,14 +119,13 @@ void Connection::Open() {
                   Doing::Open);
         m_catalog = std::make_unique<FileCatalog>(*m_db);
         m_counters = std::make_unique<Counters>(*m_db);
-        m_keys = std::make_unique<KeyIndexes>(m_db->Handle(), [this](int code) { RaiseRead(code); });
         m_readOnly = m_db->IsReadOnly();
         CheckSound();
         // Not before: it writes to a file that other means have set to a write-ahead log.
         m_db->Run("PRAGMA journal_mode = DELETE", Doing::Open);
         m_seenData = ReadNumber(m_dataVersion, u"PRAGMA data_version");
         m_seenSchema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
-        m_seenPager = PagerVersion();
+        m_hasLookUps = false;
         m_lastLook = GroupClock::Now();
     } catch (const std::bad_alloc&) {
         Shut();
@@ -223,7 +193,6 @@ void Connection::Shut() noexcept {
     m_schemaVersion.Finish();
     if (m_commits)
         m_commits->Abandon();
-    m_keys.reset();
     m_catalog.reset();
     m_counters.reset();
     m_commits.reset();
@@ -312,14 +281,6 @@ void Connection::Bind(Statement& statement, int firstPlace, const std::vector<sq
     }
 }
 
-std::optional<KeyIndexes::Rows> Connection::Candidates(const BoundPlan& bound) {
-    const sql::Plan& plan = bound.cached->plan;
-    const TableInfo* table = plan.keys.empty() ? nullptr : m_catalog->FindTable(plan.keyTable);
-    if (table == nullptr)
-        return std::nullopt;
-    return m_keys->Find(*table, plan.keys, bound.scanned.literals);
-}
-
 // ---- queries ----
 
 std::shared_ptr<RecordsetImpl> Connection::OpenRecordset(const QString& text,
@@ -345,27 +306,13 @@ std::shared_ptr<RecordsetImpl> Connection::OpenRecordset(const QString& text,
 }
 
 std::shared_ptr<RecordsetImpl> Connection::Read(const BoundPlan& bound) {
-    if (const auto rows = Candidates(bound)) {
-        auto set = ReadRows(bound, rows);
-        if (!MetOthers()) // the index would know nothing of what they have changed
-            return set;
-    }
-    return ReadRows(bound, std::nullopt);
-}
-
-std::shared_ptr<RecordsetImpl> Connection::ReadRows(const BoundPlan& bound,
-                                                    const std::optional<KeyIndexes::Rows>& rows) {
     CachedPlan& cached = *bound.cached;
-    const Form form = FormFor(cached, rows, true);
-    Statement& statement = form.statement;
-    Prepare(statement, form.text, Statement::Lifetime::Kept);
+    Statement& statement = cached.text;
+    Prepare(statement, cached.plan.text, Statement::Lifetime::Kept);
     auto set = std::make_shared<RecordsetImpl>(*this, bound);
     std::vector<Value> values;
     const ResetGuard guard(statement);
     Bind(statement, 1, cached.plan.parameters, bound.scanned.literals, values);
-    QString list;
-    if (rows)
-        BindRows(form, static_cast<int>(cached.plan.parameters.size()) + 1, *rows, list);
     while (statement.Next())
         set->Rows().Add(statement);
     set->Start();
@@ -417,6 +364,9 @@ void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
         RaiseEngine(NotUpdatable);
     if (m_commits->BeforeWrite(Doing::Write, plan.target) && NoticeOthers())
         return Execute(bound.scanned.text, failOnError); // the plan is out of date
+    // A new file is filled quicker without them, and nobody looks for anything in it.
+    if (!m_hasLookUps && !m_isNew && KeepLookUps())
+        return Execute(bound.scanned.text, failOnError); // the lock may be gone with the group
     try {
         Perform(bound, failOnError);
     } catch (const runtime::Failure& failure) {
@@ -432,20 +382,13 @@ void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
 void Connection::Perform(const BoundPlan& bound, bool failOnError) {
     CachedPlan& cached = *bound.cached;
     const sql::Plan& plan = cached.plan;
-    const auto rows = Candidates(bound);
-    if (rows && rows->empty())
-        return;
-    const Form form = FormFor(cached, rows, failOnError);
-    Statement& statement = form.statement;
-    Prepare(statement, form.text, Statement::Lifetime::Kept);
-    QString list;
+    Statement& statement = failOnError ? cached.text : cached.ignoreText;
+    Prepare(statement, failOnError ? plan.text : plan.ignoreText, Statement::Lifetime::Kept);
     std::vector<Value> values;
     std::optional<runtime::Failure> refused;
     const ResetGuard guard(statement);
     if (!BindAction(statement, bound, failOnError, values, refused))
         return; // the only row is left out
-    if (rows)
-        BindRows(form, static_cast<int>(plan.parameters.size()) + 1, *rows, list);
     int code = StepAction(statement, plan);
     if ((code & 0xff) == SQLITE_MISMATCH && !failOnError)
         code = SQLITE_DONE; // a key without a value: SQLite leaves the statement out, not the row alone
@@ -499,8 +442,6 @@ int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
         ++m_changes;
         ++m_tableChanges[plan.target];
     }
-    if (plan.deletesAll)
-        m_keys->DropTable(plan.target);
     return code;
 }
 
@@ -515,6 +456,23 @@ void Connection::NoteInsert(const sql::Plan& plan, bool leftOut) {
 }
 
 // ---- schema ----
+
+/// They are a help alone: a statement does not fail for them.
+bool Connection::KeepLookUps() {
+    m_hasLookUps = true;
+    try {
+        const QStringList statements = m_catalog->MissingLookUps();
+        if (statements.isEmpty())
+            return false;
+        for (const QString& text : statements)
+            Statement(*m_db, text, Doing::Define).Next();
+    } catch (const runtime::Failure& failure) {
+        m_commits->StatementFailed(failure);
+        return true;
+    }
+    m_commits->StatementDone();
+    return true;
+}
 
 template <class Work>
 void Connection::ChangeSchema(const QString& table, Work work) {
@@ -697,37 +655,25 @@ bool Connection::NoticeOthers() {
     LockWait::Allow(m_db->Handle(), false); // the statement itself waits, and once is enough
     const std::int64_t data = ReadNumber(m_dataVersion, u"PRAGMA data_version");
     LockWait::Allow(m_db->Handle(), true);
-    m_seenPager = PagerVersion();
     if (data == m_seenData || data < 0)
         return false;
     m_seenData = data;
-    m_keys->Drop();
     NoteUpheaval();
     const std::int64_t schema = ReadNumber(m_schemaVersion, u"PRAGMA schema_version");
     if (schema != m_seenSchema) {
         DropPlans();
         m_catalog->Drop();
+        m_hasLookUps = false;
     }
     m_seenSchema = schema;
     return true;
 }
 
-bool Connection::MetOthers() {
-    return PagerVersion() != m_seenPager && NoticeOthers();
-}
-
-/// Grows with each commit that this connection has made or met.
-std::uint32_t Connection::PagerVersion() const {
-    std::uint32_t version = 0;
-    sqlite3_file_control(m_db->Handle(), "main", SQLITE_FCNTL_DATA_VERSION, &version);
-    return version;
-}
-
 /// What is known of the file is true no more.
 void Connection::Forget() noexcept {
-    m_keys->Drop();
     m_catalog->Drop();
     DropPlans();
+    m_hasLookUps = false;
     m_seenSchema = -1;
     NoteUpheaval();
 }

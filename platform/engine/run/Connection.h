@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/engine/run/KeyIndexes.h"
 #include "platform/engine/schema/FileCatalog.h"
 #include "platform/engine/sql/Plan.h"
 #include "platform/engine/store/Counters.h"
+#include "platform/engine/store/Statement.h"
 #include "platform/engine/store/Transactions.h"
 #include "platform/runtime/FileIdentity.h"
 
@@ -27,9 +27,6 @@ struct CachedPlan {
     sql::Plan plan;
     Statement text;
     Statement ignoreText;
-    Statement keyedText;
-    Statement keyedIgnoreText;
-    Statement keyedRowText;
     Statement rowText;
     std::uint64_t lastUse = 0;
 };
@@ -91,14 +88,14 @@ private:
     BoundPlan PlanOf(const QString& text, sql::Purpose purpose);
     std::vector<sql::Heading> ReadHeadings(const BoundPlan& bound);
     void EvictPlan(QHash<QString, std::shared_ptr<CachedPlan>>& plans) const;
-    /// The row numbers that an action or a query can be held to; none: the plain text.
-    std::optional<KeyIndexes::Rows> Candidates(const BoundPlan& bound);
 
     void Run(const BoundPlan& bound, bool failOnError);
     void RunAction(const BoundPlan& bound, bool failOnError);
     /// The statement of an action itself, within the group or the transaction.
     void Perform(const BoundPlan& bound, bool failOnError);
     void RunSelectInto(const BoundPlan& bound);
+    /// Makes the look-ups that the file lacks, as a statement of its own. False if there was nothing to do.
+    bool KeepLookUps();
     void RunSchema(const SchemaChange& change);
     template <class Work>
     void ChangeSchema(const QString& table, Work work);
@@ -125,16 +122,11 @@ private:
     bool HasCopyInItsPlace() const;
     /// Takes note of what other programs have changed; true if there is something.
     bool NoticeOthers();
-    /// Behind a statement: the same if SQLite has met changes since the last look.
-    bool MetOthers();
-    std::uint32_t PagerVersion() const;
     std::int64_t ReadNumber(Statement& statement, QStringView pragma) const;
     void DropPlans() noexcept;
     void Forget() noexcept;
     void Undone() noexcept;
     std::shared_ptr<RecordsetImpl> Read(const BoundPlan& bound);
-    std::shared_ptr<RecordsetImpl> ReadRows(const BoundPlan& bound,
-                                            const std::optional<KeyIndexes::Rows>& rows);
     void Shut() noexcept;
 
     QString m_path;    ///< as it was given
@@ -146,9 +138,10 @@ private:
     std::unique_ptr<Sqlite> m_db;
     bool m_readOnly = false;
     bool m_rulesAreOff = false; ///< a definition could not switch them on again
+    const bool m_isNew;         ///< being filled, before it comes to its path
+    bool m_hasLookUps = false;  ///< as far as they can be had
     std::unique_ptr<FileCatalog> m_catalog;
     std::unique_ptr<Counters> m_counters;
-    std::unique_ptr<KeyIndexes> m_keys;
     std::unique_ptr<Transactions> m_commits;
     QHash<QString, std::shared_ptr<CachedPlan>> m_queries;
     QHash<QString, std::shared_ptr<CachedPlan>> m_actions;
@@ -164,7 +157,6 @@ private:
     Statement m_schemaVersion;
     std::int64_t m_seenData = -1;
     std::int64_t m_seenSchema = -1;
-    std::uint32_t m_seenPager = 0;
 };
 
 } // namespace engine

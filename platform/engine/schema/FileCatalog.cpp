@@ -1,5 +1,6 @@
 #include "platform/engine/schema/FileCatalog.h"
 
+#include "platform/engine/schema/LookUps.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/TableText.h"
 #include "platform/engine/store/Sqlite.h"
@@ -33,6 +34,24 @@ QStringList FileCatalog::TableNames() const {
     for (const Entry& entry : m_tables)
         names += entry.name;
     return names;
+}
+
+QStringList FileCatalog::MissingLookUps() const {
+    QStringList statements;
+    for (const LookUp& lookUp : LookUps()) {
+        const TableInfo* table = FindTable(lookUp.table);
+        const QString wanted = table == nullptr ? QString() : lookUp.CreateText(*table);
+        if (wanted.isEmpty())
+            continue;
+        const QString name = lookUp.IndexName(*table);
+        Statement known(m_db, u"SELECT sql FROM sqlite_schema WHERE type = 'index' AND name = ?1");
+        known.BindText(1, name);
+        if (!known.Next())
+            statements += wanted;
+        else if (known.Text(0) != wanted) // a program that takes it for a user's makes it anew in its way
+            statements += {QLatin1String("DROP INDEX ") + QuoteName(name), wanted};
+    }
+    return statements;
 }
 
 const TableInfo* FileCatalog::FindTable(QStringView name) const {

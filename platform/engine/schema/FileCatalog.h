@@ -15,6 +15,8 @@ public:
 
     const TableInfo* FindTable(QStringView name) const override;
     QStringList TableNames() const;
+    /// The statements that give the file the look-ups that it lacks.
+    QStringList MissingLookUps() const;
 
     /// Forgets what was read: the schema has changed.
     void Drop() noexcept;

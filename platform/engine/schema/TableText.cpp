@@ -1,5 +1,6 @@
 #include "platform/engine/schema/TableText.h"
 
+#include "platform/engine/schema/LookUps.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/store/Sqlite.h"
 #include "platform/engine/store/Statement.h"
@@ -162,6 +163,8 @@ std::vector<FileIndex> ListIndexes(const Sqlite& db, const QString& table) {
     std::vector<FileIndex> found;
     while (rows.Next()) {
         const QString name = rows.Text(0);
+        if (IsLookUp(table, name))
+            continue;
         if (found.empty() || found.back().info.name != name)
             found.push_back({{name, {}, false, rows.Number(1) != 0}, rows.Text(2) == u'u'});
         found.back().info.columns += rows.Text(3);

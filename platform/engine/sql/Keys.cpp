@@ -1,19 +1,12 @@
 #include "platform/engine/sql/Keys.h"
 
-#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/LookUps.h"
 #include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/Binder.h"
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace engine::sql {
-
-TermPtr KeyTerm(const ScopeSource& source, int number, Rows rows) {
-    return MakeTerm(rows == Rows::One ? u"% = %" : u"% IN (SELECT value FROM json_each(%))",
-                    {MakeTerm(source.RowId()), MakeTerm(u'?' + QString::number(number))}, EqualPrecedence);
-}
 
 std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope) {
     if (node.kind != NodeKind::Binary || node.negated || (node.op != Op::Equal && node.op != Op::Like))
@@ -38,38 +31,19 @@ std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope) {
     return KeyCondition{static_cast<int>(place->column), literal->literal};
 }
 
-namespace {
-
-/// Whether the column alone decides the row, through an index of SQLite's own.
-bool IsUnique(const TableInfo& table, int column) {
-    if (table.columns[static_cast<std::size_t>(column)].unique || table.RowNumberColumn() == column)
-        return true;
-    return std::ranges::any_of(table.indexes, [&](const IndexInfo& index) {
-        return !index.columns.isEmpty() &&
-               SameName(index.columns.front(), table.columns[static_cast<std::size_t>(column)].name);
-    });
-}
-
-void CollectKeys(const Node& node, const Scope& scope, std::vector<KeyCondition>& keys) {
-    if (node.kind == NodeKind::Binary && node.op == Op::And) {
-        CollectKeys(*node.children[0], scope, keys);
-        CollectKeys(*node.children[1], scope, keys);
-    } else if (const auto key = KeyOf(node, scope)) {
-        keys.push_back(*key);
+TermPtr LookUpTerm(const Node* where, const Scope& scope) {
+    if (where == nullptr || !scope.OneTable())
+        return nullptr;
+    if (where->kind == NodeKind::Binary && where->op == Op::And) {
+        const TermPtr left = LookUpTerm(where->children[0].get(), scope);
+        return left ? left : LookUpTerm(where->children[1].get(), scope);
     }
-}
-
-} // namespace
-
-bool FindKeys(const Node* where, const Scope& scope, Plan& plan) {
-    if (where)
-        CollectKeys(*where, scope, plan.keys);
-    const TableInfo& table = *scope.sources.front().table;
-    if (std::ranges::any_of(plan.keys, [&](const KeyCondition& key) { return IsUnique(table, key.column); }))
-        plan.keys.clear();
-    if (!plan.keys.empty())
-        plan.keyTable = table.name;
-    return !plan.keys.empty();
+    const auto key = KeyOf(*where, scope);
+    const ScopeSource& source = scope.sources.front();
+    if (!key || !BeginsLookUp(*source.table, source.table->At(key->column)))
+        return nullptr;
+    const TermPtr column = source.columns[static_cast<std::size_t>(key->column)].value.term;
+    return MakeTerm(u"% = %", {column, column}, EqualPrecedence);
 }
 
 } // namespace engine::sql

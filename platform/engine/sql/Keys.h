@@ -5,14 +5,12 @@
 
 namespace engine::sql {
 
-/// Whether an index in memory finds the rows of a WHERE on one table; the plan is told the conditions.
-bool FindKeys(const Node* where, const Scope& scope, Plan& plan);
-
-/// Which rows of its table a statement looks at: all of them, or those that an index has named.
-enum class Rows { All, One, Listed };
-/// `alias.rowid = ?` or `alias.rowid IN (...)` for the rows found, which come as parameter `number`.
-TermPtr KeyTerm(const ScopeSource& source, int number, Rows rows);
-/// The column and the literal of `column = literal`, if that is what it is.
+/// The column and the literal of `column = literal`, or of a LIKE without wildcards, if that is what the node
+/// is; a number column against a whole number, or a text column against a text.
 std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope);
+
+/// A further condition for a WHERE over one table that names a value for the first column of a look-up:
+/// `q1."a02clid" = q1."a02clid"`, without which SQLite does not take the look-up's index. Else null.
+TermPtr LookUpTerm(const Node* where, const Scope& scope);
 
 } // namespace engine::sql

@@ -34,12 +34,10 @@ struct ResultColumn {
     DataType type = DataType::Unknown;
 };
 
-/// A top-level AND condition `column = literal` (or LIKE a literal without wildcards) of a statement on one
-/// table, through which the layer's own index in memory can find the rows. Number columns against whole
-/// numbers and text columns against texts alone. None is told where the primary key or a UNIQUE column
-/// decides already.
+/// A top-level AND condition `column = literal` (or LIKE a literal without wildcards): number columns against
+/// whole numbers and text columns against texts alone.
 struct KeyCondition {
-    int column = 0;  ///< place in the table
+    int column = 0;
     int literal = 0; ///< place in Scanned::literals
 };
 
@@ -54,16 +52,7 @@ struct Plan {
     std::vector<Parameter> parameters;
     std::vector<ResultColumn> columns; ///< Select
     QString target;                    ///< table that an action statement changes
-    bool deletesAll = false;           ///< DELETE without a condition
     bool setsCounter = false;          ///< INSERT that names the counter column
-
-    /// Access by key: the same statement with one more condition, `rowid IN (SELECT value FROM
-    /// json_each(?n))`, n being the number of parameters plus 1. Empty if there is no such condition.
-    std::vector<KeyCondition> keys;
-    QString keyTable;
-    QString keyedText;
-    QString keyedIgnoreText;
-    QString keyedRowText; ///< as keyedText for at most one row, with the quicker condition `rowid = ?n`
 
     /// Select on one table without grouping, DISTINCT, TOP and UNION: the text of one row with the same
     /// columns, for rows changed since they were read. Its row number is ?n, n being the number of parameters

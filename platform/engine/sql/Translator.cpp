@@ -34,26 +34,22 @@ void TranslateSelect(Context& context, const Query& query, Plan& plan) {
     BoundSelect bound = QueryBinder(context, nullptr).BindSelect(select, query.orderBy, scope);
     context.RaiseMistakes();
     AddColumns(bound.columns, plan);
-    const QString rowNumber = bound.IsPlain() ? scope.sources.front().RowId() : QString();
-    plan.text = Writer().Text(bound, rowNumber);
-    const auto among = [&](Rows rows) {
-        return KeyTerm(scope.sources.front(), context.ParameterCount() + 1, rows);
-    };
-    if (bound.oneTable && FindKeys(select.where.get(), scope, plan)) {
-        BoundSelect keyed = bound;
-        const auto text = [&](Rows rows) {
-            keyed.where = MakeTerm(u"% AND %", {{bound.where, AndPrecedence}, among(rows)}, AndPrecedence);
-            return Writer().Text(keyed, rowNumber);
-        };
-        plan.keyedText = text(Rows::Listed);
-        plan.keyedRowText = text(Rows::One);
+    if (!bound.IsPlain()) {
+        plan.text = Writer().Text(bound);
+        return;
     }
-    if (bound.IsPlain()) {
-        plan.rowTable = scope.sources.front().table->name;
-        bound.where = among(Rows::One);
-        bound.orderBy.clear();
-        plan.rowText = Writer().Text(bound);
+    const ScopeSource& source = scope.sources.front();
+    const TermPtr rowNumber = MakeTerm(source.RowId());
+    if (const TermPtr lookUp = LookUpTerm(select.where.get(), scope)) {
+        bound.where = MakeTerm(u"% AND %", {{bound.where, AndPrecedence}, lookUp}, AndPrecedence);
+        bound.orderBy.push_back({MakeBound(DataType::Long, rowNumber)}); // which does not tell of the index
     }
+    plan.text = Writer().Text(bound, source.RowId());
+    plan.rowTable = source.table->name;
+    const TermPtr parameter = MakeTerm(u'?' + QString::number(context.ParameterCount() + 1));
+    bound.where = MakeTerm(u"% = %", {rowNumber, parameter}, EqualPrecedence);
+    bound.orderBy.clear();
+    plan.rowText = Writer().Text(bound);
 }
 
 void TranslateTransform(Context& context, const Statement& statement, const std::vector<Heading>* headings,
@@ -93,19 +89,13 @@ void TranslateQuery(Context& context, const Statement& statement, Purpose purpos
     }
 }
 
-/// UPDATE or DELETE in both of its forms, and once more for rows that an index in memory has found.
-void WriteChange(const Context& context, QString (Writer::*write)(const BoundChange&) const,
-                 BoundChange bound, const Node* where, const Scope& scope, Plan& plan) {
+/// UPDATE or DELETE in both of its forms.
+void WriteChange(QString (Writer::*write)(const BoundChange&) const, BoundChange bound, const Node* where,
+                 const Scope& scope, Plan& plan) {
+    if (const TermPtr lookUp = LookUpTerm(where, scope))
+        bound.conditions.emplace_back(lookUp);
     plan.text = (Writer().*write)(bound);
     plan.ignoreText = (Writer(true).*write)(bound);
-    if (bound.joins || !FindKeys(where, scope, plan))
-        return;
-    const int parameter = context.ParameterCount() + 1;
-    bound.conditions.emplace_back(KeyTerm(*bound.target, parameter, Rows::Listed));
-    plan.keyedText = (Writer().*write)(bound);
-    plan.keyedIgnoreText = (Writer(true).*write)(bound);
-    bound.conditions.back() = KeyTerm(*bound.target, parameter, Rows::One);
-    plan.keyedRowText = (Writer().*write)(bound);
 }
 
 } // namespace
@@ -134,13 +124,12 @@ Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
         break;
     }
     case Statement::UpdateKind:
-        WriteChange(context, &Writer::Update, BindUpdate(context, scope, statement.update, plan),
+        WriteChange(&Writer::Update, BindUpdate(context, scope, statement.update, plan),
                     statement.update.where.get(), scope, plan);
         break;
     case Statement::DeleteKind:
-        WriteChange(context, &Writer::Delete, BindDelete(context, scope, statement.remove, plan),
+        WriteChange(&Writer::Delete, BindDelete(context, scope, statement.remove, plan),
                     statement.remove.where.get(), scope, plan);
-        plan.deletesAll = scope.OneTable() && !statement.remove.where;
         break;
     }
     context.RaiseMistakes();

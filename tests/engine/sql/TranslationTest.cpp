@@ -54,54 +54,6 @@ Plan PlanOf(const char* sql, Purpose purpose) {
     return Translate(Scan(QString::fromUtf8(sql)), catalog, purpose);
 }
 
-TEST(TranslationTest, KeysOfOneTable) {
-    struct Case {
-        const char* sql;
-        std::vector<int> columns;
-    };
-    static const Case cases[] = {
-        {"SELECT * FROM a02 WHERE a02clid = 1", {1}},
-        {"SELECT * FROM a02 AS x WHERE x.a02clid = 1 AND 2 = x.a02code", {1, 2}},
-        {"SELECT * FROM a01 WHERE a01last LIKE 'a' AND a01bith = 'b'", {1, 2}},
-        {"SELECT * FROM a01 WHERE a01last LIKE 'a*'", {}},
-        {"SELECT * FROM a01 WHERE NOT a01last LIKE 'a'", {}},
-        {"SELECT * FROM a01 WHERE a01last NOT LIKE 'a'", {}},
-        {"SELECT * FROM a02 WHERE a02clid = 1 OR a02code = 2", {}},
-        {"SELECT * FROM a02 WHERE a02clid = 1 AND (a02code = 2 OR a02code = 3)", {1}},
-        {"SELECT * FROM a02 WHERE a02clid = 1.5", {}},
-        {"SELECT * FROM a02 WHERE a02rcid = 1 AND a02clid = 2", {}}, // SQLite's own key decides
-        {"SELECT * FROM odd WHERE u = 'x'", {}},
-        {"SELECT * FROM a01, a02 WHERE a02clid = 1", {}},
-        {"SELECT COUNT(*) FROM a02 WHERE a02clid = 1", {1}},
-        {"SELECT * FROM a02 WHERE a02clid > 1", {}},
-    };
-    for (const Case& one : cases) {
-        const Plan plan = PlanOf(one.sql, Purpose::OpenRecordset);
-        std::vector<int> columns;
-        for (const KeyCondition& key : plan.keys)
-            columns.push_back(key.column);
-        EXPECT_EQ(columns, one.columns) << one.sql;
-        EXPECT_EQ(plan.keyedText.isEmpty(), one.columns.empty()) << one.sql;
-        const QString rows = QStringLiteral("json_each(?%1)").arg(plan.parameters.size() + 1);
-        EXPECT_EQ(plan.keyedText.contains(rows), !one.columns.empty()) << one.sql;
-        const QString row = QStringLiteral(" = ?%1").arg(plan.parameters.size() + 1);
-        EXPECT_EQ(plan.keyedRowText.contains(row), !one.columns.empty()) << one.sql;
-    }
-}
-
-TEST(TranslationTest, KeysOfActionStatements) {
-    const Plan update =
-        PlanOf("UPDATE a02 SET a02cval = 'x' WHERE a02clid = 5 AND a02code = 1", Purpose::Execute);
-    ASSERT_EQ(update.keys.size(), 2U);
-    EXPECT_EQ(update.keys[0].literal, 1);
-    EXPECT_TRUE(update.keyedText.contains(QStringLiteral("json_each(?4)")));
-    EXPECT_TRUE(update.keyedIgnoreText.startsWith(QStringLiteral("UPDATE OR IGNORE ")));
-    const Plan remove = PlanOf("DELETE FROM a02 WHERE a02clid = 5", Purpose::Execute);
-    EXPECT_EQ(remove.keyTable, QStringLiteral("a02"));
-    EXPECT_FALSE(remove.deletesAll);
-    EXPECT_TRUE(PlanOf("DELETE FROM a02", Purpose::Execute).deletesAll);
-}
-
 TEST(TranslationTest, RowTexts) {
     struct Case {
         const char* sql;
@@ -192,7 +144,7 @@ TEST(TranslationTest, OneShapeOnePlan) {
                                         ? Purpose::OpenRecordset
                                         : Purpose::Execute;
             const Plan plan = PlanOf(sql.toUtf8().constData(), purpose);
-            return plan.text + plan.ignoreText + plan.keyedText + plan.rowText;
+            return plan.text + plan.ignoreText + plan.rowText;
         } catch (const runtime::Failure& failure) {
             return QString::number(failure.number());
         }

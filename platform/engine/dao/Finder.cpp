@@ -57,7 +57,7 @@ std::optional<std::size_t> Finder::First(const QString& criteria) {
     Keys keys;
     KeyHash hash;
     for (const auto& key : search->plan.equalities) {
-        const Value& literal = scanned.literals[static_cast<std::size_t>(key.literal)];
+        const Value literal = scanned.literals[static_cast<std::size_t>(key.literal)].ToValue();
         if (!IsKeyLiteral(m_columns[static_cast<std::size_t>(key.column)].type, literal))
             continue;
         keys.push_back(key);
@@ -112,10 +112,10 @@ const Finder::Index& Finder::IndexOver(const Keys& keys) {
     return m_indexes.emplace_back(std::move(index));
 }
 
-bool Finder::Equal(std::size_t row, const Keys& keys, const std::vector<Value>& literals) const {
+bool Finder::Equal(std::size_t row, const Keys& keys, const std::vector<sql::Literal>& literals) const {
     return std::ranges::all_of(keys, [&](const sql::KeyCondition& key) {
         const auto cell = m_rows.At(row, key.column);
-        const Value& literal = literals[static_cast<std::size_t>(key.literal)];
+        const Value literal = literals[static_cast<std::size_t>(key.literal)].ToValue();
         if (const auto* text = literal.As<QString>())
             return cell.kind == RowBuffer::Cell::Text && functions::CompareFolded(cell.text, *text) == 0;
         return (cell.kind == RowBuffer::Cell::Integer || cell.kind == RowBuffer::Cell::Real) &&
@@ -123,15 +123,14 @@ bool Finder::Equal(std::size_t row, const Keys& keys, const std::vector<Value>& 
     });
 }
 
-bool Finder::IsTrue(Search& search, std::size_t row, const std::vector<Value>& literals) const {
+bool Finder::IsTrue(Search& search, std::size_t row, const std::vector<sql::Literal>& literals) const {
     m_connection.Prepare(search.truth, search.plan.text, Statement::Lifetime::Kept);
-    const ResetGuard guard(search.truth);
+    Binding binding(search.truth);
     const int columns = static_cast<int>(m_columns.size());
     const int wanted = search.truth.ParameterCount();
     for (int column = 0; column < columns && column < wanted; ++column)
         search.truth.Bind(column + 1, m_rows.At(row, column));
-    std::vector<Value> values;
-    Connection::Bind(search.truth, columns + 1, search.plan.parameters, literals, values);
+    Connection::Bind(binding, columns + 1, search.plan.parameters, literals);
     const int code = search.truth.Step();
     if (code != SQLITE_ROW)
         m_connection.RaiseRead(code);

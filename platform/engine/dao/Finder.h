@@ -41,8 +41,8 @@ private:
 
     std::shared_ptr<Search> SearchFor(const sql::Scanned& scanned);
     const Index& IndexOver(const Keys& keys);
-    bool Equal(std::size_t row, const Keys& keys, const std::vector<Value>& literals) const;
-    bool IsTrue(Search& search, std::size_t row, const std::vector<Value>& literals) const;
+    bool Equal(std::size_t row, const Keys& keys, const std::vector<sql::Literal>& literals) const;
+    bool IsTrue(Search& search, std::size_t row, const std::vector<sql::Literal>& literals) const;
 
     Connection& m_connection;
     const RowBuffer& m_rows;

@@ -96,9 +96,8 @@ void RecordsetImpl::ReadAgain(std::size_t row) {
     Statement& statement = cached.rowText;
     const std::int64_t rowNumber = m_rows.At(row, Columns()).integer;
     m_connection->Prepare(statement, cached.plan.rowText, Statement::Lifetime::Kept);
-    std::vector<Value> values;
-    const ResetGuard guard(statement);
-    Connection::Bind(statement, 1, cached.plan.parameters, m_bound.scanned.literals, values);
+    Binding binding(statement);
+    Connection::Bind(binding, 1, cached.plan.parameters, m_bound.scanned.literals);
     statement.BindNumber(static_cast<int>(cached.plan.parameters.size()) + 1, rowNumber);
     const int code = statement.Step();
     if (code == SQLITE_ROW)

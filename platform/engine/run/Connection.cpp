@@ -72,14 +72,13 @@ runtime::Failure MemoryFailure() {
     return {runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)};
 }
 
-// Most values are what their column holds already.
-bool FitsAsItIs(const Value& value, const ColumnInfo& column) {
-    if (const auto* text = value.As<QString>())
-        return column.type == DataType::Text && text->size() <= column.size;
-    const auto* number = value.As<std::int64_t>();
-    return number != nullptr && (column.type == DataType::Long || column.type == DataType::Counter) &&
-           *number >= std::numeric_limits<std::int32_t>::min() &&
-           *number <= std::numeric_limits<std::int32_t>::max();
+// Most literals are what their column holds already.
+bool FitsAsItIs(const sql::Literal& literal, const ColumnInfo& column) {
+    if (literal.Whole() != nullptr)
+        return column.type == DataType::Long || column.type == DataType::Counter;
+    const QStringView text = literal.Plain();
+    const bool takesText = column.type == DataType::Text || column.type == DataType::Memo;
+    return takesText && !text.isNull() && (column.size <= 0 || text.size() <= column.size);
 }
 
 // A value that its column will certainly refuse: an UPDATE whose value cannot be converted fails only if it
@@ -90,6 +89,19 @@ Value RefusedValue(const ColumnInfo& column) {
 }
 
 } // namespace
+
+void Binding::Bind(int place, const sql::Literal& literal) {
+    if (const std::int64_t* whole = literal.Whole())
+        m_statement.BindNumber(place, *whole);
+    else if (const QStringView text = literal.Plain(); !text.isNull())
+        m_statement.BindText(place, text);
+    else
+        Keep(place, literal.ToValue());
+}
+
+void Binding::Keep(int place, Value value) {
+    m_statement.Bind(place, m_values.emplace_front(std::move(value)));
+}
 
 Connection::Connection(const QString& path, const QString& file)
     : m_path(path)
@@ -189,6 +201,7 @@ void Connection::Shut() noexcept {
     for (RecordsetImpl* set : sets)
         set->Close();
     DropPlans();
+    m_bound = {};
     m_dataVersion.Finish();
     m_schemaVersion.Finish();
     if (m_commits)
@@ -202,12 +215,11 @@ void Connection::Shut() noexcept {
 
 // ---- plans ----
 
-BoundPlan Connection::PlanOf(const QString& text, sql::Purpose purpose) {
-    BoundPlan bound;
-    bound.scanned = sql::Scan(text);
+const BoundPlan& Connection::PlanOf(const QString& text, sql::Purpose purpose) {
+    BoundPlan& bound = m_bound;
+    sql::Scan(text, bound.scanned);
     auto& plans = purpose == sql::Purpose::Execute ? m_actions : m_queries;
-    if (bound.scanned.cacheable)
-        bound.cached = plans.value(bound.scanned.shape);
+    bound.cached = bound.scanned.cacheable ? plans.value(bound.scanned.shape) : nullptr;
     if (!bound.cached) {
         bound.cached = std::make_shared<CachedPlan>();
         bound.cached->plan = sql::Translate(bound.scanned, *m_catalog, purpose);
@@ -217,6 +229,9 @@ BoundPlan Connection::PlanOf(const QString& text, sql::Purpose purpose) {
             const auto headings = ReadHeadings(bound);
             bound.cached->plan = sql::Translate(bound.scanned, *m_catalog, purpose, &headings);
         }
+        const TableInfo* target =
+            verb == sql::Verb::Insert ? m_catalog->FindTable(bound.cached->plan.target) : nullptr;
+        bound.cached->countsUp = target != nullptr && target->CounterColumn() >= 0;
         if (bound.scanned.cacheable && !pivots && verb != sql::Verb::Schema &&
             verb != sql::Verb::SelectInto) {
             if (plans.size() >= maxPlans)
@@ -232,8 +247,8 @@ BoundPlan Connection::PlanOf(const QString& text, sql::Purpose purpose) {
 std::vector<sql::Heading> Connection::ReadHeadings(const BoundPlan& bound) {
     const sql::Plan& plan = bound.cached->plan;
     Statement statement(*m_db, plan.headingsText);
-    std::vector<Value> values;
-    Bind(statement, 1, plan.parameters, bound.scanned.literals, values);
+    Binding binding(statement);
+    Bind(binding, 1, plan.parameters, bound.scanned.literals);
     std::vector<sql::Heading> headings;
     while (statement.Next())
         headings.push_back({statement.Text(0), statement.Text(1)});
@@ -265,20 +280,10 @@ void Connection::RaiseRead(int code) {
     throw runtime::Failure(failure);
 }
 
-void Connection::Bind(Statement& statement, int firstPlace, const std::vector<sql::Parameter>& parameters,
-                      const std::vector<Value>& literals, std::vector<Value>& values) {
-    values.reserve(values.size() + parameters.size()); // what is bound must not move
-    int place = firstPlace;
-    for (const sql::Parameter& parameter : parameters) {
-        const Value& literal = literals[static_cast<std::size_t>(parameter.literal)];
-        const Value* value = &literal;
-        if (parameter.column && !FitsAsItIs(literal, *parameter.column)) {
-            const ColumnInfo& column = *parameter.column;
-            values.push_back(functions::ToColumn(literal, column.type, column.size));
-            value = &values.back();
-        }
-        statement.Bind(place++, *value);
-    }
+void Connection::Bind(Binding& binding, int firstPlace, const std::vector<sql::Parameter>& parameters,
+                      const std::vector<sql::Literal>& literals) {
+    for (int place = firstPlace; const sql::Parameter& parameter : parameters)
+        binding.Bind(place++, literals[static_cast<std::size_t>(parameter.literal)]);
 }
 
 // ---- queries ----
@@ -310,9 +315,8 @@ std::shared_ptr<RecordsetImpl> Connection::Read(const BoundPlan& bound) {
     Statement& statement = cached.text;
     Prepare(statement, cached.plan.text, Statement::Lifetime::Kept);
     auto set = std::make_shared<RecordsetImpl>(*this, bound);
-    std::vector<Value> values;
-    const ResetGuard guard(statement);
-    Bind(statement, 1, cached.plan.parameters, bound.scanned.literals, values);
+    Binding binding(statement);
+    Bind(binding, 1, cached.plan.parameters, bound.scanned.literals);
     while (statement.Next())
         set->Rows().Add(statement);
     set->Start();
@@ -363,10 +367,10 @@ void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
     if (m_readOnly)
         RaiseEngine(NotUpdatable);
     if (m_commits->BeforeWrite(Doing::Write, plan.target) && NoticeOthers())
-        return Execute(bound.scanned.text, failOnError); // the plan is out of date
+        return Execute(QString(bound.scanned.text), failOnError); // the plan is out of date
     // A new file is filled quicker without them, and nobody looks for anything in it.
     if (!m_hasLookUps && !m_isNew && KeepLookUps())
-        return Execute(bound.scanned.text, failOnError); // the lock may be gone with the group
+        return Execute(QString(bound.scanned.text), failOnError); // the lock may be gone with the group
     try {
         Perform(bound, failOnError);
     } catch (const runtime::Failure& failure) {
@@ -384,10 +388,9 @@ void Connection::Perform(const BoundPlan& bound, bool failOnError) {
     const sql::Plan& plan = cached.plan;
     Statement& statement = failOnError ? cached.text : cached.ignoreText;
     Prepare(statement, failOnError ? plan.text : plan.ignoreText, Statement::Lifetime::Kept);
-    std::vector<Value> values;
     std::optional<runtime::Failure> refused;
-    const ResetGuard guard(statement);
-    if (!BindAction(statement, bound, failOnError, values, refused))
+    Binding binding(statement);
+    if (!BindAction(binding, bound, failOnError, refused))
         return; // the only row is left out
     int code = StepAction(statement, plan);
     if ((code & 0xff) == SQLITE_MISMATCH && !failOnError)
@@ -395,37 +398,37 @@ void Connection::Perform(const BoundPlan& bound, bool failOnError) {
     const bool done = code == SQLITE_DONE;
     if (!done && !refused)
         refused = m_db->FailureOf(code, Doing::Write, plan.target);
-    NoteInsert(plan, (code & 0xff) == SQLITE_CONSTRAINT || (done && !failOnError && m_affected == 0));
+    if (cached.countsUp)
+        NoteInsert(plan, (code & 0xff) == SQLITE_CONSTRAINT || (done && !failOnError && m_affected == 0));
     if (done)
         return;
     throw runtime::Failure(*refused);
 }
 
-bool Connection::BindAction(Statement& statement, const BoundPlan& bound, bool failOnError,
-                            std::vector<Value>& values, std::optional<runtime::Failure>& refused) const {
+bool Connection::BindAction(Binding& binding, const BoundPlan& bound, bool failOnError,
+                            std::optional<runtime::Failure>& refused) {
     const sql::Plan& plan = bound.cached->plan;
-    values.reserve(plan.parameters.size());
-    for (std::size_t at = 0; at < plan.parameters.size(); ++at) {
-        const sql::Parameter& parameter = plan.parameters[at];
-        const Value& literal = bound.scanned.literals[static_cast<std::size_t>(parameter.literal)];
-        const Value* value = &literal;
-        if (parameter.column && !FitsAsItIs(literal, *parameter.column)) {
-            const ColumnInfo& column = *parameter.column;
-            try {
-                values.push_back(functions::ToColumn(literal, column.type, column.size));
-            } catch (const runtime::Failure& failure) {
-                const bool tooLong = failure.number() == ValueTooLong;
-                if (plan.verb == sql::Verb::Insert && failOnError)
-                    throw;
-                if (plan.verb == sql::Verb::Insert && tooLong)
-                    return false;
-                if (failOnError && !refused)
-                    refused = failure;
-                values.push_back(failOnError || tooLong ? RefusedValue(column) : Value());
-            }
-            value = &values.back();
+    int place = 0;
+    for (const sql::Parameter& parameter : plan.parameters) {
+        ++place;
+        const sql::Literal& literal = bound.scanned.literals[static_cast<std::size_t>(parameter.literal)];
+        if (!parameter.column || FitsAsItIs(literal, *parameter.column)) {
+            binding.Bind(place, literal);
+            continue;
         }
-        statement.Bind(static_cast<int>(at) + 1, *value);
+        const ColumnInfo& column = *parameter.column;
+        try {
+            binding.Keep(place, functions::ToColumn(literal.ToValue(), column.type, column.size));
+        } catch (const runtime::Failure& failure) {
+            const bool tooLong = failure.number() == ValueTooLong;
+            if (plan.verb == sql::Verb::Insert && failOnError)
+                throw;
+            if (plan.verb == sql::Verb::Insert && tooLong)
+                return false;
+            if (failOnError && !refused)
+                refused = failure;
+            binding.Keep(place, failOnError || tooLong ? RefusedValue(column) : Value());
+        }
     }
     return true;
 }
@@ -446,9 +449,6 @@ int Connection::StepAction(Statement& statement, const sql::Plan& plan) {
 }
 
 void Connection::NoteInsert(const sql::Plan& plan, bool leftOut) {
-    const TableInfo* table = plan.verb == sql::Verb::Insert ? m_catalog->FindTable(plan.target) : nullptr;
-    if (table == nullptr || table->CounterColumn() < 0)
-        return;
     if (m_affected > 0)
         m_counters->Inserted(plan.target, sqlite3_last_insert_rowid(m_db->Handle()));
     else if (leftOut && !plan.setsCounter)
@@ -521,8 +521,8 @@ void Connection::RunSelectInto(const BoundPlan& bound) {
     ChangeSchema(plan.intoTable.name, [&](SchemaEditor& editor) {
         editor.Apply({.table = plan.intoTable});
         Statement statement(*m_db, plan.text, Doing::Write, plan.intoTable.name);
-        std::vector<Value> values;
-        Bind(statement, 1, plan.parameters, bound.scanned.literals, values);
+        Binding binding(statement);
+        Bind(binding, 1, plan.parameters, bound.scanned.literals);
         statement.Next();
         m_affected = static_cast<int>(sqlite3_changes64(m_db->Handle()));
     });

@@ -9,6 +9,7 @@
 
 #include <QHash>
 
+#include <forward_list>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -28,6 +29,7 @@ struct CachedPlan {
     Statement text;
     Statement ignoreText;
     Statement rowText;
+    bool countsUp = false; ///< an INSERT that can use up a generated number
     std::uint64_t lastUse = 0;
 };
 
@@ -35,6 +37,25 @@ struct CachedPlan {
 struct BoundPlan {
     std::shared_ptr<CachedPlan> cached;
     sql::Scanned scanned;
+};
+
+/// What a statement runs with. It is reset at the end, before what was bound goes.
+class Binding {
+public:
+    explicit Binding(Statement& statement)
+        : m_statement(statement) {}
+    ~Binding() { m_statement.Reset(); }
+    Binding(const Binding&) = delete;
+    Binding& operator=(const Binding&) = delete;
+
+    /// The literal as it is; the statement's text outlives the run.
+    void Bind(int place, const sql::Literal& literal);
+    /// A value that nobody else keeps.
+    void Keep(int place, Value value);
+
+private:
+    Statement& m_statement;
+    std::forward_list<Value> m_values; ///< which do not move
 };
 
 /// One open database file: the SQLite connection, the cache of statements, and what the layer knows of the
@@ -78,14 +99,15 @@ public:
     /// Compiles the text if that is not done yet.
     void Prepare(Statement& statement, const QString& text, Statement::Lifetime lifetime);
     [[noreturn]] void RaiseRead(int code);
-    /// Binds parameters, converted to their columns; `values` keeps what is bound.
-    static void Bind(Statement& statement, int firstPlace, const std::vector<sql::Parameter>& parameters,
-                     const std::vector<Value>& literals, std::vector<Value>& values);
+    /// Binds the parameters of a query.
+    static void Bind(Binding& binding, int firstPlace, const std::vector<sql::Parameter>& parameters,
+                     const std::vector<sql::Literal>& literals);
 
 private:
     void Open();
     void CheckSound();
-    BoundPlan PlanOf(const QString& text, sql::Purpose purpose);
+    /// Good until the next call.
+    const BoundPlan& PlanOf(const QString& text, sql::Purpose purpose);
     std::vector<sql::Heading> ReadHeadings(const BoundPlan& bound);
     void EvictPlan(QHash<QString, std::shared_ptr<CachedPlan>>& plans) const;
 
@@ -104,8 +126,8 @@ private:
     /// Binds an action's values. What cannot be converted is NULL without failOnError; with it an INSERT
     /// raises, and an UPDATE keeps the failure in `refused` and binds what its column refuses. False: the one
     /// row is left out.
-    bool BindAction(Statement& statement, const BoundPlan& bound, bool failOnError,
-                    std::vector<Value>& values, std::optional<runtime::Failure>& refused) const;
+    static bool BindAction(Binding& binding, const BoundPlan& bound, bool failOnError,
+                           std::optional<runtime::Failure>& refused);
     void NoteUpheaval() noexcept;
     /// Keeps account of generated numbers; `leftOut`: a row was refused by a rule.
     void NoteInsert(const sql::Plan& plan, bool leftOut);
@@ -145,6 +167,7 @@ private:
     std::unique_ptr<Transactions> m_commits;
     QHash<QString, std::shared_ptr<CachedPlan>> m_queries;
     QHash<QString, std::shared_ptr<CachedPlan>> m_actions;
+    BoundPlan m_bound; ///< of the statement at hand
     std::uint64_t m_useCount = 0;
     std::unordered_set<RecordsetImpl*> m_sets;
     int m_affected = 0;

@@ -40,6 +40,16 @@ bool IsNamePart(char16_t c) {
     return IsNameStart(c) || IsDigit(c) || c == u'_';
 }
 
+bool IsSign(char16_t c) {
+    constexpr auto isSign = [] {
+        std::array<bool, 0x80> set{};
+        for (const char sign : std::string_view("()+-*/\\^&=<>,.;!"))
+            set[static_cast<std::size_t>(sign)] = true;
+        return set;
+    }();
+    return c < isSign.size() && isSign[c];
+}
+
 /// The inside of #...#: three whole numbers joined by one sign, a time, or both.
 std::optional<QDateTime> ReadMoment(QStringView text) {
     enum Part { First = 1, Sign, Second, Third, Hour, Minute, Seconds, Half };
@@ -147,7 +157,7 @@ bool Token::IsReserved() const {
 Token Lexer::Make(TokenKind kind, qsizetype end) {
     Token token;
     token.kind = kind;
-    token.text = m_text.mid(m_start, end - m_start);
+    token.text = QStringView(m_text.data() + m_start, end - m_start);
     token.start = m_start;
     token.end = end;
     m_position = end;
@@ -235,13 +245,11 @@ Token Lexer::ReadNumber() {
                 ++end;
         }
     }
-    const bool whole =
-        end == wholeEnd && end - m_position <= 10 &&
-        WholeOf(m_text.mid(m_position, end - m_position)) <= std::numeric_limits<std::int32_t>::max();
-    if (whole)
+    const QStringView text(m_text.data() + m_position, end - m_position);
+    if (end == wholeEnd && text.size() <= 10 && WholeOf(text) <= std::numeric_limits<std::int32_t>::max())
         return Make(TokenKind::Integer, end);
     bool valid = false;
-    const double value = m_text.mid(m_position, end - m_position).toDouble(&valid);
+    const double value = text.toDouble(&valid);
     return Make(valid && std::isfinite(value) ? TokenKind::Fraction : TokenKind::BadNumber, end);
 }
 
@@ -273,7 +281,7 @@ Token Lexer::ReadSign() {
         sign = GreaterEqual;
     if (sign != c)
         ++end;
-    else if (QStringView(u"()+-*/\\^&=<>,.;!").indexOf(QChar(c)) < 0)
+    else if (!IsSign(c))
         return Make(TokenKind::BadSign, end);
     Token token = Make(TokenKind::Sign, end);
     token.sign = sign;

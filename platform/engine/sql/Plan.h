@@ -1,10 +1,31 @@
 #pragma once
 
 #include "platform/engine/schema/Table.h"
+#include "platform/engine/sql/Lexer.h"
 
 #include <optional>
 
 namespace engine::sql {
+
+/// A literal as it stands in a statement: a view of its text.
+class Literal {
+public:
+    /// A literal token.
+    explicit Literal(const Token& token);
+
+    /// A whole number.
+    const std::int64_t* Whole() const { return m_kind == TokenKind::Integer ? &m_whole : nullptr; }
+    /// The characters of a text, if they stand there as they are; null if a quote among them is doubled, or
+    /// if it is no text.
+    QStringView Plain() const { return m_plain; }
+    Value ToValue() const;
+
+private:
+    TokenKind m_kind;
+    std::int64_t m_whole = 0;
+    QStringView m_text;
+    QStringView m_plain;
+};
 
 /// A statement text taken apart: the literals, and the shape that remains. Two texts of one shape translate
 /// to the same plan and differ only in what is bound to it. Literals whose value changes the translation
@@ -13,7 +34,7 @@ namespace engine::sql {
 struct Scanned {
     QString text;
     QString shape;
-    std::vector<Value> literals;
+    std::vector<Literal> literals; ///< views of the text
     bool cacheable =
         true; ///< false for schema statements and very long lists: their literals are written out
 };
@@ -21,6 +42,8 @@ struct Scanned {
 /// Failure 3360 for a text over 1,000,000 characters. A text that cannot be read to its end has no shape (it
 /// is not cacheable) and fails at Translate.
 Scanned Scan(const QString& text);
+/// The same into an object whose room is used again.
+void Scan(const QString& text, Scanned& scanned);
 
 /// How a literal is converted before it is bound.
 struct Parameter {

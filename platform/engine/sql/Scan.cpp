@@ -1,7 +1,8 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/functions/Functions.h"
-#include "platform/engine/sql/Lexer.h"
 #include "platform/engine/sql/Plan.h"
+
+#include <algorithm>
 
 namespace engine::sql {
 
@@ -10,86 +11,68 @@ namespace {
 constexpr qsizetype longestStatement = 1'000'000;
 constexpr std::size_t mostBoundLiterals = 200;
 
-/// A text that is joined from many short pieces; room for all of it is taken at once.
-class ShapeText {
-public:
-    explicit ShapeText(qsizetype most)
-        : m_text(most, Qt::Uninitialized)
-        , m_end(m_text.data()) {}
-
-    void Add(QStringView piece) {
-        for (const QChar character : piece)
-            *m_end++ = character;
-    }
-    bool IsEmpty() const { return m_end == m_text.constData(); }
-    QString Take() {
-        m_text.truncate(m_end - m_text.constData());
-        m_text.squeeze();
-        return std::move(m_text);
-    }
-
-private:
-    QString m_text;
-    QChar* m_end;
-};
-
 /// Joins the shape of a statement, and watches for the words behind which a literal's value matters.
 class ShapeBuilder {
 public:
-    explicit ShapeBuilder(const QString& text)
-        : m_text(text)
-        , m_shape(text.size() * unitsForOne) {
-        m_scanned.text = text;
-    }
+    explicit ShapeBuilder(Scanned& scanned)
+        : m_scanned(scanned) {}
 
-    Scanned Build() {
-        Lexer lexer(m_text);
+    void Build() {
+        Lexer lexer(m_scanned.text);
         for (Token token = lexer.Next(); token.kind != TokenKind::End; token = lexer.Next()) {
             if (token.IsBroken() || m_scanned.literals.size() > mostBoundLiterals)
-                return WithoutShape();
-            if (!m_shape.IsEmpty())
-                m_shape.Add(u" ");
+                return GiveUp();
             if (token.IsLiteral())
                 AddLiteral(token);
             else
                 AddOther(token);
-            m_behindLike = token.IsWord("LIKE") || (m_behindLike && token.Is(u'('));
-            m_previous = token;
         }
         if (m_bySchema)
-            return WithoutShape();
-        m_scanned.shape = m_byText ? m_text : m_shape.Take();
-        return std::move(m_scanned);
+            return GiveUp();
+        if (m_byText)
+            m_scanned.shape = m_scanned.text;
+        else
+            m_scanned.shape.truncate(m_end);
     }
 
 private:
-    Scanned WithoutShape() {
+    void GiveUp() {
         m_scanned.cacheable = false;
-        m_scanned.shape = m_text;
+        m_scanned.shape.clear();
         m_scanned.literals.clear();
-        return std::move(m_scanned);
+    }
+
+    /// A piece and the blank behind it.
+    void Add(QStringView piece) {
+        const qsizetype end = m_end + piece.size() + 1;
+        if (end > m_scanned.shape.size())
+            m_scanned.shape.resize(std::max(end, m_scanned.text.size() + m_scanned.text.size() / 2));
+        QChar* to = m_scanned.shape.data() + m_end;
+        *std::copy(piece.begin(), piece.end(), to) = u' ';
+        m_end = end;
     }
 
     void AddLiteral(const Token& token) {
-        Value value = Lexer::LiteralValue(token);
+        m_scanned.literals.emplace_back(token);
         switch (token.kind) {
         case TokenKind::Text:
-            m_shape.Add(!m_behindLike ? u"?s" : PatternMark(value.Text()));
+            Add(!m_behindLike ? u"?s" : PatternMark(m_scanned.literals.back().ToValue().Text()));
             break;
         case TokenKind::Integer:
-            m_shape.Add(u"?i");
+            Add(u"?i");
             break;
         case TokenKind::Fraction:
-            m_shape.Add(value.As<Money>() ? u"?m" : u"?f");
+            Add(m_scanned.literals.back().ToValue().As<Money>() ? u"?m" : u"?f");
             break;
         default:
-            m_shape.Add(u"?t");
+            Add(u"?t");
             break;
         }
         // In an order a number tells a column, however it is written: `1`, `(1)`, `+1`.
-        if (m_previous.IsWord("TOP") || m_inOrder)
-            m_shape.Add(token.text);
-        m_scanned.literals.push_back(std::move(value));
+        if (m_behindTop || m_inOrder)
+            Add(token.text);
+        m_behindLike = false;
+        m_behindTop = false;
     }
 
     /// A pattern that is none has a shape of its own: no plan is found for it, and reading it fails.
@@ -100,13 +83,19 @@ private:
     }
 
     void AddOther(const Token& token) {
-        m_shape.Add(token.text);
+        const bool isFirst = m_end == 0;
+        Add(token.text);
+        m_behindTop = false;
+        m_behindLike = m_behindLike && token.Is(u'(');
         if (token.kind == TokenKind::Word)
-            Watch(token);
+            Watch(token, isFirst);
     }
 
-    void Watch(const Token& word) {
+    void Watch(const Token& word, bool isFirst) {
         switch (word.text.front().unicode() | 0x20) {
+        case u'l':
+            m_behindLike = word.IsWord("LIKE");
+            break;
         case u'o':
             m_inOrder = m_inOrder || word.IsWord("ORDER");
             break;
@@ -119,32 +108,27 @@ private:
             break;
         case u'd':
             m_byText = m_byText || word.IsWord("DISTINCT");
-            m_bySchema = m_bySchema || (IsFirst() && word.IsWord("DROP"));
+            m_bySchema = m_bySchema || (isFirst && word.IsWord("DROP"));
             break;
         case u't':
+            m_behindTop = word.IsWord("TOP");
             m_byText = m_byText || word.IsWord("TRANSFORM");
             break;
         case u'c':
-            m_bySchema = m_bySchema || (IsFirst() && word.IsWord("CREATE"));
+            m_bySchema = m_bySchema || (isFirst && word.IsWord("CREATE"));
             break;
         case u'a':
-            m_bySchema = m_bySchema || (IsFirst() && word.IsWord("ALTER"));
+            m_bySchema = m_bySchema || (isFirst && word.IsWord("ALTER"));
             break;
         default:
             break;
         }
     }
 
-    bool IsFirst() const { return m_previous.kind == TokenKind::End; }
-
-    /// A blank, the mark of a literal and the literal itself, for a token of one character.
-    static constexpr qsizetype unitsForOne = 4;
-
-    const QString& m_text;
-    ShapeText m_shape;
-    Scanned m_scanned;
-    Token m_previous;
+    Scanned& m_scanned;
+    qsizetype m_end = 0;       ///< of the shape
     bool m_behindLike = false; ///< a literal next is a pattern
+    bool m_behindTop = false;
     bool m_inOrder = false;
     bool m_byText = false;
     bool m_bySchema = false;
@@ -152,10 +136,42 @@ private:
 
 } // namespace
 
-Scanned Scan(const QString& text) {
+Literal::Literal(const Token& token)
+    : m_kind(token.kind)
+    , m_text(token.text) {
+    if (m_kind == TokenKind::Integer) {
+        m_whole = *Lexer::LiteralValue(token).As<std::int64_t>();
+    } else if (m_kind == TokenKind::Text) {
+        const QStringView inside = m_text.sliced(1, m_text.size() - 2);
+        if (!inside.contains(m_text.front()))
+            m_plain = inside;
+    }
+}
+
+Value Literal::ToValue() const {
+    if (m_kind == TokenKind::Integer)
+        return m_whole;
+    if (!m_plain.isNull())
+        return m_plain.toString();
+    Token token;
+    token.kind = m_kind;
+    token.text = m_text;
+    return Lexer::LiteralValue(token);
+}
+
+void Scan(const QString& text, Scanned& scanned) {
     if (text.size() > longestStatement)
         RaiseEngine(QueryTooComplex);
-    return ShapeBuilder(text).Build();
+    scanned.text = text;
+    scanned.literals.clear();
+    scanned.cacheable = true;
+    ShapeBuilder(scanned).Build();
+}
+
+Scanned Scan(const QString& text) {
+    Scanned scanned;
+    Scan(text, scanned);
+    return scanned;
 }
 
 } // namespace engine::sql

@@ -60,10 +60,10 @@ TEST(ScanTest, TextsThatMeanSomethingElseDoNot) {
 TEST(ScanTest, LiteralsComeInOrder) {
     const Scanned scanned = ScanOf(u"a = 'it''s' AND b = &H10 OR c=1.5E2AND d = #12/31/2006#");
     ASSERT_EQ(scanned.literals.size(), 4U);
-    EXPECT_EQ(scanned.literals[0], engine::Value(QStringLiteral("it's")));
-    EXPECT_EQ(scanned.literals[1], engine::Value(16));
-    EXPECT_EQ(scanned.literals[2], engine::Value(150.0));
-    EXPECT_EQ(scanned.literals[3].Text(), QStringLiteral("31.12.2006"));
+    EXPECT_EQ(scanned.literals[0].ToValue(), engine::Value(QStringLiteral("it's")));
+    EXPECT_EQ(scanned.literals[1].ToValue(), engine::Value(16));
+    EXPECT_EQ(scanned.literals[2].ToValue(), engine::Value(150.0));
+    EXPECT_EQ(scanned.literals[3].ToValue().Text(), QStringLiteral("31.12.2006"));
 }
 
 TEST(ScanTest, SomeTextsHaveNoShape) {

@@ -3,6 +3,8 @@
 #include "platform/engine/dao/Database.h"
 #include "platform/forms/MsgBox.h"
 
+#include <QStringBuilder>
+
 namespace {
 
 QString Text(const char16_t* text) {
@@ -24,9 +26,9 @@ bool FillTowns(engine::Database& db, std::span<const seed::Region> regions) {
         }
         const QString number = QString::number(rows.Fields(u"t02rcid").Value().Long());
         for (const seed::Town& town : region.towns)
-            db.Execute(QStringLiteral("INSERT INTO t03 (t03code, t03cval, t03numb) VALUES (") + number +
-                           QStringLiteral(", '") + Text(town.name) + QStringLiteral("', ") +
-                           QString::number(town.code) + u')',
+            db.Execute(QStringLiteral("INSERT INTO t03 (t03code, t03cval, t03numb) VALUES (") % number %
+                           QStringLiteral(", '") % QStringView(town.name) % QStringLiteral("', ") %
+                           QString::number(town.code) % u')',
                        engine::dbFailOnError);
     }
     return true;

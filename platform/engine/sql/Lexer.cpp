@@ -18,36 +18,27 @@ namespace engine::sql {
 
 namespace {
 
-bool IsBlank(char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
-}
+enum : std::uint8_t { Blank = 1, Digit = 2, HexDigit = 4, NameStart = 8, NamePart = 16, Sign = 32 };
 
-bool IsDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
+/// What the characters of ASCII can be in a statement.
+constexpr auto kinds = [] {
+    std::array<std::uint8_t, 0x80> table{};
+    const auto mark = [&table](std::string_view characters, int kind) {
+        for (const char c : characters)
+            table[static_cast<std::size_t>(c)] |= static_cast<std::uint8_t>(kind);
+    };
+    mark(" \t\r\n", Blank);
+    mark("0123456789", Digit | HexDigit | NamePart);
+    mark("abcdefABCDEF", HexDigit);
+    mark("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", NameStart | NamePart);
+    mark("_", NamePart);
+    mark("()+-*/\\^&=<>,.;!", Sign);
+    return table;
+}();
 
-bool IsHexDigit(char16_t c) {
-    return IsDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
-}
-
-bool IsNameStart(char16_t c) {
-    if (c < 0x80)
-        return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
-    return QChar(c).isLetter();
-}
-
-bool IsNamePart(char16_t c) {
-    return IsNameStart(c) || IsDigit(c) || c == u'_';
-}
-
-bool IsSign(char16_t c) {
-    constexpr auto isSign = [] {
-        std::array<bool, 0x80> set{};
-        for (const char sign : std::string_view("()+-*/\\^&=<>,.;!"))
-            set[static_cast<std::size_t>(sign)] = true;
-        return set;
-    }();
-    return c < isSign.size() && isSign[c];
+bool Is(char16_t c, int kind) {
+    return c < kinds.size() ? (kinds[c] & kind) != 0
+                            : (kind & (NameStart | NamePart)) != 0 && QChar(c).isLetter();
 }
 
 /// The inside of #...#: three whole numbers joined by one sign, a time, or both.
@@ -166,13 +157,13 @@ Token Lexer::Make(TokenKind kind, qsizetype end) {
 }
 
 Token Lexer::Next() {
-    while (m_position < m_text.size() && IsBlank(At(m_position)))
+    while (m_position < m_text.size() && Is(At(m_position), Blank))
         ++m_position;
     m_start = m_position;
     if (m_position >= m_text.size())
         return Make(TokenKind::End, m_text.size());
     const char16_t c = At(m_position);
-    if (IsNameStart(c))
+    if (Is(c, NameStart))
         return ReadWord();
     switch (c) {
     case u'\'':
@@ -185,21 +176,22 @@ Token Lexer::Next() {
     case u'#':
         return ReadDate();
     case u'&':
-        if ((At(m_position + 1) == u'H' || At(m_position + 1) == u'h') && IsHexDigit(At(m_position + 2)))
+        if ((At(m_position + 1) == u'H' || At(m_position + 1) == u'h') && Is(At(m_position + 2), HexDigit))
             return ReadHexadecimal();
         return ReadSign();
     case u'.':
-        if (!m_afterName && IsDigit(At(m_position + 1)))
+        if (!m_afterName && Is(At(m_position + 1), Digit))
             return ReadNumber();
         return ReadSign();
     default:
-        return IsDigit(c) ? ReadNumber() : ReadSign();
+        return Is(c, Digit) ? ReadNumber() : ReadSign();
     }
 }
 
 Token Lexer::ReadWord() {
+    const char16_t* const text = m_text.utf16();
     qsizetype end = m_position + 1;
-    while (end < m_text.size() && IsNamePart(At(end)))
+    while (end < m_text.size() && Is(text[end], NamePart))
         ++end;
     return Make(TokenKind::Word, end);
 }
@@ -226,12 +218,12 @@ Token Lexer::ReadName(char16_t close) {
 
 Token Lexer::ReadNumber() {
     qsizetype end = m_position;
-    while (IsDigit(At(end)))
+    while (Is(At(end), Digit))
         ++end;
     const qsizetype wholeEnd = end;
     if (At(end) == u'.') {
         ++end;
-        while (IsDigit(At(end)))
+        while (Is(At(end), Digit))
             ++end;
     }
     // An E without digits behind it begins a word: 5EQV.
@@ -239,9 +231,9 @@ Token Lexer::ReadNumber() {
         qsizetype digits = end + 1;
         if (At(digits) == u'+' || At(digits) == u'-')
             ++digits;
-        if (IsDigit(At(digits))) {
+        if (Is(At(digits), Digit)) {
             end = digits;
-            while (IsDigit(At(end)))
+            while (Is(At(end), Digit))
                 ++end;
         }
     }
@@ -255,7 +247,7 @@ Token Lexer::ReadNumber() {
 
 Token Lexer::ReadHexadecimal() {
     qsizetype end = m_position + 2;
-    while (IsHexDigit(At(end)))
+    while (Is(At(end), HexDigit))
         ++end;
     return Make(end - m_position - 2 <= 8 ? TokenKind::Integer : TokenKind::BadNumber, end);
 }
@@ -281,7 +273,7 @@ Token Lexer::ReadSign() {
         sign = GreaterEqual;
     if (sign != c)
         ++end;
-    else if (!IsSign(c))
+    else if (!Is(c, Sign))
         return Make(TokenKind::BadSign, end);
     Token token = Make(TokenKind::Sign, end);
     token.sign = sign;

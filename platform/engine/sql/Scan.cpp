@@ -45,10 +45,15 @@ private:
     /// A piece and the blank behind it.
     void Add(QStringView piece) {
         const qsizetype end = m_end + piece.size() + 1;
-        if (end > m_scanned.shape.size())
-            m_scanned.shape.resize(std::max(end, m_scanned.text.size() + m_scanned.text.size() / 2));
-        QChar* to = m_scanned.shape.data() + m_end;
-        *std::copy(piece.begin(), piece.end(), to) = u' ';
+        if (end > m_room) {
+            m_room = std::max(end, m_scanned.text.size() * 2);
+            m_scanned.shape.resize(m_room);
+            m_shape = m_scanned.shape.data();
+        }
+        QChar* to = m_shape + m_end;
+        for (const QChar character : piece) // mostly few: a call would cost more
+            *to++ = character;
+        *to = u' ';
         m_end = end;
     }
 
@@ -126,6 +131,8 @@ private:
     }
 
     Scanned& m_scanned;
+    QChar* m_shape = nullptr;
+    qsizetype m_room = 0;      ///< for the shape
     qsizetype m_end = 0;       ///< of the shape
     bool m_behindLike = false; ///< a literal next is a pattern
     bool m_behindTop = false;

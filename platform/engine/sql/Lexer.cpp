@@ -18,29 +18,6 @@ namespace engine::sql {
 
 namespace {
 
-enum : std::uint8_t { Blank = 1, Digit = 2, HexDigit = 4, NameStart = 8, NamePart = 16, Sign = 32 };
-
-/// What the characters of ASCII can be in a statement.
-constexpr auto kinds = [] {
-    std::array<std::uint8_t, 0x80> table{};
-    const auto mark = [&table](std::string_view characters, int kind) {
-        for (const char c : characters)
-            table[static_cast<std::size_t>(c)] |= static_cast<std::uint8_t>(kind);
-    };
-    mark(" \t\r\n", Blank);
-    mark("0123456789", Digit | HexDigit | NamePart);
-    mark("abcdefABCDEF", HexDigit);
-    mark("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ", NameStart | NamePart);
-    mark("_", NamePart);
-    mark("()+-*/\\^&=<>,.;!", Sign);
-    return table;
-}();
-
-bool Is(char16_t c, int kind) {
-    return c < kinds.size() ? (kinds[c] & kind) != 0
-                            : (kind & (NameStart | NamePart)) != 0 && QChar(c).isLetter();
-}
-
 /// The inside of #...#: three whole numbers joined by one sign, a time, or both.
 std::optional<QDateTime> ReadMoment(QStringView text) {
     enum Part { First = 1, Sign, Second, Third, Hour, Minute, Seconds, Half };
@@ -145,26 +122,9 @@ bool Token::IsReserved() const {
            std::ranges::binary_search(reserved, std::string_view(*capitals));
 }
 
-Token Lexer::Make(TokenKind kind, qsizetype end) {
-    Token token;
-    token.kind = kind;
-    token.text = QStringView(m_text.data() + m_start, end - m_start);
-    token.start = m_start;
-    token.end = end;
-    m_position = end;
-    m_afterName = kind == TokenKind::Word || kind == TokenKind::Name;
-    return token;
-}
-
-Token Lexer::Next() {
-    while (m_position < m_text.size() && Is(At(m_position), Blank))
-        ++m_position;
-    m_start = m_position;
-    if (m_position >= m_text.size())
-        return Make(TokenKind::End, m_text.size());
+Token Lexer::ReadOther() {
     const char16_t c = At(m_position);
-    if (Is(c, NameStart))
-        return ReadWord();
+    const char16_t next = At(m_position + 1);
     switch (c) {
     case u'\'':
     case u'"':
@@ -176,24 +136,25 @@ Token Lexer::Next() {
     case u'#':
         return ReadDate();
     case u'&':
-        if ((At(m_position + 1) == u'H' || At(m_position + 1) == u'h') && Is(At(m_position + 2), HexDigit))
+        if ((next == u'H' || next == u'h') && Is(At(m_position + 2), HexDigit))
             return ReadHexadecimal();
-        return ReadSign();
+        break;
     case u'.':
-        if (!m_afterName && Is(At(m_position + 1), Digit))
+        if (!m_afterName && Is(next, Digit))
             return ReadNumber();
-        return ReadSign();
+        break;
+    case u'<':
+        if (next == u'>' || next == u'=')
+            return MakeSign(next == u'>' ? NotEqual : LessEqual, m_position + 2);
+        break;
+    case u'>':
+        if (next == u'=')
+            return MakeSign(GreaterEqual, m_position + 2);
+        break;
     default:
-        return Is(c, Digit) ? ReadNumber() : ReadSign();
+        return Is(c, Digit) ? ReadNumber() : Make(TokenKind::BadSign, m_position + 1);
     }
-}
-
-Token Lexer::ReadWord() {
-    const char16_t* const text = m_text.utf16();
-    qsizetype end = m_position + 1;
-    while (end < m_text.size() && Is(text[end], NamePart))
-        ++end;
-    return Make(TokenKind::Word, end);
+    return MakeSign(c, m_position + 1);
 }
 
 Token Lexer::ReadQuoted(char16_t quote) {
@@ -258,26 +219,6 @@ Token Lexer::ReadDate() {
         return Make(TokenKind::BadDate, m_text.size());
     const bool valid = ReadMoment(m_text.mid(m_position + 1, end - m_position - 1)).has_value();
     return Make(valid ? TokenKind::Date : TokenKind::BadDate, end + 1);
-}
-
-Token Lexer::ReadSign() {
-    const char16_t c = At(m_position);
-    const char16_t next = At(m_position + 1);
-    char16_t sign = c;
-    qsizetype end = m_position + 1;
-    if (c == u'<' && next == u'>')
-        sign = NotEqual;
-    else if (c == u'<' && next == u'=')
-        sign = LessEqual;
-    else if (c == u'>' && next == u'=')
-        sign = GreaterEqual;
-    if (sign != c)
-        ++end;
-    else if (!Is(c, Sign))
-        return Make(TokenKind::BadSign, end);
-    Token token = Make(TokenKind::Sign, end);
-    token.sign = sign;
-    return token;
 }
 
 Value Lexer::LiteralValue(const Token& token) {

@@ -13,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QStringBuilder>
 
 #include <optional>
 
@@ -136,10 +137,10 @@ void Extraction::CopyCards(const QString& strCurrentSQL) {
         ExecuteOnTarget([&] {
             return QString(
                 QStringLiteral(
-                    "INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo, a01bith) VALUES (") +
-                id.Text() + QStringLiteral(", '") + last.Text() + QStringLiteral("', '") + first.Text() +
-                QStringLiteral("', '") + middle.Text() + QStringLiteral("', '") + memo.Text() +
-                QStringLiteral("', '") + birthday.Text() + QStringLiteral("')"));
+                    "INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo, a01bith) VALUES (") %
+                id.Text() % QStringLiteral(", '") % last.Text() % QStringLiteral("', '") % first.Text() %
+                QStringLiteral("', '") % middle.Text() % QStringLiteral("', '") % memo.Text() %
+                QStringLiteral("', '") % birthday.Text() % QStringLiteral("')"));
         });
         cardIds += id.Text();
         if (row != count)
@@ -151,14 +152,14 @@ void Extraction::CopyCards(const QString& strCurrentSQL) {
 }
 
 void Extraction::CopyPhones(const QString& cardIds) {
-    if (!OpenRows(m_phones, QStringLiteral("SELECT * FROM a02 WHERE a02clid in (") + cardIds + u')'))
+    if (!OpenRows(m_phones, QStringLiteral("SELECT * FROM a02 WHERE a02clid in (") % cardIds % u')'))
         return;
     const engine::Field card = m_phones.Fields(u"a02clid");
     const engine::Field code = m_phones.Fields(u"a02code");
     const engine::Field number = m_phones.Fields(u"a02cval");
     CopyRows(m_phones, [&](int) {
-        return QString(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (") + card.Text() +
-                       QStringLiteral(", '") + code.Text() + QStringLiteral("', '") + number.Text() +
+        return QString(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (") % card.Text() %
+                       QStringLiteral(", '") % code.Text() % QStringLiteral("', '") % number.Text() %
                        QStringLiteral("')"));
     });
 }
@@ -171,8 +172,8 @@ void Extraction::CopyPhoneTypes() {
     const engine::Field code = m_types.Fields(u"t01code");
     const engine::Field name = m_types.Fields(u"t01cval");
     CopyRows(m_types, [&](int) {
-        return QString(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES ( 0, ") +
-                       code.Text() + QStringLiteral(", '") + name.Text() + QStringLiteral("')"));
+        return QString(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES ( 0, ") %
+                       code.Text() % QStringLiteral(", '") % name.Text() % QStringLiteral("')"));
     });
 }
 
@@ -183,8 +184,8 @@ void Extraction::CopyEvents() {
     const engine::Field date = m_events.Fields(u"a03evdt");
     const engine::Field period = m_events.Fields(u"a03evpr");
     CopyRows(m_events, [&](int) {
-        return QString(QStringLiteral("INSERT INTO a03 (a03evnm, a03evdt, a03evpr) VALUES ('") + name.Text() +
-                       QStringLiteral("', '") + date.Text() + QStringLiteral("', '") + period.Text() +
+        return QString(QStringLiteral("INSERT INTO a03 (a03evnm, a03evdt, a03evpr) VALUES ('") % name.Text() %
+                       QStringLiteral("', '") % date.Text() % QStringLiteral("', '") % period.Text() %
                        QStringLiteral("')"));
     });
 }

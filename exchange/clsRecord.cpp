@@ -4,6 +4,8 @@
 #include "platform/runtime/Failure.h"
 #include "shared/Declaration.h"
 
+#include <QStringBuilder>
+
 void clsRecord::Clear() {
     strFirstName.clear();
     strLastName.clear();
@@ -56,9 +58,9 @@ void clsRecord::Merge() {
     const runtime::Int16 newNumber{last.IsNull() ? 1 : std::int64_t{last.Long()} + 1};
 
     const engine::Recordset lookup =
-        gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM a01 WHERE a01frst LIKE '") + strFirstName +
-                                     QStringLiteral("' AND a01midl LIKE '") + strMiddleName +
-                                     QStringLiteral("' AND a01last LIKE '") + strLastName + u'\'',
+        gDatabase->OpenRecordset(QStringLiteral("SELECT * FROM a01 WHERE a01frst LIKE '") % strFirstName %
+                                     QStringLiteral("' AND a01midl LIKE '") % strMiddleName %
+                                     QStringLiteral("' AND a01last LIKE '") % strLastName % u'\'',
                                  engine::dbOpenDynaset);
     const int number = lookup.RecordCount() != 0 ? UseFound(lookup) : Insert(newNumber);
     for (const auto& [code, phone] : m_phones)
@@ -73,9 +75,9 @@ int clsRecord::UseFound(const engine::Recordset& lookup) {
 
 int clsRecord::Insert(int number) {
     gDatabase->Execute(
-        QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo) VALUES ( ") +
-            QString::number(number) + QStringLiteral(", '") + strLastName + QStringLiteral("', '") +
-            strFirstName + QStringLiteral("', '") + strMiddleName +
+        QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo) VALUES ( ") %
+            QString::number(number) % QStringLiteral(", '") % strLastName % QStringLiteral("', '") %
+            strFirstName % QStringLiteral("', '") % strMiddleName %
             QStringLiteral("', 'Импортирован из файла')"),
         engine::dbFailOnError);
     ++nInsertNumber;
@@ -84,11 +86,11 @@ int clsRecord::Insert(int number) {
 
 void clsRecord::ReplacePhone(int number, int code, const QString& value) {
     const QString card = QString::number(number);
-    gDatabase->Execute(QStringLiteral("DELETE FROM a02 WHERE a02clid = ") + card +
-                           QStringLiteral(" AND a02code = ") + QString::number(code),
+    gDatabase->Execute(QStringLiteral("DELETE FROM a02 WHERE a02clid = ") % card %
+                           QStringLiteral(" AND a02code = ") % QString::number(code),
                        engine::dbFailOnError);
-    gDatabase->Execute(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (") + card +
-                           QStringLiteral(",  ") + QString::number(code) + QStringLiteral(", '") + value +
+    gDatabase->Execute(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (") % card %
+                           QStringLiteral(",  ") % QString::number(code) % QStringLiteral(", '") % value %
                            QStringLiteral("')"),
                        engine::dbFailOnError);
 }

@@ -1,8 +1,8 @@
 #include "platform/engine/dao/Database.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/dao/RecordsetImpl.h"
 #include "platform/engine/run/Connection.h"
+#include "platform/engine/schema/FileCatalog.h"
 #include "platform/engine/store/DatabaseFile.h"
 
 namespace engine {

@@ -1,16 +1,19 @@
 #include "platform/engine/dao/Recordset.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/dao/RecordsetImpl.h"
+#include "platform/engine/run/ResultSet.h"
+#include "platform/engine/schema/Names.h"
 #include "platform/runtime/Dates.h"
+
+#include <algorithm>
 
 namespace engine {
 
 namespace {
 
-Value ValueOf(const RowBuffer::Cell& cell, DataType type) {
+Value ValueOf(const Cell& cell, DataType type) {
     switch (cell.kind) {
-    case RowBuffer::Cell::Integer:
+    case Cell::Integer:
         if (type == DataType::Bit)
             return cell.integer != 0;
         if (type == DataType::Currency)
@@ -22,120 +25,123 @@ Value ValueOf(const RowBuffer::Cell& cell, DataType type) {
         if (type == DataType::Date)
             return runtime::DateFromNumber(static_cast<double>(cell.integer));
         return cell.integer;
-    case RowBuffer::Cell::Real:
+    case Cell::Real:
         if (type == DataType::Date)
             return runtime::DateFromNumber(cell.real);
         if (type == DataType::Single)
             return static_cast<float>(cell.real);
         return cell.real;
-    case RowBuffer::Cell::Text:
+    case Cell::Text:
         return cell.text.toString();
-    case RowBuffer::Cell::Bytes:
+    case Cell::Bytes:
         return cell.bytes.toByteArray();
     default:
         return {};
     }
 }
 
+const ResultSet& Open(const ResultSet& set) {
+    if (!set.IsOpen())
+        RaiseEngine(ObjectClosed);
+    return set;
+}
+
+const sql::ResultColumn& ColumnOf(const ResultSet& set, int column) {
+    const auto& columns = Open(set).Columns();
+    if (column < 0 || static_cast<std::size_t>(column) >= columns.size())
+        RaiseEngine(ItemNotFound);
+    return columns[static_cast<std::size_t>(column)];
+}
+
 } // namespace
 
 QString Field::Name() const {
-    m_set->CheckOpen();
-    return m_set->Column(m_column).name;
+    return ColumnOf(*m_set, m_column).name;
 }
 
 DataType Field::Type() const {
-    m_set->CheckOpen();
-    return m_set->Column(m_column).type;
+    return ColumnOf(*m_set, m_column).type;
 }
 
 engine::Value Field::Value() const {
-    const auto cell = m_set->Current(m_column);
-    return ValueOf(cell, m_set->Column(m_column).type);
+    return ValueOf(Open(*m_set).CurrentCell(m_column), Type());
 }
 
 QString Field::Text() const {
-    const auto cell = m_set->Current(m_column);
-    if (cell.kind == RowBuffer::Cell::Text)
+    const Cell cell = Open(*m_set).CurrentCell(m_column);
+    if (cell.kind == Cell::Text)
         return cell.text.toString();
-    if (cell.kind == RowBuffer::Cell::Null)
-        return {};
-    return ValueOf(cell, m_set->Column(m_column).type).Text();
+    return ValueOf(cell, Type()).Text();
 }
 
-Recordset::Recordset() = default;
-Recordset::Recordset(Recordset&&) noexcept = default;
-Recordset& Recordset::operator=(Recordset&&) noexcept = default;
-Recordset::~Recordset() = default;
-
-Recordset::Recordset(std::shared_ptr<RecordsetImpl> impl)
-    : m_impl(std::move(impl)) {
-}
-
-RecordsetImpl& Recordset::Impl() const {
-    if (!m_impl)
+ResultSet& Recordset::Set() const {
+    if (!IsOpen())
         RaiseEngine(ObjectClosed);
-    m_impl->CheckOpen();
-    return *m_impl;
-}
-
-std::int64_t Recordset::RecordCount() const {
-    return Impl().Reached();
-}
-
-bool Recordset::EndOfFile() const {
-    return Impl().EndOfFile();
-}
-
-bool Recordset::BeginOfFile() const {
-    return Impl().BeginOfFile();
-}
-
-void Recordset::MoveFirst() {
-    Impl().MoveFirst();
-}
-
-void Recordset::MoveLast() {
-    Impl().MoveLast();
-}
-
-void Recordset::MoveNext() {
-    Impl().MoveNext();
-}
-
-void Recordset::MovePrevious() {
-    Impl().MovePrevious();
-}
-
-int Recordset::FieldsCount() const {
-    return Impl().Columns();
-}
-
-Field Recordset::Fields(QStringView name) const {
-    RecordsetImpl& impl = Impl();
-    return {impl, impl.FindColumn(name)};
-}
-
-Field Recordset::Fields(int index) const {
-    RecordsetImpl& impl = Impl();
-    impl.Column(index);
-    return {impl, index};
-}
-
-void Recordset::FindFirst(const QString& criteria) {
-    Impl().FindFirst(criteria);
-}
-
-bool Recordset::NoMatch() const {
-    return Impl().NoMatch();
+    return *m_set;
 }
 
 bool Recordset::IsOpen() const {
-    return m_impl && m_impl->IsOpen();
+    return m_set && m_set->IsOpen();
 }
 
 void Recordset::Close() {
-    Impl().Close();
+    Set().Close();
+}
+
+std::int64_t Recordset::RecordCount() const {
+    return Set().Reached();
+}
+
+bool Recordset::EndOfFile() const {
+    return Set().Current() == m_set->Count();
+}
+
+bool Recordset::BeginOfFile() const {
+    return Set().Current() < 0 || m_set->Count() == 0;
+}
+
+void Recordset::MoveFirst() {
+    Set().MoveTo(0);
+}
+
+void Recordset::MoveLast() {
+    Set().MoveTo(m_set->Count() - 1);
+}
+
+void Recordset::MoveNext() {
+    Set().MoveTo(m_set->Current() + 1);
+}
+
+void Recordset::MovePrevious() {
+    Set().MoveTo(m_set->Current() - 1);
+}
+
+int Recordset::FieldsCount() const {
+    return static_cast<int>(Set().Columns().size());
+}
+
+Field Recordset::Fields(QStringView name) const {
+    const auto& columns = Set().Columns();
+    auto found = std::ranges::find(columns, name, &sql::ResultColumn::name);
+    if (found == columns.end())
+        found =
+            std::ranges::find_if(columns, [name](const auto& column) { return SameName(column.name, name); });
+    if (found == columns.end())
+        RaiseEngine(ItemNotFound);
+    return {*m_set, static_cast<int>(found - columns.begin())};
+}
+
+Field Recordset::Fields(int index) const {
+    ColumnOf(Set(), index);
+    return {*m_set, index};
+}
+
+void Recordset::FindFirst(const QString& criteria) {
+    m_noMatch = !Set().MoveToFirst(criteria);
+}
+
+bool Recordset::NoMatch() const {
+    return Set().IsOpen() && m_noMatch;
 }
 
 } // namespace engine

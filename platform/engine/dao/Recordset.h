@@ -6,7 +6,7 @@
 
 namespace engine {
 
-class RecordsetImpl;
+class ResultSet;
 
 /// A column of a result set. A view: it lives no longer than its Recordset, and Value() is that of the row
 /// that is current at the call.
@@ -22,10 +22,10 @@ public:
 
 private:
     friend class Recordset;
-    Field(RecordsetImpl& set, int column)
+    Field(ResultSet& set, int column)
         : m_set(&set)
         , m_column(column) {}
-    RecordsetImpl* m_set;
+    ResultSet* m_set;
     int m_column;
 };
 
@@ -33,10 +33,9 @@ private:
 /// closes its sets; any use of a closed set is failure 3420.
 class Recordset {
 public:
-    Recordset(); ///< closed
-    Recordset(Recordset&&) noexcept;
-    Recordset& operator=(Recordset&&) noexcept;
-    ~Recordset();
+    Recordset() = default; ///< closed
+    Recordset(Recordset&&) noexcept = default;
+    Recordset& operator=(Recordset&&) noexcept = default;
 
     /// Rows reached so far: 0 only if there are none, exact after MoveLast.
     std::int64_t RecordCount() const;
@@ -65,9 +64,11 @@ public:
 
 private:
     friend class Database;
-    explicit Recordset(std::shared_ptr<RecordsetImpl> impl);
-    RecordsetImpl& Impl() const; ///< failure 3420 if closed
-    std::shared_ptr<RecordsetImpl> m_impl;
+    explicit Recordset(std::shared_ptr<ResultSet> set)
+        : m_set(std::move(set)) {}
+    ResultSet& Set() const; ///< failure 3420 if closed
+    std::shared_ptr<ResultSet> m_set;
+    bool m_noMatch = false;
 };
 
 } // namespace engine

@@ -8,7 +8,7 @@ namespace engine {
 
 /// Columns by whose values single rows are looked for again and again. The storage keeps an index over them
 /// in every file that it writes to, as long as the table has all of them. It is the storage's own: the
-/// catalogue does not show it, and no statement takes it that has not asked for it (sql::LookUpCondition), so
+/// catalogue does not show it, and no statement takes it that has not asked for it (sql::LookUpTerm), so
 /// that the order of no other rows tells of it.
 struct LookUp {
     QString table;

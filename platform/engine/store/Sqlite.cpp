@@ -5,7 +5,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 namespace engine {
 
@@ -79,6 +81,21 @@ std::int64_t Sqlite::Number(const char* question) const {
 
 runtime::Failure Sqlite::FailureOf(int code, Doing doing, const QString& table) const {
     return FailureFrom(m_db, code, doing, m_path, table);
+}
+
+int Sqlite::Changes() const noexcept {
+    constexpr sqlite3_int64 most = std::numeric_limits<int>::max();
+    return static_cast<int>(std::min(sqlite3_changes64(m_db), most));
+}
+
+std::int64_t Sqlite::LastRow() const noexcept {
+    return sqlite3_last_insert_rowid(m_db);
+}
+
+sqlite3_file* Sqlite::File() const noexcept {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(m_db, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    return file;
 }
 
 bool Sqlite::IsReadOnly() const {

@@ -3,6 +3,7 @@
 #include "platform/engine/store/SqliteFailure.h"
 
 struct sqlite3;
+struct sqlite3_file;
 
 namespace engine {
 
@@ -28,6 +29,13 @@ public:
 
     /// The failure of a code that SQLite has just given.
     runtime::Failure FailureOf(int code, Doing doing, const QString& table = {}) const;
+
+    /// Rows that the last action has changed, as far as an int counts.
+    int Changes() const noexcept;
+    /// The row number of the last insert.
+    std::int64_t LastRow() const noexcept;
+    /// The open file itself: closing another handle of it would drop SQLite's locks.
+    sqlite3_file* File() const noexcept;
 
     bool IsReadOnly() const;
     /// Whether a transaction is open. SQLite takes some back by itself.

@@ -99,7 +99,7 @@ runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& 
     case SQLITE_FULL:
         return Engine(DiskFull);
     case SQLITE_NOMEM:
-        return {runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)};
+        return MemoryFailure();
     case SQLITE_INTERRUPT:
         return {cancelledByUser, runtime::RuntimeText(cancelledByUser)};
     case SQLITE_TOOBIG:
@@ -117,6 +117,10 @@ runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& 
     default: // I/O errors, and what only a broken disk or a broken library can cause
         return Engine(DiskOrNetworkFailure);
     }
+}
+
+runtime::Failure MemoryFailure() {
+    return {runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)};
 }
 
 } // namespace engine

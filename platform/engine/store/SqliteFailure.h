@@ -16,6 +16,9 @@ enum class Doing { Open, Read, Write, Define, Copy };
 runtime::Failure FailureFrom(sqlite3* db, int code, Doing doing, const QString& path,
                              const QString& table = {});
 
+/// There is no memory for what is to be done.
+runtime::Failure MemoryFailure();
+
 /// What a column was declared as beside its SQLite type; the name of the constraint that enforces it, behind
 /// the column's name and a blank.
 inline constexpr QStringView noteNoEmptyText = u"AllowZeroLength False";

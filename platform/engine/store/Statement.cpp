@@ -20,7 +20,12 @@ Statement::Statement(const Sqlite& db, QStringView text, Doing doing, QString ta
     : m_db(&db)
     , m_doing(doing)
     , m_table(std::move(table)) {
-    if (const int code = Prepare(db.Handle(), text, lifetime); code != SQLITE_OK)
+    const unsigned flags = lifetime == Lifetime::Kept ? SQLITE_PREPARE_PERSISTENT : 0;
+    const int code = text.size() > maxStatementUnits
+                         ? SQLITE_TOOBIG
+                         : sqlite3_prepare16_v3(db.Handle(), text.utf16(), static_cast<int>(text.size() * 2),
+                                                flags, &m_statement, nullptr);
+    if (code != SQLITE_OK)
         throw FailureOf(code);
 }
 
@@ -32,17 +37,8 @@ Statement& Statement::operator=(Statement&& other) noexcept {
     return *this;
 }
 
-int Statement::Prepare(sqlite3* db, QStringView text, Lifetime lifetime) {
-    Finish();
-    const unsigned flags = lifetime == Lifetime::Kept ? SQLITE_PREPARE_PERSISTENT : 0;
-    if (text.size() > maxStatementUnits)
-        return SQLITE_TOOBIG;
-    return sqlite3_prepare16_v3(db, text.utf16(), static_cast<int>(text.size() * 2), flags, &m_statement,
-                                nullptr);
-}
-
-void Statement::Finish() noexcept {
-    sqlite3_finalize(std::exchange(m_statement, nullptr));
+Statement::~Statement() {
+    sqlite3_finalize(m_statement);
 }
 
 void Statement::Bind(int place, const Value& value) {

@@ -24,9 +24,8 @@ public:
         *this = std::move(other);
     }
     Statement& operator=(Statement&& other) noexcept;
-    ~Statement() { Finish(); }
+    ~Statement();
 
-    void Finish() noexcept;
     explicit operator bool() const { return m_statement != nullptr; }
 
     /// Places count from 1; one that the text does not ask for is passed over. Texts and bytes are not
@@ -55,10 +54,6 @@ public:
     /// Copy of a column's text; numbers as SQLite writes them.
     QString Text(int column) const;
     bool IsNull(int column) const;
-    sqlite3_stmt* Handle() const { return m_statement; }
-
-    // For callers that still turn SQLite's codes into failures themselves.
-    int Prepare(sqlite3* db, QStringView text, Lifetime lifetime = Lifetime::Once);
 
 private:
     void CheckBound(int code) const;
@@ -67,19 +62,6 @@ private:
     sqlite3_stmt* m_statement = nullptr;
     Doing m_doing = Doing::Read;
     QString m_table;
-};
-
-/// Resets a statement at the end of a scope, on every way out.
-class ResetGuard {
-public:
-    explicit ResetGuard(Statement& statement)
-        : m_statement(statement) {}
-    ~ResetGuard() { m_statement.Reset(); }
-    ResetGuard(const ResetGuard&) = delete;
-    ResetGuard& operator=(const ResetGuard&) = delete;
-
-private:
-    Statement& m_statement;
 };
 
 } // namespace engine

@@ -132,8 +132,8 @@ void Transactions::StatementFailed(const runtime::Failure& failure) {
 void Transactions::CheckAlive() {
     if (!HoldsLock() || m_db.InTransaction())
         return;
-    StatementFailed({runtime::OutOfMemory, runtime::RuntimeText(runtime::OutOfMemory)});
-    runtime::Raise(runtime::OutOfMemory);
+    StatementFailed(MemoryFailure());
+    throw MemoryFailure();
 }
 
 /// SQLite's code, SQLITE_OK also for a commit that has not been synced to its end: the next one will do that.

@@ -32,8 +32,19 @@ public:
     /// if the write lock has been taken by this call. `table` is for the message.
     bool BeforeWrite(Doing doing, const QString& table);
     void StatementDone();
-    /// Looks whether SQLite has taken back more than the statement that failed.
-    void StatementFailed(const runtime::Failure& failure);
+    /// Runs a statement; behind a failure looks whether SQLite has taken back more than that.
+    template <class Work>
+    auto Account(Work work) -> decltype(work()) {
+        try {
+            return work();
+        } catch (const runtime::Failure& failure) {
+            StatementFailed(failure);
+            throw;
+        } catch (const std::bad_alloc&) {
+            StatementFailed(MemoryFailure());
+            throw;
+        }
+    }
 
     /// Raises a failure if SQLite has taken the open transaction back unnoticed: what is written now would
     /// stand alone.
@@ -53,6 +64,7 @@ public:
     bool HoldsLock() const { return m_groupOpen || m_openLevels > 0; }
 
 private:
+    void StatementFailed(const runtime::Failure& failure);
     /// Takes the write lock; a SQLite code.
     int Begin() const;
     void OpenLevels(Doing doing, const QString& table);

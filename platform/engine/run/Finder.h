@@ -5,27 +5,27 @@
 
 #include <QHash>
 
-#include <memory>
 #include <optional>
 #include <vector>
 
 namespace engine {
 
-class Connection;
-
-/// Finds rows of a result by criteria. Conditions `column = literal` are answered through a hash over the
-/// rows, made at the first use of those columns, so that a search for each row of a long run does not scan
-/// the result each time.
+/// Finds rows of a result by criteria. Conditions `column = literal` narrow the search through a hash over
+/// the rows, made at the first use of those columns, so that a search for each row of a long run does not
+/// look at the whole result each time.
 class Finder {
 public:
-    /// Buffer and columns outlive the finder's use.
-    Finder(Connection& connection, const RowBuffer& rows, const std::vector<sql::ResultColumn>& columns);
+    /// Database, rows and columns outlive the finder's use.
+    Finder(const Sqlite& db, const RowBuffer& rows, const std::vector<sql::ResultColumn>& columns)
+        : m_db(db)
+        , m_rows(rows)
+        , m_columns(columns) {}
 
     /// The first row that meets the criteria. Failures 3077, 3070 and those of evaluating an expression.
     std::optional<std::size_t> First(const QString& criteria);
 
+    /// The rows are other ones.
     void ForgetRows() noexcept { m_indexes.clear(); }
-    void Forget() noexcept;
 
 private:
     struct Search {
@@ -35,16 +35,14 @@ private:
     /// Pairs of hash and row, in this order.
     struct Index {
         std::vector<int> columns;
-        std::vector<std::pair<std::uint64_t, std::uint32_t>> rows;
+        std::vector<std::pair<std::size_t, std::uint32_t>> rows;
     };
-    using Keys = std::vector<sql::KeyCondition>;
 
     std::shared_ptr<Search> SearchFor(const sql::Scanned& scanned);
-    const Index& IndexOver(const Keys& keys);
-    bool Equal(std::size_t row, const Keys& keys, const std::vector<sql::Literal>& literals) const;
+    const Index& IndexOver(const std::vector<int>& columns);
     bool IsTrue(Search& search, std::size_t row, const std::vector<sql::Literal>& literals) const;
 
-    Connection& m_connection;
+    const Sqlite& m_db;
     const RowBuffer& m_rows;
     const std::vector<sql::ResultColumn>& m_columns;
     QHash<QString, std::shared_ptr<Search>> m_searches;

@@ -274,18 +274,18 @@ void Connection::RunAction(const BoundPlan& bound, bool failOnError) {
 bool Connection::KeepLookUps() {
     m->hasLookUps = true;
     try {
-        const QStringList statements = m->catalog.MissingLookUps();
-        if (statements.isEmpty())
-            return false;
-        m->commits.Account([&] {
+        const bool made = m->commits.Account([&] {
+            const QStringList statements = m->catalog.MissingLookUps();
             for (const QString& text : statements)
                 Statement(m->db, text, Doing::Define).Next();
+            return !statements.isEmpty();
         });
-        m->commits.StatementDone();
+        if (made)
+            m->commits.StatementDone();
+        return made;
     } catch (const runtime::Failure&) {
         return true;
     }
-    return true;
 }
 
 template <class Work>

@@ -42,16 +42,14 @@ bool HasQuery(const Node& node) {
            std::ranges::any_of(node.children, [](const NodePtr& child) { return HasQuery(*child); });
 }
 
-/// Takes the conditions joined by AND apart; false if one of them is more than an equality.
-bool CollectEqualities(const Node& node, const Scope& scope, std::vector<KeyCondition>& equalities) {
+/// The equalities among the conditions that are joined by AND.
+void CollectEqualities(const Node& node, const Scope& scope, std::vector<KeyCondition>& equalities) {
     if (node.kind == NodeKind::Binary && node.op == Op::And) {
-        const bool left = CollectEqualities(*node.children[0], scope, equalities);
-        return CollectEqualities(*node.children[1], scope, equalities) && left;
-    }
-    const auto key = KeyOf(node, scope);
-    if (key)
+        CollectEqualities(*node.children[0], scope, equalities);
+        CollectEqualities(*node.children[1], scope, equalities);
+    } else if (const auto key = KeyOf(node, scope)) {
         equalities.push_back(*key);
-    return key.has_value();
+    }
 }
 
 } // namespace
@@ -70,7 +68,7 @@ CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultC
     plan.text = u"SELECT "_s + Writer().Text(condition.term) + u" FROM (SELECT ?"_s +
                 QString::number(context.ParameterCount()) + u')';
     plan.parameters = context.Parameters();
-    plan.exact = CollectEqualities(*criteria, scope, plan.equalities);
+    CollectEqualities(*criteria, scope, plan.equalities);
     return plan;
 }
 

@@ -106,13 +106,12 @@ Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
                const std::vector<Heading>* headings = nullptr);
 
 /// Criteria of FindFirst over a result with these columns: a SELECT of one truth in which column i of the
-/// result is parameter i + 1 and the literals follow. `equalities` are its top-level conditions `column =
-/// literal`; if they are all of it, `exact` is set and no row has to be evaluated.
+/// result is parameter i + 1 and the literals follow. Only a row for which all `equalities` hold can meet
+/// them.
 struct CriteriaPlan {
     QString text;
     std::vector<Parameter> parameters;
     std::vector<KeyCondition> equalities;
-    bool exact = false;
 };
 /// Failures 3077 (with the reason of the syntax error) and 3070 (unknown name).
 CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultColumn>& columns);

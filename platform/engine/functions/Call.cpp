@@ -47,23 +47,11 @@ void SetResult(sqlite3_context* context, const Value& value) {
 }
 
 Value Call(const ScalarFunction& function, const Arguments& arguments) {
-    switch (function.nulls) {
-    case Nulls::Taken:
-        break;
-    case Nulls::Refused:
-        if (arguments.IsNull(0))
-            runtime::Raise(runtime::InvalidUseOfNull);
-        break;
-    case Nulls::First:
-        if (arguments.IsNull(0))
-            return {};
-        break;
-    case Nulls::Any:
-        if (arguments.AnyNull())
-            return {};
-        break;
-    }
-    return function.call(arguments);
+    const bool isNull = function.nulls == Nulls::Any ? arguments.AnyNull()
+                                                     : function.nulls != Nulls::Taken && arguments.IsNull(0);
+    if (isNull && function.nulls == Nulls::Refused)
+        runtime::Raise(runtime::InvalidUseOfNull);
+    return isNull ? Value() : function.call(arguments);
 }
 
 void CallScalar(sqlite3_context* context, int count, sqlite3_value** values) {

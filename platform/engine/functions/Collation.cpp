@@ -19,51 +19,28 @@ namespace {
 
 constexpr std::size_t foldedRange = 0x530;
 
-/// Small letters of a run of capitals that lie a fixed distance before them.
-constexpr void FoldBlock(std::array<char16_t, foldedRange>& table, char16_t first, char16_t last,
-                         char16_t distance) {
-    for (char16_t unit = first; unit <= last; ++unit)
-        table[unit] = static_cast<char16_t>(unit + distance);
-}
-
-/// Small letters of a run in which every capital is followed by its small letter.
-constexpr void FoldPairs(std::array<char16_t, foldedRange>& table, char16_t first, char16_t last) {
-    for (char16_t unit = first; unit <= last; unit = static_cast<char16_t>(unit + 2))
-        table[unit] = static_cast<char16_t>(unit + 1);
-}
+/// A run of capitals that lie a fixed distance before their small letters; where that is 1, each is followed
+/// by its own. The multiplication sign, dotted I and dotless i are in none; the final sigma is.
+struct Capitals {
+    char16_t first;
+    char16_t last;
+    int distance;
+};
+constexpr auto capitals = std::to_array<Capitals>(
+    {{u'A', u'Z', 32},     {0x00C0, 0x00D6, 32}, {0x00D8, 0x00DE, 32}, {0x0100, 0x012E, 1},
+     {0x0132, 0x0136, 1},  {0x0139, 0x0147, 1},  {0x014A, 0x0176, 1},  {0x0178, 0x0178, -121},
+     {0x0179, 0x017D, 1},  {0x0386, 0x0386, 38}, {0x0388, 0x038A, 37}, {0x038C, 0x038C, 64},
+     {0x038E, 0x038F, 63}, {0x0391, 0x03A1, 32}, {0x03A3, 0x03AB, 32}, {0x03C2, 0x03C2, 1},
+     {0x0400, 0x040F, 80}, {0x0410, 0x042F, 32}, {0x0460, 0x0480, 1},  {0x048A, 0x04BE, 1},
+     {0x04C0, 0x04C0, 15}, {0x04C1, 0x04CD, 1},  {0x04D0, 0x052E, 1}});
 
 constexpr std::array<char16_t, foldedRange> MakeFoldTable() {
     std::array<char16_t, foldedRange> table{};
     for (std::size_t unit = 0; unit < table.size(); ++unit)
         table[unit] = static_cast<char16_t>(unit);
-
-    FoldBlock(table, u'A', u'Z', 32);
-
-    FoldBlock(table, 0x00C0, 0x00DE, 32);
-    table[0x00D7] = 0x00D7; // the multiplication sign lies among the capitals
-
-    FoldPairs(table, 0x0100, 0x012E);
-    FoldPairs(table, 0x0132, 0x0136); // dotted I and dotless i stay themselves
-    FoldPairs(table, 0x0139, 0x0147);
-    FoldPairs(table, 0x014A, 0x0176);
-    table[0x0178] = 0x00FF;
-    FoldPairs(table, 0x0179, 0x017D);
-
-    table[0x0386] = 0x03AC;
-    FoldBlock(table, 0x0388, 0x038A, 37);
-    table[0x038C] = 0x03CC;
-    FoldBlock(table, 0x038E, 0x038F, 63);
-    FoldBlock(table, 0x0391, 0x03A1, 32);
-    FoldBlock(table, 0x03A3, 0x03AB, 32);
-    table[0x03C2] = 0x03C3; // the final sigma
-
-    FoldBlock(table, 0x0400, 0x040F, 80);
-    FoldBlock(table, 0x0410, 0x042F, 32);
-    FoldPairs(table, 0x0460, 0x0480);
-    FoldPairs(table, 0x048A, 0x04BE);
-    table[0x04C0] = 0x04CF;
-    FoldPairs(table, 0x04C1, 0x04CD);
-    FoldPairs(table, 0x04D0, 0x052E);
+    for (const Capitals& run : capitals)
+        for (int unit = run.first; unit <= run.last; unit += run.distance == 1 ? 2 : 1)
+            table[static_cast<std::size_t>(unit)] = static_cast<char16_t>(unit + run.distance);
     return table;
 }
 
@@ -89,53 +66,12 @@ constexpr std::u16string_view firstLevel =
     u"ԧѡѿѽѻцҵчԭҷӌҹҽҿџшщъыьҍѣэюяԙѥѧѫѩѭѯѱѳѵҩԝӏ"
     u"aæbcdefghiĳıjklmnŋoœpqĸrsßtŧuvwxyzþŉ\u00B5";
 
-struct Variants {
-    char16_t letter;
-    std::u16string_view others; ///< which stand with it, and behind it where nothing else differs
-};
-constexpr auto secondLevel = std::to_array<Variants>({
-    {u' ', u"\u00A0\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A\u202F"},
-    {u'\u2010', u"\u2011"},
-    {u'.', u"\u2024"},
-    {u'1', u"¹"},
-    {u'2', u"²"},
-    {u'3', u"³"},
-    {u'а', u"ӑӓ"},
-    {u'ә', u"ӛ"},
-    {u'г', u"ѓґ"},
-    {u'е', u"ѐӗё"},
-    {u'ж', u"ӂӝ"},
-    {u'з', u"ӟ"},
-    {u'и', u"ѝӥӣ"},
-    {u'і', u"ї"},
-    {u'к', u"ќ"},
-    {u'о', u"ӧ"},
-    {u'ө', u"ӫ"},
-    {u'у', u"ўӱӳӯ"},
-    {u'ч', u"ӵ"},
-    {u'ы', u"ӹ"},
-    {u'э', u"ӭ"},
-    {u'ѵ', u"ѷ"},
-    {u'a', u"ªáàăâåäãąā"},
-    {u'c', u"ćĉčċç"},
-    {u'd', u"ďđð"},
-    {u'e', u"éèĕêěëėęē"},
-    {u'g', u"ğĝġģ"},
-    {u'h', u"ĥħ"},
-    {u'i', u"íìĭîïĩİįī"},
-    {u'j', u"ĵ"},
-    {u'k', u"ķ"},
-    {u'l', u"ĺľļłŀ"},
-    {u'n', u"ńňñņ"},
-    {u'o', u"ºóòŏôöőõøō"},
-    {u'r', u"ŕřŗ"},
-    {u's', u"śŝšşſ"},
-    {u't', u"ťţ"},
-    {u'u', u"úùŭûůüűũųū"},
-    {u'w', u"ŵ"},
-    {u'y', u"ýŷÿ"},
-    {u'z', u"źžż"},
-});
+// Each letter with those that stand with it, and behind it where nothing else differs.
+constexpr std::u16string_view secondLevel =
+    u" \u00A0\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A\u202F|\u2010\u2011|"
+    u".\u2024|1¹|2²|3³|аӑӓ|әӛ|гѓґ|еѐӗё|жӂӝ|зӟ|иѝӥӣ|ії|кќ|оӧ|өӫ|уўӱӳӯ|чӵ|ыӹ|эӭ|ѵѷ|aªáàăâåäãąā|"
+    u"cćĉčċç|dďđð|eéèĕêěëėęē|gğĝġģ|hĥħ|iíìĭîïĩİįī|jĵ|kķ|lĺľļłŀ|nńňñņ|oºóòŏôöőõøō|rŕřŗ|sśŝšşſ|"
+    u"tťţ|uúùŭûůüűũųū|wŵ|yýŷÿ|zźžż";
 
 /// What a character weighs; no first weight: it is in no table.
 struct Weight {
@@ -158,10 +94,14 @@ constexpr Weights MakeWeights() {
     std::uint16_t first = 0;
     for (const char16_t unit : firstLevel)
         At(weights, unit).first = ++first;
-    for (const Variants& variants : secondLevel) {
-        std::uint16_t second = 0;
-        for (const char16_t unit : variants.others)
-            At(weights, unit) = {At(weights, variants.letter).first, ++second};
+    Weight last;
+    for (const char16_t unit : secondLevel) {
+        if (unit == u'|')
+            last = {};
+        else if (last.first == 0)
+            last = At(weights, unit);
+        else
+            At(weights, unit) = {last.first, ++last.second};
     }
     for (char16_t unit = 0; unit < foldedRange; ++unit)
         if (foldTable[unit] != unit)

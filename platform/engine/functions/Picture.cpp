@@ -2,7 +2,7 @@
 
 #include "platform/engine/schema/Types.h"
 
-#include <array>
+#include <algorithm>
 
 namespace engine::functions {
 
@@ -48,16 +48,11 @@ Picture::Kind Picture::KindOf() const {
 }
 
 std::size_t HalfDayLength(Section section, std::size_t place) {
-    static constexpr std::array<QStringView, 3> known{u"AM/PM", u"AMPM", u"A/P"};
-    for (const QStringView sign : known) {
-        const auto length = static_cast<std::size_t>(sign.size());
-        if (place + length > section.size())
-            continue;
-        bool same = true;
-        for (std::size_t i = 0; same && i < length; ++i)
-            same = section[place + i].Is(sign[static_cast<qsizetype>(i)].toLower().unicode());
-        if (same)
-            return length;
+    const auto isSame = [](QChar letter, const Sign& sign) { return sign.Is(letter.unicode()); };
+    for (const QStringView known : {u"am/pm", u"ampm", u"a/p"}) {
+        const auto difference = std::ranges::mismatch(known, section.subspan(place), isSame);
+        if (difference.in1 == known.end())
+            return static_cast<std::size_t>(known.size());
     }
     return 0;
 }

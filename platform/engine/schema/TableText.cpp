@@ -207,16 +207,14 @@ QString CreateTableText(const TableInfo& table, const QString& name) {
     const int rowNumber = table.RowNumberColumn();
     const bool isRowNumber = table.IsKey(rowNumber);
     const IndexInfo* key = table.PrimaryKey();
-    if (key && isRowNumber && IsNamedKey(table, rowNumber)) {
-        const bool counts = table.CounterColumn() >= 0;
-        parts += u"CONSTRAINT %1 PRIMARY KEY (%2%3)"_s.arg(QuoteName(key->name), QuoteNames(key->columns),
-                                                           counts ? u" AUTOINCREMENT"_s : QString());
-    } else if (key && !isRowNumber) {
+    if (key && (!isRowNumber || IsNamedKey(table, rowNumber))) {
         // SQLite takes one primary key, and a counter is it.
-        const bool besideCounter = rowNumber >= 0;
-        parts += u"CONSTRAINT %1 %2 (%3)"_s.arg(
+        const bool besideCounter = !isRowNumber && rowNumber >= 0;
+        const bool counts = isRowNumber && table.CounterColumn() >= 0;
+        parts += u"CONSTRAINT %1 %2 (%3%4)"_s.arg(
             QuoteName(besideCounter ? primaryKeyMark.toString() + key->name : key->name),
-            besideCounter ? u"UNIQUE"_s : u"PRIMARY KEY"_s, QuoteNames(key->columns));
+            besideCounter ? u"UNIQUE"_s : u"PRIMARY KEY"_s, QuoteNames(key->columns),
+            counts ? u" AUTOINCREMENT"_s : QString());
     }
     return u"CREATE TABLE %1 (%2) STRICT"_s.arg(QuoteName(name), parts.join(QLatin1String(", ")));
 }

@@ -72,7 +72,8 @@ private:
     Bound BindSwitch(const Node& node);
     Bound BindChoose(const Node& node);
     Bound BindFunction(const Node& node);
-    [[noreturn]] void FailArguments(const Node& node) const;
+    /// Failure 3075 unless their number is right.
+    void ExpectArguments(const Node& node, bool right) const;
 
     Context& m_context;
     const Scope& m_scope;

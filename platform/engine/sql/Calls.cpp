@@ -87,8 +87,9 @@ bool ExpressionBinder::IsAggregate(const QString& name) {
     return FindAggregate(name) != nullptr;
 }
 
-void ExpressionBinder::FailArguments(const Node& node) const {
-    m_context.RaiseSyntax(node, u"Функция использована с неверным числом аргументов"_s);
+void ExpressionBinder::ExpectArguments(const Node& node, bool right) const {
+    if (!right)
+        m_context.RaiseSyntax(node, u"Функция использована с неверным числом аргументов"_s);
 }
 
 Bound ExpressionBinder::BindCall(const Node& node) {
@@ -103,8 +104,7 @@ Bound ExpressionBinder::BindCall(const Node& node) {
     if (Names(u"CHOOSE", node.name))
         return BindChoose(node);
     if (Names(u"ISNULL", node.name)) {
-        if (node.children.size() != 1)
-            FailArguments(node);
+        ExpectArguments(node, node.children.size() == 1);
         return BindIsNull(*node.children[0], false);
     }
     return BindFunction(node);
@@ -120,8 +120,7 @@ TermPtr ExpressionBinder::Filtered(const QString& form, std::vector<Operand> ope
 Bound ExpressionBinder::BindAggregate(const Node& node) {
     const Aggregate& aggregate = *FindAggregate(node.name);
     const bool counts = aggregate.result == Aggregate::Whole;
-    if (node.all ? !counts : node.children.size() != 1)
-        FailArguments(node);
+    ExpectArguments(node, node.all ? counts : node.children.size() == 1);
     if (m_aggregateFailure != 0)
         RaiseEngine(m_aggregateFailure, m_context.Text(node).toString());
     m_sawAggregate = true;
@@ -170,8 +169,7 @@ Bound ExpressionBinder::BindIif(const Node& node) {
     std::vector<Branch> branches;
     const Node* current = &node;
     for (;;) {
-        if (current->children.size() != 3)
-            FailArguments(*current);
+        ExpectArguments(*current, current->children.size() == 3);
         const Bound condition = Condition(*current->children[0]);
         branches.push_back({u" WHEN % THEN "_s, {condition}, Value(*current->children[1])});
         const Node& otherwise = *current->children[2];
@@ -184,8 +182,7 @@ Bound ExpressionBinder::BindIif(const Node& node) {
 }
 
 Bound ExpressionBinder::BindSwitch(const Node& node) {
-    if (node.children.empty() || node.children.size() % 2 != 0)
-        FailArguments(node);
+    ExpectArguments(node, !node.children.empty() && node.children.size() % 2 == 0);
     std::vector<Branch> branches;
     for (std::size_t i = 0; i < node.children.size(); i += 2) {
         const Bound condition = Condition(*node.children[i]);
@@ -195,8 +192,7 @@ Bound ExpressionBinder::BindSwitch(const Node& node) {
 }
 
 Bound ExpressionBinder::BindChoose(const Node& node) {
-    if (node.children.size() < 2)
-        FailArguments(node);
+    ExpectArguments(node, node.children.size() >= 2);
     const Bound index = Value(*node.children[0]);
     std::vector<Branch> branches;
     for (std::size_t i = 1; i < node.children.size(); ++i)
@@ -209,8 +205,7 @@ Bound ExpressionBinder::BindFunction(const Node& node) {
     if (!info)
         RaiseEngine(UndefinedFunction, node.name);
     const int count = static_cast<int>(node.children.size());
-    if (count < info->minArguments || count > info->maxArguments)
-        FailArguments(node);
+    ExpectArguments(node, count >= info->minArguments && count <= info->maxArguments);
     const bool readsText =
         std::ranges::any_of(textFunctions,
                             [&](std::u16string_view name) { return Names(name, node.name); }) ||

@@ -121,10 +121,9 @@ private:
 };
 
 /// Settles TRANSFORM: one row for each group, one column for each value of the pivot, which is an aggregate
-/// with FILTER. `headings`: the values that the rows have told, null if they have not been asked yet; the
-/// query for them is bound then, and `asks` set.
-BoundSelect BindTransform(Context& context, const Transform& transform, const Query& query,
-                          const std::vector<Heading>* headings, bool& asks);
+/// with FILTER. `headings`: the values that the rows have told, null if they have not been asked yet.
+BoundTransform BindTransform(Context& context, const Transform& transform, const Query& query,
+                             const std::vector<Heading>* headings);
 
 // Each tells the plan its verb and its target.
 BoundInsert BindInsert(Context& context, const Insert& insert, Plan& plan);

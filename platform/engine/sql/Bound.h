@@ -172,6 +172,12 @@ struct BoundQuery {
     bool singleRow = false;              ///< never more than one row
 };
 
+/// TRANSFORM, or the query for its headings where only the rows tell them.
+struct BoundTransform {
+    BoundSelect select;
+    bool asks = false; ///< it is the query for the headings
+};
+
 /// A value on its way into a column, converted to its type.
 struct NewValue {
     int column = 0; ///< place in the table

@@ -82,8 +82,8 @@ BoundSelect HeadingsOf(BoundSelect rows, const Bound& pivot, const QString& alia
 
 } // namespace
 
-BoundSelect BindTransform(Context& context, const Transform& transform, const Query& query,
-                          const std::vector<Heading>* headings, bool& asks) {
+BoundTransform BindTransform(Context& context, const Transform& transform, const Query& query,
+                             const std::vector<Heading>* headings) {
     const Select* select = query.parts.size() == 1 ? query.parts.front().select.get() : nullptr;
     if (!select || select->groupBy.empty() || select->distinct || select->top > 0 || !select->into.isEmpty())
         RaiseEngine(SyntaxInTransform);
@@ -96,9 +96,8 @@ BoundSelect BindTransform(Context& context, const Transform& transform, const Qu
     context.RaiseMistakes();
     if (!values.SawAggregate() || !scope.IsDecided(*transform.value, select->groupBy))
         RaiseEngine(NotInAggregate, context.Text(*transform.value).toString());
-    asks = transform.headings.empty() && !headings;
-    if (asks)
-        return HeadingsOf(std::move(bound), pivot, context.NewAlias());
+    if (transform.headings.empty() && !headings)
+        return {HeadingsOf(std::move(bound), pivot, context.NewAlias()), true};
     const auto columns = headings ? ToldColumns(*headings, pivot) : ListedColumns(transform, pivots);
     if (columns.size() + bound.columns.size() > mostColumns)
         RaiseEngine(QueryTooComplex);
@@ -113,7 +112,7 @@ BoundSelect BindTransform(Context& context, const Transform& transform, const Qu
         bound.columns.push_back({column.name, value.As(value.type, cell)});
     }
     context.RaiseMistakes();
-    return bound;
+    return {std::move(bound)};
 }
 
 } // namespace engine::sql

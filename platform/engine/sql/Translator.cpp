@@ -54,11 +54,10 @@ void TranslateSelect(Context& context, const Query& query, Plan& plan) {
 
 void TranslateTransform(Context& context, const Statement& statement, const std::vector<Heading>* headings,
                         Plan& plan) {
-    bool asks = false;
-    const BoundSelect bound = BindTransform(context, *statement.transform, *statement.query, headings, asks);
-    (asks ? plan.headingsText : plan.text) = Writer().Text(bound);
+    const auto [select, asks] = BindTransform(context, *statement.transform, *statement.query, headings);
+    (asks ? plan.headingsText : plan.text) = Writer().Text(select);
     if (!asks)
-        AddColumns(bound.columns, plan);
+        AddColumns(select.columns, plan);
 }
 
 void TranslateQuery(Context& context, const Statement& statement, Purpose purpose,

@@ -31,9 +31,6 @@ DayColours ColoursOn(const QPalette& palette) {
     return {QColor(0x0b, 0x4f, 0xc4), QColor(0xb0, 0x20, 0x10)};
 }
 
-constexpr auto BackArrow = u"qt_calendar_prevmonth";
-constexpr auto ForthArrow = u"qt_calendar_nextmonth";
-
 QPixmap Chevron(bool back, const QColor& colour, qreal ratio) {
     constexpr int Size = 16;
     QPixmap picture(QSize(Size, Size) * ratio);
@@ -62,16 +59,7 @@ MonthView::MonthView(QWidget* parent)
     setDateEditEnabled(false);
     setDateRange(FirstControlDate(), LastControlDate());
     ApplyColours();
-    DrawArrows();
-
-    const auto nameArrow = [this](QStringView arrow, const QString& text) {
-        if (auto* button = findChild<QToolButton*>(arrow.toString())) {
-            button->setAccessibleName(text);
-            button->setToolTip(text);
-        }
-    };
-    nameArrow(BackArrow, QStringLiteral("Предыдущий месяц"));
-    nameArrow(ForthArrow, QStringLiteral("Следующий месяц"));
+    MakeArrows();
 
     connect(this, &QCalendarWidget::currentPageChanged, this, &MonthView::FollowPage);
     connect(this, &QCalendarWidget::selectionChanged, this, &MonthView::FollowSelection);
@@ -124,7 +112,7 @@ void MonthView::changeEvent(QEvent* event) {
     QCalendarWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
         ApplyColours();
-        DrawArrows();
+        MakeArrows();
     }
 }
 
@@ -211,18 +199,21 @@ void MonthView::ApplyColours() {
 }
 
 /// As the name of the month between them: in the title's colour, under the pointer in that of a button.
-void MonthView::DrawArrows() {
-    for (const QStringView arrow : {BackArrow, ForthArrow}) {
-        auto* button = findChild<QToolButton*>(arrow.toString());
+void MonthView::MakeArrows() {
+    const auto make = [this](const QString& name, bool back, const QString& text) {
+        auto* button = findChild<QToolButton*>(name);
         if (!button)
-            continue;
-        QIcon icon;
-        const bool back = arrow == BackArrow;
+            return;
         const qreal ratio = devicePixelRatioF();
+        QIcon icon;
         icon.addPixmap(Chevron(back, palette().color(QPalette::HighlightedText), ratio), QIcon::Normal);
         icon.addPixmap(Chevron(back, palette().color(QPalette::ButtonText), ratio), QIcon::Active);
         button->setIcon(icon);
-    }
+        button->setAccessibleName(text);
+        button->setToolTip(text);
+    };
+    make(QStringLiteral("qt_calendar_prevmonth"), true, QStringLiteral("Предыдущий месяц"));
+    make(QStringLiteral("qt_calendar_nextmonth"), false, QStringLiteral("Следующий месяц"));
 }
 
 QString MonthView::MarkedText() {

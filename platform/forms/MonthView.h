@@ -52,7 +52,7 @@ private:
     void FollowSelection();
     bool TurnYear(const QKeyEvent& key);
     void NameValue();
-    void DrawArrows();
+    void MakeArrows();
     void ApplyColours();
     QTextCharFormat BoldFormat() const;
 

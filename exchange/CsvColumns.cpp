@@ -6,14 +6,14 @@ namespace exchange {
 
 std::span<const CsvColumnDesign> CsvColumns() {
     static const CsvColumnDesign columns[] = {
-        {CsvColumn::FirstName, QStringLiteral("First Name"), 2, QStringLiteral("Имя")},
-        {CsvColumn::LastName, QStringLiteral("Last Name"), 1, QStringLiteral("Фамилия")},
-        {CsvColumn::MiddleName, QStringLiteral("Middle Name"), 3, QStringLiteral("Отчество")},
-        {CsvColumn::Name, QStringLiteral("Name"), 4, QStringLiteral("ФИО")},
-        {CsvColumn::HomePhone, QStringLiteral("Home Phone"), 5, QStringLiteral("Домашний телефон"), 1},
-        {CsvColumn::MobilePhone, QStringLiteral("Mobile Phone"), 6, QStringLiteral("Мобильный телефон"), 2},
-        {CsvColumn::BusinessPhone, QStringLiteral("Business Phone"), 7, QStringLiteral("Рабочий телефон"), 3},
-        {CsvColumn::Notes, QStringLiteral("Notes"), 8, QStringLiteral("Заметка")},
+        {CsvColumn::FirstName, 2, QStringLiteral("First Name"), QStringLiteral("Имя")},
+        {CsvColumn::LastName, 1, QStringLiteral("Last Name"), QStringLiteral("Фамилия")},
+        {CsvColumn::MiddleName, 3, QStringLiteral("Middle Name"), QStringLiteral("Отчество")},
+        {CsvColumn::Name, 4, QStringLiteral("Name"), QStringLiteral("ФИО")},
+        {CsvColumn::HomePhone, 5, QStringLiteral("Home Phone"), QStringLiteral("Домашний телефон"), 1},
+        {CsvColumn::MobilePhone, 6, QStringLiteral("Mobile Phone"), QStringLiteral("Мобильный телефон"), 2},
+        {CsvColumn::BusinessPhone, 7, QStringLiteral("Business Phone"), QStringLiteral("Рабочий телефон"), 3},
+        {CsvColumn::Notes, 8, QStringLiteral("Notes"), QStringLiteral("Заметка")},
     };
     return columns;
 }

@@ -12,9 +12,9 @@ enum class CsvColumn { FirstName, LastName, MiddleName, Name, HomePhone, MobileP
 
 struct CsvColumnDesign {
     CsvColumn column;
-    QString header;    ///< in the first line of a file
     int item;          ///< place in the list of the export's dialog, from 1
-    QString caption;   ///< there
+    QString header;    ///< in the first line of a file
+    QString caption;   ///< in that list
     int phoneCode = 0; ///< of a phone
 };
 

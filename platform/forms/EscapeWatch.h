@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QEvent>
+#include <QObject>
 #include <QPointer>
 
 #include <memory>

@@ -147,10 +147,7 @@ protected:
                              const auto handle = [&] {
                                  if constexpr (std::is_base_of_v<QPushButton, Sender>)
                                      form->ApplyLeavingRules();
-                                 if constexpr (std::is_invocable_v<const Handler&, decltype(arguments)...>)
-                                     handler(std::forward<decltype(arguments)>(arguments)...);
-                                 else
-                                     handler();
+                                 Hand(handler, std::forward<decltype(arguments)>(arguments)...);
                              };
                              form->Dispatch(handle, head);
                          });
@@ -211,6 +208,15 @@ private:
     virtual QWidget* MakeSurface();
     /// Runs before Form_Unload of this form.
     virtual void UnloadDependants() {}
+
+    /// Calls a handler that takes all arguments of the signal or none.
+    template <class Handler, class... Arguments>
+    static void Hand(const Handler& handler, Arguments&&... arguments) {
+        if constexpr (std::is_invocable_v<const Handler&, Arguments...>)
+            handler(std::forward<Arguments>(arguments)...);
+        else
+            handler();
+    }
 
     void Terminate();
     static void KeepForever(std::shared_ptr<Form> form);

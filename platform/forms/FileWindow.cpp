@@ -3,6 +3,7 @@
 #include "platform/forms/Asking.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/MsgBox.h"
+#include "platform/runtime/System.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -41,12 +42,13 @@ protected:
 FileWindow::FileWindow(QWidget* owner, bool save, int flags)
     : QFileDialog(owner, save ? QStringLiteral("Сохранить как") : QStringLiteral("Открыть"))
     , m_flags(flags) {
-    // The toolkit's own dialog: the system's, also through a portal, asks about overwriting before the
-    // callers do, tells the name only when it has closed, behind which a refused one cannot be mended, and
-    // may speak another language.
-    setOption(DontUseNativeDialog);
+    setOption(DontUseNativeDialog, !runtime::OffersFileDialogs());
     setOption(DontConfirmOverwrite);
     setAcceptMode(save ? AcceptSave : AcceptOpen);
+    if (IsSystems()) {
+        setFileMode((flags & cdlOFNFileMustExist) != 0 ? ExistingFile : AnyFile);
+        return;
+    }
     setFileMode(AnyFile); // what has to exist is checked here
     AddPlaces();
     WidenColumns();
@@ -104,9 +106,13 @@ void FileWindow::WidenColumns() {
     resize(wanted.boundedTo(screen()->availableSize() * 0.9));
 }
 
+bool FileWindow::IsSystems() const {
+    return !findChild<QTreeView*>(QStringLiteral("treeView"));
+}
+
 void FileWindow::accept() {
     const QString path = selectedFiles().value(0);
-    if (QFileInfo(path).isDir() || IsAcceptable(path))
+    if (IsSystems() || QFileInfo(path).isDir() || IsAcceptable(path))
         QFileDialog::accept();
 }
 

@@ -25,6 +25,8 @@ private:
     void AddPlaces();
     /// Wide enough for what the columns hold, if the user has not made them wider.
     void WidenColumns();
+    /// It is the system's own, which checks the name by itself.
+    bool IsSystems() const;
     bool IsAcceptable(const QString& path) const;
 
     int m_flags;

@@ -38,7 +38,11 @@ void Disk::Use(Disk* disk) {
 }
 
 bool Stands(const QString& path, std::error_code& error) {
-    return std::filesystem::exists(std::filesystem::symlink_status(path.toStdU16String(), error));
+    if (IsPossiblePath(path))
+        return std::filesystem::exists(
+            std::filesystem::symlink_status(NativePath(path).toStdU16String(), error));
+    error = std::make_error_code(std::errc::filename_too_long);
+    return false;
 }
 
 bool Stands(const QString& path) {

@@ -69,10 +69,13 @@ public:
     /// followed.
     Result TakeAlone(const QString& path);
 
+    /// Gives the mark back where the system would not let the file be replaced under it.
+    void MakeWay();
+
     /// Whether another program holds any lock on the file.
     static bool IsLocked(const QString& path);
     /// The same where programs of other makes count: also one that has locked the file as a whole or, where
-    /// the system tells that, has it open at all. Links are followed.
+    /// the system tells that, has it open for writing. Links are followed.
     static bool IsInUse(const QString& path);
 
 private:

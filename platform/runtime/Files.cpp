@@ -36,11 +36,13 @@ std::map<FileIdentity, HeldFile>& OpenDatabases() {
 void CheckWellFormed(const QString& path) {
     if (path.isEmpty() || !IsPossiblePath(path))
         Raise(BadFileName);
+    if (NamesDevice(path))
+        Raise(PathFileAccess);
 }
 
 /// No folder, device or pipe: opening one of these could block or do harm.
 void CheckRegular(const QFileInfo& info) {
-    if (!info.isFile() || NamesDevice(info.filePath()))
+    if (!info.isFile())
         Raise(PathFileAccess);
 }
 

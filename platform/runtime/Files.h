@@ -30,13 +30,15 @@ public:
     const QString& Path() const { return m_path; }
     /// Whether it is this very file that stands at its path.
     bool Stands() const;
+    /// To be called right before another file takes its place.
+    void MakeWay() const { m_mark.MakeWay(); }
     /// Deletes it if it stands there. Failures 70 and 75 as Kill.
     void Delete() const;
 
 private:
     QString m_path;
     FileIdentity m_identity;
-    FileMark m_mark;
+    mutable FileMark m_mark;
 };
 
 /// The files that this process holds open as databases, by identity (device and file number), not by path.

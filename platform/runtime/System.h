@@ -17,6 +17,8 @@ void ForgetLastError();
 
 /// Whether the system could take the text for the path of a file at all.
 bool IsPossiblePath(const QString& path);
+/// The path as the system's calls take it, however long it is.
+QString NativePath(const QString& path);
 /// Whether the path names a device by its words alone.
 bool NamesDevice(const QString& path);
 /// Whether the user may make files in the folder.
@@ -26,6 +28,9 @@ bool IsSystemFolder(const QString& folder);
 
 /// Hides a file whose name begins with a dot, where that alone does not do it.
 void MarkHidden(const QString& path);
+
+/// Whether people know the system's own file dialogs, and these check and do not ask what our callers do.
+bool OffersFileDialogs();
 
 /// Opens a file for reading without ever waiting, whatever kind of file it is.
 std::error_code OpenAtOnce(QFile& file);

@@ -201,7 +201,7 @@ TEST_F(Install, AnExistingFileIsPickedUnlooked) {
         [&](test::Answers& boxes) {
             boxes.File(path, [](QFileDialog& dialog) {
                 EXPECT_EQ(dialog.nameFilters(), QStringList({QStringLiteral("База данных Access (*.mdb)")}));
-                EXPECT_EQ(dialog.directory().absolutePath(), runtime::ProgramFolder());
+                EXPECT_EQ(dialog.directory(), QDir(runtime::ProgramFolder()));
             });
         });
     EXPECT_EQ(tag, QStringLiteral("1"));

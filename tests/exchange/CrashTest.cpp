@@ -16,7 +16,7 @@ const QStringList Columns{"Last Name", "Home Phone", "Mobile Phone", "Business P
 
 /// The folder that the parent hands to its child.
 QString Handed(const QString& name) {
-    return test::HandedOver() + u'/' + name;
+    return QDir::toNativeSeparators(test::HandedOver() + u'/' + name);
 }
 
 /// The child's tests: run by the parent alone.

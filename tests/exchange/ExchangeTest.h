@@ -5,6 +5,7 @@
 #include "shared/Declaration.h"
 #include "tests/support/WindowTest.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -21,7 +22,9 @@ protected:
     }
 
     /// A file in the folder of the book.
-    QString Beside(const QString& name) const { return QFileInfo(bookPath).path() + u'/' + name; }
+    QString Beside(const QString& name) const {
+        return QDir::toNativeSeparators(QFileInfo(bookPath).path() + u'/' + name);
+    }
 
     static void Execute(const QString& sql) { gDatabase->Execute(sql, engine::dbFailOnError); }
 

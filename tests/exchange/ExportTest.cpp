@@ -253,10 +253,9 @@ TEST_F(ExportTest, FailuresEndInTheBox) {
         ASSERT_TRUE(QFile::remove(path));
     }
     // The working database, under another spelling and through a link: nothing happens to either.
-    const QString spelled = Beside("sub/book.mdb");
-    ASSERT_TRUE(QFile::link(QFileInfo(bookPath).path(), Beside("sub")));
+    const QString spelled = test::SpelledOtherwise(bookPath);
     const QString link = Beside("link.csv");
-    ASSERT_TRUE(QFile::link(bookPath, link));
+    ASSERT_TRUE(test::LinkByName(bookPath, link) || test::LinkFile(bookPath, link));
     const QStringList cards = Cards();
     // So it is for the book that another program has open.
     const QString other = Beside("other.mdb");
@@ -272,7 +271,7 @@ TEST_F(ExportTest, FailuresEndInTheBox) {
     }
     EXPECT_EQ(Cards(), cards);
     EXPECT_EQ(test::Integrity(bookPath), QStringLiteral("ok"));
-    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_TRUE(QFile::exists(link));
     EXPECT_EQ(test::ReadBytes(other), "book");
 }
 

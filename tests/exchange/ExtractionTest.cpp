@@ -1,5 +1,6 @@
 #include "exchange/ExtractToAnotherDB.h"
 #include "tests/exchange/ExchangeTest.h"
+#include "tests/support/System.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -118,14 +119,13 @@ TEST_F(ExtractionTest, TheFileQuestions) {
 
 TEST_F(ExtractionTest, TheWorkingDatabaseByAnotherNameIsNotDeleted) {
     AddCard(1, "Ааа");
-    ASSERT_TRUE(QFile::link(QFileInfo(bookPath).path(), Beside("sub")));
     const QString link = Beside("link.mdb");
-    ASSERT_TRUE(QFile::link(bookPath, link));
+    ASSERT_TRUE(test::LinkByName(bookPath, link) || test::LinkFile(bookPath, link));
     const QStringList cards = Cards();
     const QByteArray bytes = test::ReadBytes(bookPath);
     const QString hidden = Beside(".hidden.mdb");
-    ASSERT_TRUE(QFile::link(bookPath, hidden));
-    for (const QString& path : {Beside("sub/book.mdb"), link, hidden}) {
+    ASSERT_TRUE(test::LinkByName(bookPath, hidden) || test::LinkFile(bookPath, hidden));
+    for (const QString& path : {test::SpelledOtherwise(bookPath), link, hidden}) {
         test::Answers answers;
         answers.File(path)
             .Question(QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(path), true, false)
@@ -133,7 +133,7 @@ TEST_F(ExtractionTest, TheWorkingDatabaseByAnotherNameIsNotDeleted) {
         exchange::ExtractToAnotherDB(*list, AllCards);
         EXPECT_TRUE(answers.Done());
     }
-    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_TRUE(QFile::exists(link));
     EXPECT_EQ(test::ReadBytes(bookPath), bytes);
     AddCard(2, "Ббб");
     EXPECT_EQ(Cards().size(), 2);

@@ -1,5 +1,7 @@
 #include "tests/exchange/ImportMaster.h"
 
+#include "platform/runtime/Failure.h"
+#include "platform/runtime/System.h"
 #include "tests/support/ShortLockWait.h"
 #include "tests/support/WindowWalk.h"
 
@@ -50,7 +52,8 @@ TEST_F(ImportMasterTest, TheFileHasToBeKnown) {
     // A blank in front passes the test of the path, not the opening.
     master.TypeFile(u' ' + path);
     test::Answers answers;
-    answers.BoxStarting(Box.arg("tabImport_Click").arg(53), forms::Icon::Critical);
+    const int missing = runtime::IsPossiblePath(u' ' + path) ? runtime::FileNotFound : runtime::BadFileName;
+    answers.BoxStarting(Box.arg("tabImport_Click").arg(missing), forms::Icon::Critical);
     master.Go(2);
     EXPECT_EQ(master.Tabs().currentIndex(), 2);
     EXPECT_TRUE(master.Items().isEmpty());

@@ -164,7 +164,7 @@ protected:
     static std::map<QString, QStringList> ReportOf(QProcess& program) {
         constexpr int longest = 110'000; // milliseconds
         EXPECT_TRUE(program.waitForFinished(longest));
-        const QString output = QString::fromUtf8(program.readAllStandardOutput());
+        const QString output = QString::fromUtf8(program.readAllStandardOutput()).remove(u'\r');
         EXPECT_EQ(program.exitCode(), 0) << output.toStdString();
         std::map<QString, QStringList> report;
         for (const QString& line : output.split(u'\n')) {

@@ -2,6 +2,7 @@
 
 #include "platform/runtime/Disk.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -225,6 +226,11 @@ std::error_code ErrorOf(int code) {
     }
 }
 
+/// As SQLite names the file.
+std::string KeyOf(const QString& path) {
+    return QDir::toNativeSeparators(path).toStdString();
+}
+
 /// The same faults for the files that the program makes without SQLite.
 class FaultyDisk final : public runtime::Disk {
     using Call = FaultyFiles::Call;
@@ -233,7 +239,7 @@ class FaultyDisk final : public runtime::Disk {
         for (const Call call : {Call::Open, Call::Write, Call::Sync})
             if (const auto error = ErrorOf(Judge(call)))
                 return error;
-        disk[QFile::encodeName(path).toStdString()] = {true, false, bytes.toStdString(), {}};
+        disk[KeyOf(path)] = {true, false, bytes.toStdString(), {}};
         return Disk::Write(path, bytes);
     }
     std::error_code Sync(const QString& path) override {
@@ -243,7 +249,7 @@ class FaultyDisk final : public runtime::Disk {
         if (folder)
             renamings.clear();
         else
-            test::Sync(FindOnDisk(QFile::encodeName(path).constData()));
+            test::Sync(FindOnDisk(KeyOf(path).c_str()));
         return {};
     }
     std::error_code Name(const QString& path, const QString& name) override {
@@ -252,8 +258,8 @@ class FaultyDisk final : public runtime::Disk {
     std::error_code Rename(const QString& path, const QString& name) override {
         if (const auto error = ErrorOf(Judge(Call::Delete)))
             return error;
-        const std::string from = QFile::encodeName(path).toStdString();
-        const std::string to = QFile::encodeName(name).toStdString();
+        const std::string from = KeyOf(path);
+        const std::string to = KeyOf(name);
         renamings.push_back({from, to, FindOnDisk(from.c_str()), FindOnDisk(to.c_str())});
         disk[to] = std::exchange(disk[from], {});
         return Disk::Rename(path, name);
@@ -262,7 +268,7 @@ class FaultyDisk final : public runtime::Disk {
     std::error_code Remove(const QString& path) override {
         if (powerIsOff)
             return {};
-        disk[QFile::encodeName(path).toStdString()] = {};
+        disk[KeyOf(path)] = {};
         return Disk::Remove(path);
     }
 };

@@ -32,8 +32,9 @@ QByteArray KillWhileRunning(const QString& disabledTest, const QString& handed,
                                                           QStringLiteral("--gtest_filter=") + disabledTest});
     const QByteArray start = "working\n";
     QByteArray said;
+    const auto listen = [&] { said += child.readAllStandardOutput().replace("\r\n", "\n"); };
     while (!said.contains(start) && child.waitForReadyRead(LongestStart))
-        said += child.readAllStandardOutput();
+        listen();
     EXPECT_TRUE(said.contains(start)) << said.constData();
     if (moment == ToTheEnd)
         child.waitForFinished();
@@ -41,7 +42,7 @@ QByteArray KillWhileRunning(const QString& disabledTest, const QString& handed,
         QThread::usleep(static_cast<unsigned long>(moment.count()));
     child.kill();
     child.waitForFinished();
-    said += child.readAllStandardOutput();
+    listen();
     return said.mid(said.indexOf(start) + start.size());
 }
 

@@ -3,6 +3,7 @@
 #include "platform/engine/functions/Functions.h"
 #include "platform/runtime/Settings.h"
 
+#include <QDir>
 #include <QFile>
 #include <sqlite3.h>
 
@@ -50,7 +51,7 @@ TestFolder::~TestFolder() {
 }
 
 QString TestFolder::Path(const QString& name) const {
-    return m_folder.filePath(name);
+    return QDir::toNativeSeparators(m_folder.filePath(name));
 }
 
 QByteArray ReadBytes(const QString& path) {

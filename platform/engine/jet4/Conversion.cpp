@@ -37,7 +37,7 @@ private:
 
 QString Resolved(const QString& path) {
     const QString canonical = QFileInfo(path).canonicalFilePath();
-    return canonical.isEmpty() ? path : canonical;
+    return canonical.isEmpty() ? path : QDir::toNativeSeparators(canonical);
 }
 
 /// What a statement of the owner makes; without columns if the table is not known.

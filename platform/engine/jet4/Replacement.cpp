@@ -41,7 +41,7 @@ QString KeptName(const QString& path, int place) {
     const QString mark = place == 1 ? QStringLiteral(".jet4") : QStringLiteral(".jet4-%1").arg(place);
     const QString suffix = file.suffix();
     const QString name = file.completeBaseName() + mark + (suffix.isEmpty() ? suffix : u'.' + suffix);
-    return file.dir().filePath(name);
+    return QDir::toNativeSeparators(file.dir().filePath(name));
 }
 
 QString FreeKeptName(const QString& path) {

@@ -93,9 +93,11 @@ QByteArray EmptyImage() {
 } // namespace
 
 void CheckDatabaseFile(const QString& path) {
-    CheckFolder(path);
     if (runtime::NamesDevice(path))
         RaiseEngine(UnrecognisedFormat, path);
+    CheckFolder(path);
+    if (!runtime::IsPossiblePath(path))
+        RaiseEngine(InvalidPath, path);
     std::error_code error;
     const auto status = std::filesystem::status(FilePath(path), error);
     switch (status.type()) {
@@ -221,6 +223,8 @@ void NewFile::GiveName() {
     const bool replaces = Replaces();
     if (!RemoveJournals(m_name))
         RaiseEngine(CannotOpenFile, m_path);
+    if (replaces)
+        m_old->MakeWay();
     CheckDisk(replaces ? disk.Rename(m_file, m_name) : disk.Name(m_file, m_name), m_path);
     m_file = m_name;
     CheckDisk(disk.Sync(runtime::FolderOf(m_name)), m_path);

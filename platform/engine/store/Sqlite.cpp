@@ -2,6 +2,7 @@
 
 #include "platform/engine/functions/Functions.h"
 #include "platform/engine/store/Statement.h"
+#include "platform/runtime/System.h"
 
 #include <sqlite3.h>
 
@@ -45,9 +46,10 @@ void Harden(sqlite3* db) {
 Sqlite::Sqlite(const QString& file, QString path)
     : m_path(std::move(path)) {
     sqlite3_hard_heap_limit64(heapLimit);
-    const int code =
-        sqlite3_open_v2(file.toUtf8().constData(), &m_db,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    const QByteArray native = runtime::NativePath(file).toUtf8();
+    const int code = sqlite3_open_v2(native.constData(), &m_db,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
+                                     native.startsWith(R"(\\?\)") ? "win32-longpath" : nullptr);
     try {
         if (code != SQLITE_OK)
             throw FailureOf(code, Doing::Open);

@@ -115,6 +115,10 @@ FileMark::FileMark(FileMark&& other) noexcept
     : m_file(std::exchange(other.m_file, -1)) {
 }
 
+// What is marked can be replaced.
+void FileMark::MakeWay() {
+}
+
 FileMark::Result FileMark::Take(const QString& path, bool alone) {
     Descriptor file(path, alone ? O_RDWR | O_NOFOLLOW : O_RDONLY);
     if (!file)

@@ -23,6 +23,10 @@ bool IsPossiblePath(const QString& path) {
            QFile::encodeName(path).size() <= longestPath;
 }
 
+QString NativePath(const QString& path) {
+    return path;
+}
+
 // Devices are told by the kind of the file.
 bool NamesDevice(const QString&) {
     return false;
@@ -34,6 +38,12 @@ bool MayMakeFilesIn(const QString& folder) {
 
 bool IsSystemFolder(const QString& folder) {
     return folder.startsWith(QStringLiteral("/usr/"));
+}
+
+// They ask about overwriting before the callers do, tell the name only when they have closed, behind which a
+// refused one cannot be mended, and may speak another language.
+bool OffersFileDialogs() {
+    return false;
 }
 
 // The dot does it.

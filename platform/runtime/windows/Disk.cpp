@@ -21,27 +21,9 @@ std::error_code Outcome(BOOL done) {
 
 /// What is hidden while it is made is so no more under a name without a dot.
 void ShowUnder(const QString& path, const QString& name) {
-    const DWORD attributes = ::GetFileAttributesW(NativePath(path).c_str());
+    const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && !QFileInfo(name).fileName().startsWith(u'.'))
-        ::SetFileAttributesW(NativePath(path).c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_HIDDEN});
-}
-
-/// Replaces a file even where somebody holds a handle to it that permits that, as our own mark does.
-bool RenameOver(const QString& path, const QString& name) {
-    const Handle file(path, DELETE | SYNCHRONIZE, Handle::shareAll, FILE_FLAG_WRITE_THROUGH);
-    if (!file)
-        return false;
-    const std::wstring target = NativePath(name);
-    const std::size_t letters = target.size() * sizeof(wchar_t);
-    std::vector<std::byte> bytes(sizeof(FILE_RENAME_INFO) + letters);
-    auto& info = *reinterpret_cast<FILE_RENAME_INFO*>(bytes.data());
-    constexpr DWORD replaceIfExists = 1;
-    constexpr DWORD posixSemantics = 2;
-    constexpr auto renameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
-    *reinterpret_cast<DWORD*>(&info) = replaceIfExists | posixSemantics; // the flags lie where the truth does
-    info.FileNameLength = static_cast<DWORD>(letters);
-    std::copy(target.begin(), target.end(), info.FileName);
-    return ::SetFileInformationByHandle(*file, renameInfoEx, &info, static_cast<DWORD>(bytes.size())) != 0;
+        ::SetFileAttributesW(WidePath(path).c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_HIDDEN});
 }
 
 /// Takes or asks for a lock; false if somebody else has one that is in its way.
@@ -79,36 +61,38 @@ std::error_code Disk::Sync(const QString& path) {
 }
 
 std::error_code Disk::Link(const QString& path, const QString& name) {
-    return Outcome(::CreateHardLinkW(NativePath(name).c_str(), NativePath(path).c_str(), nullptr));
+    return Outcome(::CreateHardLinkW(WidePath(name).c_str(), WidePath(path).c_str(), nullptr));
 }
 
 std::error_code Disk::Name(const QString& path, const QString& name) {
     ShowUnder(path, name);
-    return Outcome(::MoveFileExW(NativePath(path).c_str(), NativePath(name).c_str(), MOVEFILE_WRITE_THROUGH));
+    return Outcome(::MoveFileExW(WidePath(path).c_str(), WidePath(name).c_str(), MOVEFILE_WRITE_THROUGH));
 }
 
 std::error_code Disk::Rename(const QString& path, const QString& name) {
     ShowUnder(path, name);
-    if (RenameOver(path, name))
-        return {};
-    return Outcome(::MoveFileExW(NativePath(path).c_str(), NativePath(name).c_str(),
+    return Outcome(::MoveFileExW(WidePath(path).c_str(), WidePath(name).c_str(),
                                  MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
 }
 
 std::error_code Disk::Remove(const QString& path) {
-    if (::DeleteFileW(NativePath(path).c_str()) != 0)
+    if (::DeleteFileW(WidePath(path).c_str()) != 0)
         return {};
     const std::error_code error = LastError();
     return error == std::errc::no_such_file_or_directory ? std::error_code() : error;
 }
 
 FileMark::~FileMark() {
-    if (m_file != -1)
-        ::CloseHandle(HandleOf(m_file));
+    MakeWay();
 }
 
 FileMark::FileMark(FileMark&& other) noexcept
     : m_file(std::exchange(other.m_file, -1)) {
+}
+
+void FileMark::MakeWay() {
+    if (m_file != -1)
+        ::CloseHandle(HandleOf(std::exchange(m_file, -1)));
 }
 
 FileMark::Result FileMark::Take(const QString& path, bool alone) {
@@ -140,8 +124,7 @@ bool FileMark::IsLocked(const QString& path) {
 }
 
 bool FileMark::IsInUse(const QString& path) {
-    constexpr DWORD alone = 0;
-    const Handle file(path, GENERIC_READ, alone);
+    const Handle file(path, GENERIC_READ, FILE_SHARE_READ); // our own reader may have it open
     return !file && (::GetLastError() == ERROR_SHARING_VIOLATION || ::GetLastError() == ERROR_LOCK_VIOLATION);
 }
 

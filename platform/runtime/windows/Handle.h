@@ -7,9 +7,8 @@
 
 namespace runtime {
 
-/// A path as the system's calls take it; one that is longer than they like with the prefix that lifts the
-/// limit.
-std::wstring NativePath(const QString& path);
+/// NativePath for the system's own calls.
+std::wstring WidePath(const QString& path);
 
 /// An open file or folder of the system.
 class Handle {
@@ -19,8 +18,8 @@ public:
     Handle() = default;
     /// Opens what exists; false as a truth if that fails.
     Handle(const QString& path, DWORD access, DWORD share = shareAll, DWORD flags = 0)
-        : m_handle(::CreateFileW(NativePath(path).c_str(), access, share, nullptr, OPEN_EXISTING, flags,
-                                 nullptr)) {}
+        : m_handle(
+              ::CreateFileW(WidePath(path).c_str(), access, share, nullptr, OPEN_EXISTING, flags, nullptr)) {}
     ~Handle() {
         if (*this)
             ::CloseHandle(m_handle);

@@ -6,10 +6,11 @@ namespace runtime {
 
 namespace {
 
-/// A name may hold what separates the levels.
+/// Where the names lead below the program's own key, which the first of them is. A name may hold what
+/// separates the levels.
 QString PathOf(const QStringList& names) {
     QStringList escaped;
-    for (QString name : names) {
+    for (QString name : names.mid(1)) {
         name.replace(u'%', QStringLiteral("%25"));
         name.replace(u'/', QStringLiteral("%2F"));
         name.replace(u'\\', QStringLiteral("%5C"));

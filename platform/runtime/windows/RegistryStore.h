@@ -9,6 +9,7 @@ namespace runtime {
 /// Settings in the user's part of the registry, which puts changes on the disk by itself.
 class RegistryStore final : public SettingsStore {
 public:
+    /// The settings of one program; its name leads those that are given below.
     explicit RegistryStore(const QString& app);
 
     std::optional<QString> Value(const QStringList& names) const override;

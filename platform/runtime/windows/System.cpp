@@ -52,7 +52,7 @@ QStringList PartsOf(const QString& path) {
 
 } // namespace
 
-std::wstring NativePath(const QString& path) {
+QString NativePath(const QString& path) {
     constexpr qsizetype longestPlain = 240; // a folder may hold 8.3 names behind it
     QString native = QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
     if (native.size() > longestPlain && !native.startsWith(QLatin1String("\\\\?\\"))) {
@@ -61,7 +61,11 @@ std::wstring NativePath(const QString& path) {
         else
             native.prepend(QLatin1String("\\\\?\\"));
     }
-    return native.toStdWString();
+    return native;
+}
+
+std::wstring WidePath(const QString& path) {
+    return NativePath(path).toStdWString();
 }
 
 std::error_code LastError() {
@@ -107,7 +111,7 @@ bool MayMakeFilesIn(const QString& folder) {
     const QString trial =
         QDir(folder).filePath(QStringLiteral(".zavelik-%1.trial").arg(::GetCurrentProcessId()));
     const HANDLE made =
-        ::CreateFileW(NativePath(trial).c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
+        ::CreateFileW(WidePath(trial).c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
                       FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (made == INVALID_HANDLE_VALUE)
         return false;
@@ -120,9 +124,13 @@ bool IsSystemFolder(const QString&) {
     return false;
 }
 
+bool OffersFileDialogs() {
+    return true;
+}
+
 void MarkHidden(const QString& path) {
     if (QFileInfo(path).fileName().startsWith(u'.'))
-        ::SetFileAttributesW(NativePath(path).c_str(), FILE_ATTRIBUTE_HIDDEN);
+        ::SetFileAttributesW(WidePath(path).c_str(), FILE_ATTRIBUTE_HIDDEN);
 }
 
 std::error_code OpenAtOnce(QFile& file) {

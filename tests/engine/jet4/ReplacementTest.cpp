@@ -2,6 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "tests/engine/jet4/OldFiles.h"
+#include "tests/support/System.h"
 #include "tests/support/TestBook.h"
 
 #include <gtest/gtest.h>
@@ -55,6 +56,10 @@ private:
     bool m_links;
 };
 
+QString Native(const char* path) {
+    return QDir::toNativeSeparators(QString::fromUtf8(path));
+}
+
 class Replacement : public testing::Test {
 protected:
     Replacement() {
@@ -95,16 +100,16 @@ TEST_F(Replacement, KeepsTheOldFileBesideTheNewOne) {
 TEST_F(Replacement, TakesTheFirstFreeName) {
     Write(Kept(), "somebody's");
     QDir().mkdir(Kept("Книга.jet4-2.mdb"));
-    ASSERT_TRUE(QFile::link(QStringLiteral("/nowhere"), Kept("Книга.jet4-3.mdb")));
-    ASSERT_TRUE(QFile::link(Book(), Kept("Книга.jet4-4.mdb")));
+    test::LinkByName(QStringLiteral("/nowhere"), Kept("Книга.jet4-3.mdb"));
+    test::LinkByName(Book(), Kept("Книга.jet4-4.mdb"));
     EXPECT_EQ(FreeKeptName(Book()), Kept("Книга.jet4-5.mdb"));
     Disk disk;
     EXPECT_EQ(ReplaceKeeping(disk, Finished(), Book()), Kept("Книга.jet4-5.mdb"));
     EXPECT_EQ(Content(Kept()), "somebody's");
     EXPECT_EQ(Content(Kept("Книга.jet4-5.mdb")), "old");
 
-    EXPECT_EQ(engine::jet4::KeptName(QStringLiteral("/a/b.c.mdb"), 1), QStringLiteral("/a/b.c.jet4.mdb"));
-    EXPECT_EQ(engine::jet4::KeptName(QStringLiteral("/a/book"), 2), QStringLiteral("/a/book.jet4-2"));
+    EXPECT_EQ(engine::jet4::KeptName(Native("/a/b.c.mdb"), 1), Native("/a/b.c.jet4.mdb"));
+    EXPECT_EQ(engine::jet4::KeptName(Native("/a/book"), 2), Native("/a/book.jet4-2"));
 }
 
 // Every step in turn is refused, or is the last before the power goes: the old file is whole under one of its

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -50,6 +52,13 @@ PlainUser::~PlainUser() {
     }
 }
 
+Unreadable::Unreadable(const QString& path, const QStringList& others) {
+    SetRights(path, 0);
+    m_user.emplace(others + QStringList{QFileInfo(path).path(), path});
+}
+
+Unreadable::~Unreadable() = default;
+
 void SetRights(const QString& path, int rights) {
     EXPECT_EQ(::chmod(QFile::encodeName(path).constData(), static_cast<mode_t>(rights)), 0);
 }
@@ -61,6 +70,29 @@ QString MakePipe(const QString& path) {
 
 bool LinkFile(const QString& path, const QString& name) {
     return ::link(QFile::encodeName(path).constData(), QFile::encodeName(name).constData()) == 0;
+}
+
+bool LinkByName(const QString& path, const QString& name) {
+    return QFile::link(path, name);
+}
+
+QString SpelledOtherwise(const QString& path) {
+    const QFileInfo file(path);
+    const QString folder = file.dir().filePath(QStringLiteral("sub"));
+    EXPECT_TRUE(QFile::link(file.path(), folder));
+    return folder + u'/' + file.fileName();
+}
+
+QString OddName() {
+    return QStringLiteral("строка\nвторая \U0001F4D2 '`\" *?.mdb");
+}
+
+QString TooLongPath() {
+    return u'/' + QStringLiteral("folder/").repeated(715);
+}
+
+QString DevicePath() {
+    return QStringLiteral("/dev/zero");
 }
 
 } // namespace test

@@ -1,5 +1,7 @@
-; The setup file. Defined from outside: VERSION, STAGE (the folder of what is installed), OUT.
+; The setup file. Defined from outside: VERSION, STAGE (the folder of what is installed), OUT, ICON, PICTURE (of the last
+; page), FILES (a list for the uninstaller), OWNER, HOMEPAGE.
 Unicode true
+Target amd64-unicode
 SetCompressor /SOLID lzma
 SetDateSave off
 ManifestDPIAware true
@@ -10,7 +12,6 @@ RequestExecutionLevel user
 !include nsDialogs.nsh
 !include FileFunc.nsh
 !include WinVer.nsh
-!include x64.nsh
 
 !define NAME "Завелик"
 !define KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Zavelik"
@@ -32,7 +33,7 @@ Var ForAllButton
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
 !define MUI_ABORTWARNING
-!insertmacro MUI_PAGE_WELCOME
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${PICTURE}"
 Page custom AskForWhom TakeForWhom
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
@@ -75,7 +76,7 @@ Function TakeFolder
 FunctionEnd
 
 Function .onInit
-  ${IfNot} ${RunningX64}
+  ${IfNot} ${AtLeastWin10}
     MessageBox MB_OK|MB_ICONSTOP "Нужна 64-разрядная система Windows 10 или новее." /SD IDOK
     Abort
   ${EndIf}

@@ -1,4 +1,4 @@
-# Sourced by `./package windows`, from the project's root: the libraries for Windows, made once from
+# Sourced by `./package windows` and `./check windows`, from the project's root: the libraries for Windows, made once from
 # the distribution's source packages into a folder that is kept outside the tree.
 # shellcheck shell=bash
 
@@ -119,7 +119,8 @@ make_kit() {
         kit_options
     } | sha256sum | cut -c 1-16)
     work=$kit.work
-    mkdir -p "$kit/lib" "$kit/include" "$kit/made" "$work"
+    mkdir -p "$kit/lib" "$kit/include" "$kit/made" "$kit/translations" "$work"
+    cp /usr/share/qt6/translations/qtbase_ru.qm "$kit/translations/"
     for part in sqlite qt googletest; do
         [ ! -f "$kit/made/$part" ] || continue
         rm -rf "$work"
@@ -130,11 +131,13 @@ make_kit() {
     rm -rf "$work"
 }
 
+wine=/usr/lib/wine/wine64 # stands on no search path
+
 # configure_windows TESTS: the preset `windows` with the libraries of the kit; TESTS is ON or OFF.
 configure_windows() {
     local host
     host=/usr/lib/$(dpkg-architecture -q DEB_HOST_MULTIARCH)/cmake
     configure windows -DCMAKE_PREFIX_PATH="$kit" -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR="$host" \
         -DSQLite3_INCLUDE_DIR="$kit/include" -DSQLite3_LIBRARY="$kit/lib/libsqlite3.a" \
-        -DZAVELIK_QT_TRANSLATIONS=/usr/share/qt6/translations -DZAVELIK_QT_LICENCES="$kit/licences" -DZAVELIK_BUILD_TESTS="$1"
+        -DCMAKE_CROSSCOMPILING_EMULATOR="$wine" -DZAVELIK_QT_TRANSLATIONS="$kit/translations" -DZAVELIK_QT_LICENCES="$kit/licences" -DZAVELIK_BUILD_TESTS="$1"
 }

@@ -6,6 +6,7 @@ make_stage() {
     stage=$PWD/build/windows/stage/Zavelik
     rm -rf "${stage%/*}"
     cmake --install build/windows --strip --prefix "$stage" >/dev/null &&
+        x86_64-w64-mingw32-strip "$stage"/*.dll &&
         find "$stage" -exec touch -h -d "@$date" {} +
 }
 
@@ -31,7 +32,7 @@ package_windows() {
     say 'Making the packages'
     make_stage && list_for_uninstaller >build/windows/files.nsh &&
         makensis -V2 -INPUTCHARSET UTF8 -DVERSION="$version" -DSTAGE="$stage" -DOUT="$PWD/build/Zavelik-$version-setup.exe" \
-            -DICON="$PWD/packaging/icons/zavelik.ico" -DFILES="$PWD/build/windows/files.nsh" -DOWNER="$(owner ZAVELIK_OWNER)" \
+            -DICON="$PWD/packaging/icons/zavelik.ico" -DPICTURE="$PWD/packaging/windows/wizard.bmp" -DFILES="$PWD/build/windows/files.nsh" -DOWNER="$(owner ZAVELIK_OWNER)" \
             -DHOMEPAGE="$(owner ZAVELIK_HOMEPAGE)" packaging/windows/setup.nsi &&
         rm -f "build/Zavelik-$version-windows.zip" &&
         (cd "$stage/.." && find Zavelik -type f | sort | zip -q -X -9 "$OLDPWD/build/Zavelik-$version-windows.zip" -@) &&

@@ -1,0 +1,25 @@
+# Sourced by ./check windows: the tests, made by the cross compiler and run under Wine without a screen.
+# shellcheck shell=bash
+
+# A Windows of its own for the tests, with the libraries that they load on its search path.
+make_wine() {
+    export WINEPREFIX=$PWD/build/windows/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=;mapi32=n,b' LC_ALL=C.UTF-8
+    local compiler
+    compiler=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
+    WINEPATH=$(printf 'Z:%s;' "$kit/bin" "$compiler" /usr/x86_64-w64-mingw32/lib)
+    export WINEPATH QT_PLUGIN_PATH="Z:$kit/plugins"
+    [ -d "$WINEPREFIX" ] || "$wine" winecfg -v win10 >/dev/null 2>&1
+}
+
+# The names of the tests that stand aside, as one pattern for ctest.
+stand_aside() { sed -n '/^[^#]/s/ .*//p' tests/aside-on-windows.txt | paste -s -d'|'; }
+
+check_windows() {
+    install_missing packages packages-windows || return
+    make_kit || return
+    say 'Building the tests'
+    configure_windows ON && cmake --build build/windows || return
+    make_wine || return
+    say "Running them; $(grep -c '^[^#]' tests/aside-on-windows.txt) names stand aside, see tests/aside-on-windows.txt"
+    ctest --preset windows -j "$(processors)" --output-on-failure --no-tests=error -E "^($(stand_aside))"
+}

@@ -39,24 +39,6 @@ const char* StartOf(QByteArrayView bytes) {
 
 } // namespace
 
-bool operator==(const Cell& a, const Cell& b) {
-    if (a.kind != b.kind)
-        return false;
-    switch (a.kind) {
-    case Cell::Integer:
-        return a.integer == b.integer;
-    case Cell::Real:
-        return a.real == b.real;
-    case Cell::Text:
-        return a.text == b.text;
-    case Cell::Bytes:
-        return a.bytes == b.bytes;
-    case Cell::Null:
-        break;
-    }
-    return true;
-}
-
 Cell CellOf(sqlite3_value* value) {
     switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:

@@ -35,10 +35,10 @@ struct Cell {
     explicit Cell(QByteArrayView given)
         : kind(Bytes)
         , bytes(given) {}
-};
 
-/// Whether kind and content are the same; texts are compared unit by unit.
-bool operator==(const Cell& a, const Cell& b);
+    /// Whether kind and content are the same; texts are compared unit by unit.
+    friend bool operator==(const Cell&, const Cell&) = default;
+};
 
 /// std::bad_alloc if there is no memory for a text.
 Cell CellOf(sqlite3_value* value);

@@ -361,12 +361,15 @@ void FlexGrid::TellHeader(const QHelpEvent& event) const {
 }
 
 void FlexGrid::contextMenuEvent(QContextMenuEvent* event) {
-    event->accept(); // asked for by the button or the key already
+    event->accept(); // most are asked for by the button or the key already
+    if (event->reason() == QContextMenuEvent::Keyboard && !m_askedByKey)
+        AskForMenu(); // some systems keep Shift+F10 to themselves and send this alone
 }
 
 void FlexGrid::keyPressEvent(QKeyEvent* event) {
     const bool wantsMenu = event->key() == Qt::Key_Menu ||
                            (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
+    m_askedByKey = wantsMenu;
     if (wantsMenu) {
         event->accept();
         AskForMenu();

@@ -126,6 +126,7 @@ private:
     int m_searchCol = -1;
     QString m_letters; ///< typed within the time for one text
     QElapsedTimer m_sinceLetter;
+    bool m_askedByKey = false; ///< the last key asked for the menu
     bool m_allowsAll = false;
     bool m_allChosen = false; ///< by Ctrl+A, until the next move or fill
     int m_fillings = 0;

@@ -11,6 +11,7 @@
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QMenu>
@@ -363,6 +364,9 @@ TEST_F(FlexGridTest, Keyboard) {
     EXPECT_EQ(menus, 2);
     Key(Qt::Key_F10);
     EXPECT_EQ(menus, 2);
+    QContextMenuEvent byKey(QContextMenuEvent::Keyboard, cell.center(), {}); // all that some systems send
+    QApplication::sendEvent(&grid, &byKey);
+    EXPECT_EQ(menus, 3);
 }
 
 TEST_F(FlexGridTest, ManyRowsCostLittleMoreThanTheirTexts) {

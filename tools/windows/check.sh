@@ -1,5 +1,5 @@
 # Sourced by ./check windows: the tests, made by the cross compiler and run under Wine without a screen.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154 # set in kit.sh
 
 # A Windows of its own for the tests, with the libraries that they load on its search path.
 make_wine() {

@@ -26,6 +26,10 @@ kit_options() {
 OPTIONS
 }
 
+# As the distribution builds its own: what is deleted is wiped, and a book has the same bytes on every system.
+sqlite_options='-DSQLITE_SECURE_DELETE -DSQLITE_ENABLE_MATH_FUNCTIONS -DSQLITE_ENABLE_FTS5 -DSQLITE_ENABLE_DBSTAT_VTAB
+-DSQLITE_LIKE_DOESNT_MATCH_BLOBS -DSQLITE_MAX_VARIABLE_NUMBER=250000'
+
 say() { printf '%s  %s\n' "$(date +%T)" "$*"; }
 
 # apt with the source packages of the mirror that this system uses, in folders of its own: the system's set-up stays as it is.
@@ -85,12 +89,13 @@ make_qt() {
         mkdir -p "$kit/licences/qt" && cp "$work"/qt6-base/LICENSES/* "$kit/licences/qt/"
 }
 
+# shellcheck disable=SC2086 # several options
 make_sqlite() {
     take sqlite3 "$sqlite_version" || return
     say 'Building SQLite for Windows'
     (
         cd "$work/sqlite3" && ./configure --disable-tcl >../sqlite3.log 2>&1 && make sqlite3.c >>../sqlite3.log 2>&1 &&
-            x86_64-w64-mingw32-gcc-posix -O2 -c sqlite3.c -o sqlite3.o -DSQLITE_ENABLE_DBSTAT_VTAB=1 &&
+            x86_64-w64-mingw32-gcc-posix -O2 -c sqlite3.c -o sqlite3.o $sqlite_options &&
             x86_64-w64-mingw32-ar rcsD "$kit/lib/libsqlite3.a" sqlite3.o && cp sqlite3.h "$kit/include/"
     )
 }
@@ -104,7 +109,7 @@ make_googletest() {
 
 # Sets `kit`, the folder of the libraries, and makes them if they are not there.
 make_kit() {
-    local qt_version sqlite_version googletest_version host_cmake cache work part
+    local qt_version sqlite_version googletest_version host_cmake cache work part mark
     qt_version=$(source_version qt6-base-dev)
     qt_version=${qt_version%+b[0-9]*}
     sqlite_version=$(source_version libsqlite3-dev)
@@ -122,11 +127,13 @@ make_kit() {
     mkdir -p "$kit/lib" "$kit/include" "$kit/made" "$kit/translations" "$work"
     cp /usr/share/qt6/translations/qtbase_ru.qm "$kit/translations/"
     for part in sqlite qt googletest; do
-        [ ! -f "$kit/made/$part" ] || continue
+        mark=$kit/made/$part
+        [ "$part" != sqlite ] || mark+=-$(cksum <<<"$sqlite_options" | cut -d ' ' -f 1)
+        [ ! -f "$mark" ] || continue
         rm -rf "$work"
         mkdir -p "$work"
         "make_$part" || return
-        touch "$kit/made/$part"
+        touch "$mark"
     done
     rm -rf "$work"
 }

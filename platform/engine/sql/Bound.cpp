@@ -83,7 +83,7 @@ Bound MakeCondition(QStringView form, std::vector<Operand> operands, int precede
     return MakeCondition(MakeTerm(form, std::move(operands), precedence));
 }
 
-Bound MakeAmount(TermPtr units) {
+Bound MakeAmount(const TermPtr& units) {
     Bound amount;
     SetMoney(amount, units);
     return amount;

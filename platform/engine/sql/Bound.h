@@ -91,7 +91,7 @@ Bound MakeNull();
 Bound MakeCondition(TermPtr term);
 Bound MakeCondition(QStringView form, std::vector<Operand> operands = {}, int precedence = PrimaryPrecedence);
 /// An amount of money; `units` is its term in ten-thousandths.
-Bound MakeAmount(TermPtr units);
+Bound MakeAmount(const TermPtr& units);
 /// A column of a table, of a sub-query or among parameters: its value as it is kept there.
 Bound StoredValue(const QString& text, DataType type, int size = 0);
 /// The same of a column of a bound query, now `term`.

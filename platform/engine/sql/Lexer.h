@@ -116,7 +116,7 @@ inline constexpr std::array<std::uint8_t, Lexer::asciiSize> Lexer::kinds = [] {
     std::array<std::uint8_t, asciiSize> table{};
     const auto mark = [&table](std::string_view characters, int kind) {
         for (const char c : characters)
-            table[static_cast<std::size_t>(c)] |= static_cast<std::uint8_t>(kind);
+            table[static_cast<unsigned char>(c)] |= static_cast<std::uint8_t>(kind);
     };
     mark(" \t\r\n", Blank);
     mark("0123456789", Digit | HexDigit | NamePart);

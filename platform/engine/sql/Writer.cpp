@@ -127,7 +127,7 @@ QString Writer::Text(const BoundQuery& query) const {
     return text + Clause(u" ORDER BY "_s, Order(query.orderBy));
 }
 
-QString Writer::Where(const std::vector<Operand>& conditions, QStringList further) const {
+QString Writer::Where(const std::vector<Operand>& conditions, const QStringList& further) const {
     QStringList texts;
     for (const Operand& condition : conditions)
         texts += Text(MakeTerm(u"%", {condition}));

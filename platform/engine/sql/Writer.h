@@ -43,7 +43,7 @@ private:
     QString Ranked(const BoundSelect& select) const;
     QStringList Columns(const BoundSelect& select) const;
     QString Order(const std::vector<OrderTerm>& terms) const;
-    QString Where(const std::vector<Operand>& conditions, QStringList further = {}) const;
+    QString Where(const std::vector<Operand>& conditions, const QStringList& further = {}) const;
     QStringList Texts(const std::vector<TermPtr>& terms) const;
 
     bool m_ignores;

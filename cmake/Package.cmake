@@ -17,19 +17,17 @@ find_program(ZAVELIK_PANDOC pandoc DOC "Converter of the guide")
 if(ZAVELIK_PANDOC)
   set(guide ${PROJECT_BINARY_DIR}/guide)
   file(GLOB pictures CONFIGURE_DEPENDS docs/images/*.png)
-  foreach(page README=index errors=errors)
-    string(REGEX MATCH "(.*)=(.*)" page ${page})
-    set(source ${PROJECT_SOURCE_DIR}/docs/ru/${CMAKE_MATCH_1}.md)
-    set(made ${guide}/ru/${CMAKE_MATCH_2}.html)
-    add_custom_command(OUTPUT ${made}
-      COMMAND ${CMAKE_COMMAND} -E make_directory ${guide}/ru ${guide}/images
-      COMMAND ${CMAKE_COMMAND} -E copy ${pictures} ${guide}/images
-      COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/packaging/guide/guide.css ${guide}/ru
-      COMMAND ${ZAVELIK_PANDOC} --from=gfm --to=html5 --standalone --metadata lang=ru --css guide.css
-        --lua-filter ${PROJECT_SOURCE_DIR}/packaging/guide/guide.lua --output ${made} ${source}
-      DEPENDS ${source} ${pictures} packaging/guide/guide.lua packaging/guide/guide.css VERBATIM)
-    list(APPEND pages ${made})
-  endforeach()
+  set(converter ${ZAVELIK_PANDOC} --from=gfm --to=html5 --standalone --metadata lang=ru --css guide.css
+    --lua-filter ${PROJECT_SOURCE_DIR}/packaging/guide/guide.lua --output)
+  set(texts ${PROJECT_SOURCE_DIR}/docs/ru)
+  set(pages ${guide}/ru/index.html ${guide}/ru/errors.html)
+  add_custom_command(OUTPUT ${pages}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${guide}/ru ${guide}/images
+    COMMAND ${CMAKE_COMMAND} -E copy ${pictures} ${guide}/images
+    COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/packaging/guide/guide.css ${guide}/ru
+    COMMAND ${converter} ${guide}/ru/index.html ${texts}/README.md
+    COMMAND ${converter} ${guide}/ru/errors.html ${texts}/errors.md
+    DEPENDS ${texts}/README.md ${texts}/errors.md ${pictures} packaging/guide/guide.lua packaging/guide/guide.css VERBATIM)
   add_custom_target(guide ALL DEPENDS ${pages})
   install(DIRECTORY ${guide}/ru ${guide}/images DESTINATION ${CMAKE_INSTALL_DOCDIR})
 else()

@@ -94,10 +94,10 @@ make_sqlite() {
     take sqlite3 "$sqlite_version" || return
     say 'Building SQLite for Windows'
     (
-        cd "$work/sqlite3" && ./configure --disable-tcl >../sqlite3.log 2>&1 && make sqlite3.c >>../sqlite3.log 2>&1 &&
+        cd "$work/sqlite3" && ./configure --disable-tcl && make sqlite3.c &&
             x86_64-w64-mingw32-gcc-posix -O2 -c sqlite3.c -o sqlite3.o $sqlite_options &&
             x86_64-w64-mingw32-ar rcsD "$kit/lib/libsqlite3.a" sqlite3.o && cp sqlite3.h "$kit/include/"
-    )
+    ) >"$work/sqlite3.log" 2>&1 || { tail -n 30 "$work/sqlite3.log" >&2; return 1; }
 }
 
 make_googletest() {

@@ -117,9 +117,9 @@ TEST_F(OldBase, EverySoundFileBecomesABookOfItsVersion) {
     for (const auto& file : files) {
         SCOPED_TRACE(file.file);
         Copy(file.file);
-        const QByteArray before = test::BytesOf(Path());
+        const QByteArray before = test::ReadBytes(Path());
         Convert();
-        EXPECT_EQ(test::BytesOf(Kept()), before);
+        EXPECT_EQ(test::ReadBytes(Kept()), before);
         EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
         ExpectRows(expected[QString::fromUtf8(file.rows)].toObject());
         if (file.version > 1)
@@ -157,9 +157,8 @@ TEST_F(OldBase, TheSchemaIsThatOfANewBook) {
     execute("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, 99, 'x')");
     EXPECT_EQ(Row(QStringLiteral("SELECT max(a02rcid) FROM a02")), QStringLiteral("36"));
     EXPECT_EQ(Row(QStringLiteral("SELECT max(t01ctid) FROM t01")), QStringLiteral("8"));
-    EXPECT_EQ(test::FailureNumber([&] { execute("UPDATE a02 SET a02cval = ''"); }),
-              engine::EmptyTextNotAllowed);
-    EXPECT_EQ(test::FailureNumber([&] { execute("UPDATE t01 SET t01cval = 'Дача'"); }), engine::DuplicateKey);
+    EXPECT_EQ(test::FailureOf([&] { execute("UPDATE a02 SET a02cval = ''"); }), engine::EmptyTextNotAllowed);
+    EXPECT_EQ(test::FailureOf([&] { execute("UPDATE t01 SET t01cval = 'Дача'"); }), engine::DuplicateKey);
 }
 
 TEST_F(OldBase, WhatIsRefusedStaysAsItIs) {
@@ -185,17 +184,17 @@ TEST_F(OldBase, WhatIsRefusedStaysAsItIs) {
     for (const auto& file : files) {
         SCOPED_TRACE(file.file);
         Copy(file.file);
-        const QByteArray before = test::BytesOf(Path());
+        const QByteArray before = test::ReadBytes(Path());
         bool goOn = false;
-        EXPECT_EQ(test::FailureNumber([&] { goOn = OfferConversion(Path()); }), file.number);
+        EXPECT_EQ(test::FailureOf([&] { goOn = OfferConversion(Path()); }), file.number);
         EXPECT_EQ(goOn, file.number == 0);
         if (goOn) {
             const int expected = QString::fromUtf8(file.file).contains(u"jet3") ? engine::OlderFormat
                                                                                 : engine::UnrecognisedFormat;
-            EXPECT_EQ(test::FailureNumber([&] { engine::DBEngine::Workspaces(0)->OpenDatabase(Path()); }),
+            EXPECT_EQ(test::FailureOf([&] { engine::DBEngine::Workspaces(0)->OpenDatabase(Path()); }),
                       expected);
         }
-        EXPECT_EQ(test::BytesOf(Path()), before);
+        EXPECT_EQ(test::ReadBytes(Path()), before);
         EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     }
@@ -265,28 +264,20 @@ TEST_F(OldBase, ContradictionsAreRefusedBeforeTheQuestion) {
         SCOPED_TRACE(row.what);
         Bytes bytes("v3-small.mdb");
         row.change(bytes);
-        QFile file(Path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes.Bytes()) > 0);
-        file.close();
-        try {
-            OfferConversion(Path());
-            ADD_FAILURE() << "taken";
-        } catch (const runtime::Failure& failure) {
-            EXPECT_EQ(failure.number(), row.number);
-            EXPECT_TRUE(failure.description().contains(Path()));
-        }
-        EXPECT_EQ(test::BytesOf(Path()), bytes.Bytes());
+        test::WriteBytes(Path(), bytes.Bytes());
+        EXPECT_EQ(test::FailureOf([&] { OfferConversion(Path()); }, Path()), row.number);
+        EXPECT_EQ(test::ReadBytes(Path()), bytes.Bytes());
         EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
     }
 }
 
 TEST_F(OldBase, OnNoNothingChanges) {
     Copy("v1-old.mdb");
-    const QByteArray before = test::BytesOf(Path());
+    const QByteArray before = test::ReadBytes(Path());
     test::Answers answers;
     answers.Question(Question(Path(), QStringLiteral("book.jet4.mdb")), false, true);
     EXPECT_FALSE(OfferConversion(Path()));
-    EXPECT_EQ(test::BytesOf(Path()), before);
+    EXPECT_EQ(test::ReadBytes(Path()), before);
     EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
 }
 

@@ -64,13 +64,7 @@ TEST_F(Creation, ColumnsKeepTheirRules) {
         {QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (3)"), engine::DuplicateKey},
     };
     for (const auto& row : rows) {
-        int failure = 0;
-        try {
-            Execute(row.sql);
-        } catch (const runtime::Failure& raised) {
-            failure = raised.number();
-        }
-        EXPECT_EQ(failure, row.failure) << row.sql.toStdString();
+        EXPECT_EQ(test::FailureOf([&] { Execute(row.sql); }), row.failure) << row.sql.toStdString();
     }
 }
 

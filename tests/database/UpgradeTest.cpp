@@ -60,8 +60,7 @@ protected:
 
     QByteArray Bytes() const {
         engine::DBEngine::Commit();
-        QFile file(Path());
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+        return test::ReadBytes(Path());
     }
 };
 

@@ -56,25 +56,16 @@ TEST(CsvReader, LinesAndCells) {
     }
 }
 
-int FailureOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const runtime::Failure& failure) {
-        return failure.number();
-    }
-    return 0;
-}
-
 TEST(CsvReader, Failures) {
     const test::TestFolder folder;
     const QString path = folder.Path("empty.csv");
-    EXPECT_EQ(FailureOf([&] { exchange::CsvReader(path, u','); }), 53);
+    EXPECT_EQ(test::FailureOf([&] { exchange::CsvReader(path, u','); }), 53);
     test::WriteBytes(path, {});
     exchange::CsvReader reader(path, u',');
     EXPECT_TRUE(reader.AtEnd());
-    EXPECT_EQ(FailureOf([&] { reader.ReadCells(); }), 62);
-    EXPECT_EQ(FailureOf([] { exchange::CellAt({"a", "b"}, 2); }), 9);
-    EXPECT_EQ(FailureOf([] { exchange::CellAt({}, 0); }), 9);
+    EXPECT_EQ(test::FailureOf([&] { reader.ReadCells(); }), 62);
+    EXPECT_EQ(test::FailureOf([] { exchange::CellAt({"a", "b"}, 2); }), 9);
+    EXPECT_EQ(test::FailureOf([] { exchange::CellAt({}, 0); }), 9);
     EXPECT_EQ(exchange::CellAt({"a", "b"}, 1), QStringLiteral("b"));
 }
 

@@ -1,8 +1,7 @@
 #include "exchange/Retries.h"
 
 #include "exchange/RowLoop.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/Expect.h"
 
 namespace {
 
@@ -53,12 +52,8 @@ TEST(RowLoop, SixteenBits) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.count);
         int calls = 0;
-        int failure = 0;
-        try {
-            exchange::ForEachRow(c.count, [&](int row) { EXPECT_EQ(row, ++calls); });
-        } catch (const runtime::Failure& caught) {
-            failure = caught.number();
-        }
+        const int failure = test::FailureOf(
+            [&] { exchange::ForEachRow(c.count, [&](int row) { EXPECT_EQ(row, ++calls); }); });
         EXPECT_EQ(calls, c.calls);
         EXPECT_EQ(failure, c.failure);
     }

@@ -1,6 +1,7 @@
 #include "platform/forms/DTPicker.h"
 
 #include "platform/forms/DateRange.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -87,12 +88,8 @@ TEST_F(DTPickerTest, ARangeOfCenturies) {
         picker.SetValue(date);
         EXPECT_EQ(picker.Value(), date);
         const QDate beyond = date.addDays(date == forms::FirstControlDate() ? -1 : 1);
-        try {
-            picker.SetValue(beyond);
-            ADD_FAILURE() << "taken: " << beyond.toString(Qt::ISODate).toStdString();
-        } catch (const runtime::Failure& failure) {
-            EXPECT_EQ(failure.number(), forms::DateOutOfRange);
-        }
+        EXPECT_EQ(test::FailureOf([&] { picker.SetValue(beyond); }), forms::DateOutOfRange)
+            << beyond.toString(Qt::ISODate).toStdString();
     }
     EXPECT_EQ(forms::FirstControlDate(), QDate(1753, 1, 1));
     EXPECT_EQ(forms::LastControlDate(), QDate(9999, 12, 31));

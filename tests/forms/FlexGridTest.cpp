@@ -4,7 +4,7 @@
 
 #include "platform/forms/Texts.h"
 #include "platform/forms/Twips.h"
-#include "platform/runtime/Failure.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -23,15 +23,6 @@
 using forms::FlexGrid;
 
 namespace {
-
-int NumberOf(const std::function<void()>& act) {
-    try {
-        act();
-    } catch (const runtime::Failure& failure) {
-        return failure.number();
-    }
-    return 0;
-}
 
 class FlexGridTest : public testing::Test {
 protected:
@@ -119,16 +110,16 @@ TEST_F(FlexGridTest, TextsSurviveManyChangesAndLongOnesAreCut) {
 }
 
 TEST_F(FlexGridTest, Failures) {
-    EXPECT_EQ(NumberOf([&] { grid.TextMatrix(2, 0); }), 381);
-    EXPECT_EQ(NumberOf([&] { grid.SetTextMatrix(0, 4, u"x"); }), 381);
-    EXPECT_EQ(NumberOf([&] { grid.TextMatrix(-1, 0); }), 381);
-    EXPECT_EQ(NumberOf([&] { grid.SetRow(2); }), 30009);
-    EXPECT_EQ(NumberOf([&] { grid.SetRow(0); }), 30009);
-    EXPECT_EQ(NumberOf([&] { grid.SetRows(1); }), 380);
-    EXPECT_EQ(NumberOf([&] { grid.SetCols(-1); }), 380);
-    EXPECT_EQ(NumberOf([&] { grid.ColWidth(4); }), 381);
-    EXPECT_EQ(NumberOf([&] { grid.SetColWidth(4, 100); }), 381);
-    EXPECT_EQ(NumberOf([&] { grid.SetColWidth(-1, 100); }), 0);
+    EXPECT_EQ(test::FailureOf([&] { grid.TextMatrix(2, 0); }), 381);
+    EXPECT_EQ(test::FailureOf([&] { grid.SetTextMatrix(0, 4, u"x"); }), 381);
+    EXPECT_EQ(test::FailureOf([&] { grid.TextMatrix(-1, 0); }), 381);
+    EXPECT_EQ(test::FailureOf([&] { grid.SetRow(2); }), 30009);
+    EXPECT_EQ(test::FailureOf([&] { grid.SetRow(0); }), 30009);
+    EXPECT_EQ(test::FailureOf([&] { grid.SetRows(1); }), 380);
+    EXPECT_EQ(test::FailureOf([&] { grid.SetCols(-1); }), 380);
+    EXPECT_EQ(test::FailureOf([&] { grid.ColWidth(4); }), 381);
+    EXPECT_EQ(test::FailureOf([&] { grid.SetColWidth(4, 100); }), 381);
+    EXPECT_EQ(test::FailureOf([&] { grid.SetColWidth(-1, 100); }), 0);
 }
 
 TEST_F(FlexGridTest, CurrentRowStaysOverClearAndGrowthAndFallsBack) {

@@ -17,18 +17,12 @@ namespace {
 
 class Conversion : public testing::Test, public test::Work {
 protected:
-    Conversion() {
-        QFile old(QStringLiteral(ZAVELIK_TEST_DATA "/jet/v1-old.mdb"));
-        EXPECT_TRUE(old.open(QFile::ReadOnly));
-        m_old = old.readAll();
-    }
+    Conversion() { m_old = test::ReadBytes(QStringLiteral(ZAVELIK_TEST_DATA "/jet/v1-old.mdb")); }
 
     void Prepare() override {
         QDir(Folder()).removeRecursively();
         QDir().mkpath(Folder());
-        QFile book(Path());
-        ASSERT_TRUE(book.open(QFile::WriteOnly));
-        book.write(m_old);
+        test::WriteBytes(Path(), m_old);
         gRegister().SaveKeyVal(QStringLiteral("DB_Path"), Path());
     }
     void Act() override {
@@ -47,11 +41,11 @@ protected:
     }
     /// The old bytes are there in any case; the new book is whole.
     void CheckFiles(bool reported) override {
-        if (Bytes(Path()) == m_old) {
+        if (test::ReadBytes(Path()) == m_old) {
             EXPECT_FALSE(reported);
             return;
         }
-        EXPECT_EQ(Bytes(Kept()), m_old);
+        EXPECT_EQ(test::ReadBytes(Kept()), m_old);
         engine::DBEngine::CreateWorkspace({}, {}, {})->OpenDatabase(Path())->Close();
         EXPECT_EQ(test::ReadRows(Path(), QStringLiteral("SELECT count(*) FROM a01")), QStringList{"11"});
     }
@@ -68,7 +62,7 @@ protected:
         gWorkspace.reset();
     }
     void CheckEnd() override {
-        EXPECT_NE(Bytes(Path()), m_old);
+        EXPECT_NE(test::ReadBytes(Path()), m_old);
         CheckFiles(true);
         EXPECT_EQ(test::ReadRows(Path(), QStringLiteral("SELECT v00vrid FROM v00")), QStringList{"3"});
     }
@@ -76,10 +70,6 @@ protected:
     QString Folder() const { return m_folder.Path(QStringLiteral("books")); }
 
 private:
-    static QByteArray Bytes(const QString& path) {
-        QFile file(path);
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
-    }
     QString Path() const { return Folder() + QStringLiteral("/book.mdb"); }
     QString Kept() const { return Folder() + QStringLiteral("/book.jet4.mdb"); }
 

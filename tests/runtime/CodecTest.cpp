@@ -1,5 +1,5 @@
 #include "platform/runtime/Codec1251.h"
-#include "tests/runtime/Expect.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/runtime/Dates.h"
 
-#include "tests/runtime/Expect.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -149,7 +149,7 @@ TEST(Dates, ReadsTextsByRussianSettings) {
         const std::optional<QDateTime> value = runtime::TryTextToDate(text);
         EXPECT_EQ(value ? Shown(*value) : QString(), QString::fromUtf8(row.expected));
         EXPECT_EQ(runtime::IsDate(text), value.has_value());
-        EXPECT_EQ(test::NumberOf([&] { runtime::TextToDate(text); }), value ? 0 : runtime::TypeMismatch);
+        EXPECT_EQ(test::FailureOf([&] { runtime::TextToDate(text); }), value ? 0 : runtime::TypeMismatch);
     }
 }
 
@@ -194,7 +194,7 @@ TEST(Dates, NumbersCountFromDayZero) {
     EXPECT_EQ(runtime::DateToText(runtime::DateFromNumber(2958465.9999999)),
               QStringLiteral("31.12.9999 23:59:59"));
     for (const double outside : {2958466.0, -657435.0, 1e300, std::numeric_limits<double>::quiet_NaN()})
-        EXPECT_EQ(test::NumberOf([&] { runtime::DateFromNumber(outside); }), runtime::Overflow) << outside;
+        EXPECT_EQ(test::FailureOf([&] { runtime::DateFromNumber(outside); }), runtime::Overflow) << outside;
 }
 
 TEST(Dates, TodayComesFromTheOneService) {

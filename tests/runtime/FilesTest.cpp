@@ -1,7 +1,6 @@
 #include "platform/runtime/Files.h"
 
-#include "tests/runtime/Expect.h"
-#include "tests/support/System.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -20,15 +19,8 @@ protected:
     QString Path(const QString& name) const { return m_folder.filePath(name); }
 
     QString Make(const QString& name, const QByteArray& content = {}) const {
-        QFile file(Path(name));
-        EXPECT_TRUE(file.open(QFile::WriteOnly));
-        file.write(content);
-        return file.fileName();
-    }
-
-    static QByteArray Content(const QString& path) {
-        QFile file(path);
-        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArrayLiteral("no file");
+        test::WriteBytes(Path(name), content);
+        return Path(name);
     }
 
     QString MakePipe(const QString& name) const { return test::MakePipe(Path(name)); }
@@ -91,7 +83,7 @@ TEST_F(Files, KillDeletesFilesAndNothingElse) {
         {kept + QChar(0), runtime::BadFileName},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(test::NumberOf([&] { runtime::Kill(row.path); }), row.failure) << row.path.toStdString();
+        EXPECT_EQ(test::FailureOf([&] { runtime::Kill(row.path); }), row.failure) << row.path.toStdString();
     EXPECT_TRUE(QFile::exists(kept));
     EXPECT_TRUE(QFile::exists(folder));
     EXPECT_FALSE(QFile::exists(odd));
@@ -110,10 +102,10 @@ TEST_F(Files, AnOpenDatabaseIsNotDeletedUnderAnyName) {
         const runtime::OpenDatabaseFile openTwice(link);
         for (const QString& path : {book, link, hardLink, Path(QStringLiteral("sub/../book.mdb")),
                                     Path(QStringLiteral("sub/.././/book.mdb"))})
-            EXPECT_EQ(test::NumberOf([&] { runtime::Kill(path); }), runtime::PermissionDenied);
-        EXPECT_EQ(Content(book), "cards");
+            EXPECT_EQ(test::FailureOf([&] { runtime::Kill(path); }), runtime::PermissionDenied);
+        EXPECT_EQ(test::ReadBytes(book), "cards");
     }
-    EXPECT_EQ(test::NumberOf([&] { runtime::Kill(book); }), 0);
+    EXPECT_EQ(test::FailureOf([&] { runtime::Kill(book); }), 0);
     EXPECT_FALSE(runtime::OpenDatabaseFile::Holds(book));
 }
 
@@ -124,7 +116,7 @@ TEST_F(Files, OutputIsWrittenInTheCodePageWithBothLineEnds) {
     file.Print(QStringLiteral("日\nx"));
     file.Close();
     file.Close();
-    EXPECT_EQ(Content(path), QByteArrayLiteral("\xC8\xEC\xFF;\xB9\r\n?\nx\r\n"));
+    EXPECT_EQ(test::ReadBytes(path), QByteArrayLiteral("\xC8\xEC\xFF;\xB9\r\n?\nx\r\n"));
 }
 
 TEST_F(Files, OutputNamesWhatIsWrong) {
@@ -146,7 +138,7 @@ TEST_F(Files, OutputNamesWhatIsWrong) {
         {QString(), runtime::BadFileName},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(test::NumberOf([&] { OutputFile file(row.path); }), row.failure) << row.path.toStdString();
+        EXPECT_EQ(test::FailureOf([&] { OutputFile file(row.path); }), row.failure) << row.path.toStdString();
 }
 
 TEST_F(Files, AFullDiskIsReportedAtTheLatestOnClosing) {
@@ -156,7 +148,7 @@ TEST_F(Files, AFullDiskIsReportedAtTheLatestOnClosing) {
         QFile::remove(Path(QStringLiteral("full.csv")));
         OutputFile file(Path(QStringLiteral("full.csv")));
         const test::SmallDisk full(room);
-        const int failure = test::NumberOf([&] {
+        const int failure = test::FailureOf([&] {
             for (qint64 written = 0; written <= room; written += 101)
                 file.Print(line);
             file.Close();
@@ -193,7 +185,7 @@ TEST_F(Files, InputSplitsLinesAtCarriageReturns) {
         while (!file.AtEnd())
             lines += file.LineInput();
         EXPECT_EQ(lines, row.lines) << row.content.left(40).toStdString();
-        EXPECT_EQ(test::NumberOf([&] { file.LineInput(); }), runtime::InputPastEnd);
+        EXPECT_EQ(test::FailureOf([&] { file.LineInput(); }), runtime::InputPastEnd);
     }
 }
 
@@ -214,14 +206,14 @@ TEST_F(Files, InputNamesWhatIsWrong) {
         {QString(), runtime::BadFileName},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(test::NumberOf([&] { InputFile file(row.path); }), row.failure) << row.path.toStdString();
+        EXPECT_EQ(test::FailureOf([&] { InputFile file(row.path); }), row.failure) << row.path.toStdString();
 }
 
 TEST_F(Files, ALineLargerThanTheMemoryIsRefused) {
     const QString path = Make(QStringLiteral("zeros.csv"));
     ASSERT_TRUE(QFile::resize(path, qint64{1} << 40)); // a hole: it takes no room
     InputFile file(path);
-    EXPECT_EQ(test::NumberOf([&] { file.LineInput(); }), runtime::OutOfMemory);
+    EXPECT_EQ(test::FailureOf([&] { file.LineInput(); }), runtime::OutOfMemory);
 }
 
 TEST_F(Files, PathsAreJoinedWithOneSeparator) {
@@ -238,7 +230,7 @@ TEST_F(Files, TheProgramFolderCanBeWritten) {
     const QCoreApplication application(count, static_cast<char**>(arguments));
     const QString folder = runtime::ProgramFolder();
     EXPECT_FALSE(folder.endsWith(u'/'));
-    EXPECT_EQ(test::NumberOf([&] {
+    EXPECT_EQ(test::FailureOf([&] {
                   OutputFile file(runtime::JoinPath(folder, QStringLiteral("program-folder-test.tmp")));
               }),
               0);

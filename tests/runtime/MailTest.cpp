@@ -1,6 +1,6 @@
 #include "platform/runtime/Mail.h"
 
-#include "tests/runtime/Expect.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -57,15 +57,15 @@ TEST_F(Mail, SignOnNeedsAMailProgram) {
         session.SignOff();
         EXPECT_FALSE(session.IsOpen());
     };
-    EXPECT_EQ(test::NumberOf(signOn), NoMailProgram) << "no desktop to ask";
+    EXPECT_EQ(test::FailureOf(signOn), NoMailProgram) << "no desktop to ask";
     Write(QStringLiteral("xdg-mime"), "#!/bin/sh\nexit 0\n");
-    EXPECT_EQ(test::NumberOf(signOn), NoMailProgram) << "no program chosen";
+    EXPECT_EQ(test::FailureOf(signOn), NoMailProgram) << "no program chosen";
     Write(QStringLiteral("xdg-mime"),
           "#!/bin/sh\n[ \"$3\" = x-scheme-handler/mailto ] && echo mailer.desktop\n");
-    EXPECT_EQ(test::NumberOf(signOn), NoMailProgram) << "the chosen program is gone";
+    EXPECT_EQ(test::FailureOf(signOn), NoMailProgram) << "the chosen program is gone";
     QDir(m_folder.path()).mkdir(QStringLiteral("applications"));
     Write(QStringLiteral("applications/mailer.desktop"), "[Desktop Entry]\n");
-    EXPECT_EQ(test::NumberOf(signOn), 0);
+    EXPECT_EQ(test::FailureOf(signOn), 0);
 }
 
 TEST_F(Mail, TheComposeWindowGetsNameAndAddress) {

@@ -1,6 +1,6 @@
 #include "platform/runtime/Numbers.h"
 
-#include "tests/runtime/Expect.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -50,7 +50,7 @@ TEST(Numbers, TextToNumberFollowsRussianSettings) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         double value = 0;
-        EXPECT_EQ(test::NumberOf([&] { value = runtime::TextToNumber(QString::fromUtf8(row.text)); }),
+        EXPECT_EQ(test::FailureOf([&] { value = runtime::TextToNumber(QString::fromUtf8(row.text)); }),
                   row.failure);
         EXPECT_DOUBLE_EQ(value, row.value);
     }
@@ -79,7 +79,7 @@ TEST(Numbers, WholeNumbersRoundHalvesToEvenAndKeepTheirRange) {
         SCOPED_TRACE(row.text);
         const QString text = QString::fromLatin1(row.text);
         int value = 0;
-        EXPECT_EQ(test::NumberOf([&] { value = runtime::TextToLong(text); }), row.failure);
+        EXPECT_EQ(test::FailureOf([&] { value = runtime::TextToLong(text); }), row.failure);
         EXPECT_EQ(value, row.value);
     }
 }
@@ -138,8 +138,8 @@ TEST(Numbers, SixteenBitCounterOverflowsAtItsLimits) {
     runtime::Int16 counter(32766);
     ++counter;
     EXPECT_EQ(counter, 32767);
-    EXPECT_EQ(test::NumberOf([&] { ++counter; }), Overflow);
+    EXPECT_EQ(test::FailureOf([&] { ++counter; }), Overflow);
     EXPECT_EQ(counter, 32767);
-    EXPECT_EQ(test::NumberOf([] { runtime::Int16 tooLarge(32768); }), Overflow);
-    EXPECT_EQ(test::NumberOf([] { runtime::Int16(-32768) += -1; }), Overflow);
+    EXPECT_EQ(test::FailureOf([] { runtime::Int16 tooLarge(32768); }), Overflow);
+    EXPECT_EQ(test::FailureOf([] { runtime::Int16(-32768) += -1; }), Overflow);
 }

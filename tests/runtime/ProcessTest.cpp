@@ -1,6 +1,6 @@
 #include "platform/runtime/Process.h"
 
-#include "tests/runtime/Expect.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/runtime/Settings.h"
 
-#include "tests/runtime/Expect.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -80,8 +80,7 @@ TEST_F(Settings, WhatOthersHaveWrittenStays) {
     EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("/new"));
     EXPECT_EQ(GetSetting(General, General, Key), QStringLiteral("/other"));
     file.close();
-    ASSERT_TRUE(file.open(QFile::ReadOnly));
-    EXPECT_EQ(file.readAll(),
+    EXPECT_EQ(test::ReadBytes(file.fileName()),
               "; remark\n[zavelik]\nGeneral\\DB_Path=\"/new\"\nGeneral\\db_path2=/a, b\n\n"
               "[%General]\nGeneral\\DB_Path=\"/other\"\nx=1\n[General]\nZavelik\\General\\y=2\n");
 }
@@ -96,12 +95,12 @@ TEST_F(Settings, NamesIgnoreCaseAndMayHoldAnySign) {
     SaveSetting(App, odd, odd, QStringLiteral("three"));
     EXPECT_EQ(GetSetting(App, odd.toUpper(), odd.toLower()), QStringLiteral("three"));
     EXPECT_EQ(GetSetting(App, QStringLiteral("Раздел"), odd, QStringLiteral("none")), QStringLiteral("none"));
-    EXPECT_EQ(test::NumberOf([&] { SaveSetting(App, General, {}, odd); }), InvalidCall);
+    EXPECT_EQ(test::FailureOf([&] { SaveSetting(App, General, {}, odd); }), InvalidCall);
 }
 
 TEST_F(Settings, DeletingTakesAwayWhatWasNamed) {
     const QString other = QStringLiteral("Other");
-    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App); }), InvalidCall);
+    EXPECT_EQ(test::FailureOf([&] { DeleteSetting(App); }), InvalidCall);
     SaveSetting(App, General, Key, QStringLiteral("1"));
     SaveSetting(App, General, other, QStringLiteral("2"));
     SaveSetting(App, other, Key, QStringLiteral("3"));
@@ -109,13 +108,13 @@ TEST_F(Settings, DeletingTakesAwayWhatWasNamed) {
     DeleteSetting(App, General, QStringLiteral("db_PATH"));
     EXPECT_EQ(GetSetting(App, General, Key), QString());
     EXPECT_EQ(GetSetting(App, General, other), QStringLiteral("2"));
-    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App, General, Key); }), InvalidCall);
-    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App, QStringLiteral("none"), Key); }), InvalidCall);
+    EXPECT_EQ(test::FailureOf([&] { DeleteSetting(App, General, Key); }), InvalidCall);
+    EXPECT_EQ(test::FailureOf([&] { DeleteSetting(App, QStringLiteral("none"), Key); }), InvalidCall);
 
     DeleteSetting(App, General);
     EXPECT_EQ(GetSetting(App, General, other), QString());
     EXPECT_EQ(GetSetting(App, other, Key), QStringLiteral("3"));
-    EXPECT_EQ(test::NumberOf([&] { DeleteSetting(App, General); }), InvalidCall);
+    EXPECT_EQ(test::FailureOf([&] { DeleteSetting(App, General); }), InvalidCall);
 
     DeleteSetting(App);
     EXPECT_EQ(GetSetting(App, other, Key), QString());
@@ -129,12 +128,12 @@ TEST_F(Settings, AStoreThatCannotBeWrittenIsNoticed) {
                                  QStringLiteral("/proc/store.ini")}) {
         SCOPED_TRACE(store.toStdString());
         runtime::UseSettingsFile(store);
-        EXPECT_EQ(test::NumberOf([&] { SaveSetting(App, General, Key, QStringLiteral("x")); }),
+        EXPECT_EQ(test::FailureOf([&] { SaveSetting(App, General, Key, QStringLiteral("x")); }),
                   PathFileAccess);
         runtime::UseSettingsFile(Path(QStringLiteral("store.ini")));
         runtime::UseSettingsFile(store);
         QString value;
-        test::NumberOf([&] { value = GetSetting(App, General, Key); });
+        test::FailureOf([&] { value = GetSetting(App, General, Key); });
         EXPECT_EQ(value, QString()) << "a value that was not stored is read back";
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/forms/MsgBox.h"
-#include "tests/support/Print.h"
+#include "tests/support/Expect.h"
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/Print.h"
+#include "tests/support/Expect.h"
 
 #include <QObject>
 #include <QPointer>

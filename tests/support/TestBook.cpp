@@ -4,7 +4,6 @@
 #include "platform/runtime/Settings.h"
 
 #include <QDir>
-#include <QFile>
 #include <sqlite3.h>
 
 #include <memory>
@@ -52,17 +51,6 @@ TestFolder::~TestFolder() {
 
 QString TestFolder::Path(const QString& name) const {
     return QDir::toNativeSeparators(m_folder.filePath(name));
-}
-
-QByteArray ReadBytes(const QString& path) {
-    QFile file(path);
-    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
-
-void WriteBytes(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    if (!file.open(QFile::WriteOnly) || file.write(bytes) != bytes.size())
-        throw std::runtime_error("cannot write " + path.toStdString());
 }
 
 QStringList ReadRows(const QString& path, const QString& sql) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Expect.h"
+
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -16,11 +18,6 @@ public:
 private:
     QTemporaryDir m_folder;
 };
-
-/// The bytes of a file; "no file" where none can be read.
-QByteArray ReadBytes(const QString& path);
-/// Makes the file anew.
-void WriteBytes(const QString& path, const QByteArray& bytes);
 
 /// Runs a SELECT of plain SQLite on the file by a second connection; each row is its values joined by '|',
 /// NULL as "NULL". So what a test reads is what is on the disk.

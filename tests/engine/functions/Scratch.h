@@ -1,18 +1,12 @@
 #pragma once
 
 #include "platform/engine/functions/Functions.h"
-#include "platform/runtime/Failure.h"
+#include "tests/support/Expect.h"
 
 #include <QString>
 #include <sqlite3.h>
 
 #include <memory>
-#include <ostream>
-
-// GoogleTest prints texts that differ.
-inline void PrintTo(const QString& text, std::ostream* stream) {
-    *stream << '"' << text.toStdString() << '"';
-}
 
 namespace test {
 

@@ -3,11 +3,8 @@
 #include "platform/engine/Value.h"
 #include "platform/engine/jet4/Reader.h"
 #include "platform/runtime/Dates.h"
-#include "platform/runtime/Failure.h"
+#include "tests/support/Expect.h"
 
-#include <gtest/gtest.h>
-
-#include <QFile>
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -24,15 +21,10 @@ inline QString OldFile(const QString& name) {
     return QStringLiteral(ZAVELIK_TEST_DATA "/jet/") + name;
 }
 
-inline QByteArray BytesOf(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
 /// The rows that the sound files hold, by file and table.
 inline QJsonObject ExpectedRows() {
-    const QJsonDocument document = QJsonDocument::fromJson(BytesOf(OldFile(QStringLiteral("expected.json"))));
+    const QJsonDocument document =
+        QJsonDocument::fromJson(ReadBytes(OldFile(QStringLiteral("expected.json"))));
     EXPECT_TRUE(document.isObject());
     return document.object();
 }
@@ -41,7 +33,7 @@ inline QJsonObject ExpectedRows() {
 class OldBytes {
 public:
     explicit OldBytes(const char* file)
-        : m_bytes(BytesOf(OldFile(QString::fromUtf8(file))))
+        : m_bytes(ReadBytes(OldFile(QString::fromUtf8(file))))
         , m_sound(m_bytes, QString()) {}
 
     const QByteArray& Bytes() const { return m_bytes; }
@@ -171,18 +163,6 @@ inline QJsonValue JsonOf(const engine::Value& value, engine::DataType type) {
     if (type == engine::DataType::Date)
         return runtime::DateFromNumber(value.Number()).toString(QStringLiteral("yyyy-MM-ddTHH:mm"));
     return value.Number();
-}
-
-/// The number of the failure that the action ends in; 0 if it ends well.
-template <class Action>
-int FailureNumber(Action action) {
-    try {
-        action();
-    } catch (const runtime::Failure& failure) {
-        EXPECT_FALSE(failure.description().isEmpty());
-        return failure.number();
-    }
-    return 0;
 }
 
 } // namespace test

@@ -133,7 +133,7 @@ TEST(OldFormatReader, NamesWhatItRefuses) {
     };
     for (const auto& file : files) {
         const QString path = test::OldFile(QString::fromUtf8(file.file));
-        EXPECT_EQ(test::FailureNumber([&path] { ReadAll(Reader(path)); }), file.number) << file.file;
+        EXPECT_EQ(test::FailureOf([&path] { ReadAll(Reader(path)); }), file.number) << file.file;
         EXPECT_EQ(Reader::IsOldFormat(path),
                   file.number == engine::CannotOpenDatabase || file.number == engine::PasswordNeeded)
             << file.file;
@@ -192,7 +192,7 @@ TEST(OldFormatReader, ARowHoldsTheValuesOfItsColumnsAlone) {
 // Rows that have grown stand elsewhere, each behind a pointer of its own.
 TEST(OldFormatReader, NoRowIsReadByTwoPointers) {
     for (const unsigned pointers : {1U, 2U}) {
-        QByteArray bytes = test::BytesOf(test::OldFile(QStringLiteral("v1-old.mdb")));
+        QByteArray bytes = test::ReadBytes(test::OldFile(QStringLiteral("v1-old.mdb")));
         const Reader sound(bytes, QString());
         const Table& table = *sound.Find(u"a02");
         std::vector<engine::jet4::RowPlace> rows;
@@ -208,7 +208,7 @@ TEST(OldFormatReader, NoRowIsReadByTwoPointers) {
         for (unsigned i = 0; i < pointers; ++i)
             qToLittleEndian(target.page << 8 | target.row, mark(rows.at(i), 0x4000));
         qToLittleEndian(table.rowCount - 1, bytes.data() + table.definition * 4096 + 16);
-        const int number = test::FailureNumber([&] { ReadAll(Reader(bytes, QString())); });
+        const int number = test::FailureOf([&] { ReadAll(Reader(bytes, QString())); });
         EXPECT_EQ(number, pointers == 1 ? 0 : engine::CannotOpenDatabase);
     }
 }
@@ -216,7 +216,7 @@ TEST(OldFormatReader, NoRowIsReadByTwoPointers) {
 // Every page in turn is spoilt in several ways: the reader either reads all rows or says that the file is
 // damaged.
 TEST(OldFormatReader, NeverDeliversHalfATable) {
-    const QByteArray sound = test::BytesOf(test::OldFile(QStringLiteral("v1-old.mdb")));
+    const QByteArray sound = test::ReadBytes(test::OldFile(QStringLiteral("v1-old.mdb")));
     constexpr qsizetype pageSize = 4096;
     const char patterns[] = {'\0', '\xFF', '\x01', '\x40', '\x80'};
     int refused = 0;
@@ -227,7 +227,7 @@ TEST(OldFormatReader, NeverDeliversHalfATable) {
                 for (qsizetype i = 0; i < 4; ++i)
                     bytes[page * pageSize + place + i] = pattern;
                 const int number =
-                    test::FailureNumber([&bytes] { ReadAll(Reader(bytes, QStringLiteral("x.mdb"))); });
+                    test::FailureOf([&bytes] { ReadAll(Reader(bytes, QStringLiteral("x.mdb"))); });
                 EXPECT_TRUE(number == 0 || number == engine::CannotOpenDatabase) << number;
                 refused += number != 0;
             }

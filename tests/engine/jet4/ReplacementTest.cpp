@@ -63,21 +63,16 @@ QString Native(const char* path) {
 class Replacement : public testing::Test {
 protected:
     Replacement() {
-        Write(Book(), "old");
-        Write(Finished(), "new");
+        test::WriteBytes(Book(), "old");
+        test::WriteBytes(Finished(), "new");
     }
 
     QString Book() const { return m_folder.Path(QStringLiteral("Книга.mdb")); }
     QString Kept(const char* name = "Книга.jet4.mdb") const { return m_folder.Path(QString::fromUtf8(name)); }
     QString Finished() const { return m_folder.Path(QStringLiteral(".finished")); }
 
-    static void Write(const QString& path, const QByteArray& content) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
     static QByteArray Content(const QString& path) {
-        return QFile::exists(path) ? test::BytesOf(path) : QByteArrayLiteral("nothing");
+        return QFile::exists(path) ? test::ReadBytes(path) : QByteArrayLiteral("nothing");
     }
 
 private:
@@ -88,7 +83,7 @@ private:
 
 TEST_F(Replacement, KeepsTheOldFileBesideTheNewOne) {
     const QString journal = Book() + QStringLiteral("-journal"); // would be played into the new one
-    Write(journal, "stale");
+    test::WriteBytes(journal, "stale");
     Disk disk;
     EXPECT_EQ(ReplaceKeeping(disk, Finished(), Book()), Kept());
     EXPECT_EQ(Content(Book()), "new");
@@ -98,7 +93,7 @@ TEST_F(Replacement, KeepsTheOldFileBesideTheNewOne) {
 }
 
 TEST_F(Replacement, TakesTheFirstFreeName) {
-    Write(Kept(), "somebody's");
+    test::WriteBytes(Kept(), "somebody's");
     QDir().mkdir(Kept("Книга.jet4-2.mdb"));
     test::LinkByName(QStringLiteral("/nowhere"), Kept("Книга.jet4-3.mdb"));
     test::LinkByName(Book(), Kept("Книга.jet4-4.mdb"));
@@ -123,13 +118,13 @@ TEST_F(Replacement, NoFaultLosesTheOldFile) {
                 SCOPED_TRACE(testing::Message()
                              << "links " << links << " fault " << fault << " step " << step);
                 QFile::remove(Kept());
-                Write(Book(), "old");
-                Write(Finished(), "new");
+                test::WriteBytes(Book(), "old");
+                test::WriteBytes(Finished(), "new");
                 FaultyDisk disk(step, fault, links);
                 int number = 0;
                 bool died = false;
                 try {
-                    number = test::FailureNumber([&] { ReplaceKeeping(disk, Finished(), Book()); });
+                    number = test::FailureOf([&] { ReplaceKeeping(disk, Finished(), Book()); });
                 } catch (const PowerOff&) {
                     died = true;
                 }

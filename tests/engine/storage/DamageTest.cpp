@@ -34,29 +34,18 @@ protected:
                     .arg(QLatin1String(table), QString(6000, u'з')));
         Run(QStringLiteral("DROP TABLE gone"));
         database->Close();
-        return ReadAll();
-    }
-
-    QByteArray ReadAll() const {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QFile::ReadOnly));
-        return file.readAll();
-    }
-
-    void WriteAll(const QByteArray& bytes) const {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QFile::WriteOnly | QFile::Truncate));
-        ASSERT_EQ(file.write(bytes), bytes.size());
+        return test::ReadBytes(path);
     }
 
     /// Whatever the program does with a book. True if the file could be opened.
     bool Use(const QByteArray& bytes) {
-        WriteAll(bytes);
+        test::WriteBytes(path, bytes);
         const QDateTime stamp = QFileInfo(path).lastModified();
         const int failure = test::FailureOf([&] { database = workspace->OpenDatabase(path); });
         if (failure != 0) {
             EXPECT_TRUE(failure == 3343 || failure == 3049) << failure;
-            EXPECT_TRUE(ReadAll() == bytes && QFileInfo(path).lastModified() == stamp) << "written to";
+            EXPECT_TRUE(test::ReadBytes(path) == bytes && QFileInfo(path).lastModified() == stamp)
+                << "written to";
             return false;
         }
         for (const char* sql : {"SELECT * FROM a01", "SELECT * FROM u ORDER BY k", "SELECT * FROM notes"})
@@ -192,7 +181,7 @@ TEST_F(Damage, CodeInAFileIsDead) {
     const QByteArray sound = Sound();
     for (const auto& row : cases) {
         SCOPED_TRACE(row.what);
-        WriteAll(sound);
+        test::WriteBytes(path, sound);
         sqlite3* other = nullptr;
         sqlite3_open(path.toUtf8().constData(), &other);
         const auto always = [](void*, int, const void*, int, const void*) { return 0; };
@@ -209,10 +198,10 @@ TEST_F(Damage, CodeInAFileIsDead) {
             << sqlite3_errmsg(other);
         sqlite3_close(other);
 
-        const QByteArray bytes = ReadAll();
+        const QByteArray bytes = test::ReadBytes(path);
         EXPECT_EQ(test::FailureOf([&] { database = workspace->OpenDatabase(path); }), row.opening);
         if (row.opening != 0) {
-            EXPECT_TRUE(ReadAll() == bytes) << "written to";
+            EXPECT_TRUE(test::ReadBytes(path) == bytes) << "written to";
             continue;
         }
         EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (900, 'x')")),

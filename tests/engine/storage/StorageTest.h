@@ -4,28 +4,7 @@
 #include "platform/engine/dao/DBEngine.h"
 #include "tests/support/TestBook.h"
 
-#include <gtest/gtest.h>
-
-#include <ostream>
-
-// GoogleTest prints texts that differ.
-inline void PrintTo(const QString& text, std::ostream* stream) {
-    *stream << '"' << text.toStdString() << '"';
-}
-
 namespace test {
-
-/// The number of the failure that the work raises, 0 if none.
-template <class Work>
-int FailureOf(Work work) {
-    try {
-        work();
-        return 0;
-    } catch (const runtime::Failure& failure) {
-        EXPECT_FALSE(failure.description().isEmpty()) << failure.number();
-        return failure.number();
-    }
-}
 
 inline QStringList Rows(engine::Recordset set) {
     QStringList rows;

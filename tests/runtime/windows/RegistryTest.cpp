@@ -1,5 +1,5 @@
 #include "platform/runtime/Settings.h"
-#include "tests/runtime/Expect.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 
@@ -32,6 +32,6 @@ TEST(Registry, SettingsStandUnderTheUsersKey) {
     EXPECT_EQ(Stored(QStringLiteral("Software\\%1\\General").arg(app), name), path);
     runtime::DeleteSetting(app, general, name);
     EXPECT_EQ(runtime::GetSetting(app, general, name), QString());
-    EXPECT_NE(test::NumberOf([&] { runtime::DeleteSetting(app, general, name); }), 0);
+    EXPECT_NE(test::FailureOf([&] { runtime::DeleteSetting(app, general, name); }), 0);
     ::RegDeleteTreeW(HKEY_CURRENT_USER, QStringLiteral("Software\\%1").arg(app).toStdWString().c_str());
 }

@@ -6,11 +6,13 @@
 #include "platform/engine/functions/Functions.h"
 
 #include <QString>
+#include <QVarLengthArray>
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
 #include <compare>
+#include <cstring>
 #include <vector>
 
 namespace engine::functions {
@@ -166,15 +168,42 @@ int CompareKeys(QStringView a, QStringView b) {
     return order < 0 ? -1 : order > 0 ? 1 : CompareFolded(a, b);
 }
 
+/// A text as SQLite hands it over. Within a row it may begin at an odd place, where no unit can be read.
+class GivenText {
+public:
+    GivenText(const void* start, int bytes)
+        : m_view(static_cast<const char16_t*>(start), bytes / 2) {
+        if (reinterpret_cast<std::uintptr_t>(start) % alignof(char16_t) == 0)
+            return;
+        m_copy.resize(m_view.size());
+        std::memcpy(m_copy.data(), start, static_cast<std::size_t>(m_view.size()) * sizeof(char16_t));
+        m_view = QStringView(m_copy.data(), m_copy.size());
+    }
+    GivenText(const GivenText&) = delete;
+    GivenText& operator=(const GivenText&) = delete;
+
+    QStringView View() const { return m_view; }
+
+private:
+    QStringView m_view;
+    QVarLengthArray<char16_t> m_copy;
+};
+
 template <int (*Compare)(QStringView, QStringView)>
 int CallCollation(void*, int aBytes, const void* a, int bBytes, const void* b) {
     try {
-        return Compare(QStringView(static_cast<const char16_t*>(a), aBytes / 2),
-                       QStringView(static_cast<const char16_t*>(b), bBytes / 2));
+        return Compare(GivenText(a, aBytes).View(), GivenText(b, bBytes).View());
     } catch (...) { // no exception may pass through SQLite
         KeepFailure();
         return 0;
     }
+}
+
+template <int (*Compare)(QStringView, QStringView)>
+void RegisterCollation(sqlite3* db, const char* name) {
+    // Not SQLITE_UTF16_ALIGNED, for which SQLite copies every text that is compared.
+    CheckRegistered(
+        sqlite3_create_collation_v2(db, name, SQLITE_UTF16, nullptr, CallCollation<Compare>, nullptr));
 }
 
 } // namespace
@@ -231,10 +260,8 @@ int CompareSorted(QStringView a, QStringView b) {
 }
 
 void RegisterCollations(sqlite3* db) {
-    CheckRegistered(sqlite3_create_collation_v2(db, "ZV_FOLD", SQLITE_UTF16_ALIGNED, nullptr,
-                                                CallCollation<CompareFolded>, nullptr));
-    CheckRegistered(sqlite3_create_collation_v2(db, "ZV_SORT", SQLITE_UTF16_ALIGNED, nullptr,
-                                                CallCollation<CompareSorted>, nullptr));
+    RegisterCollation<CompareFolded>(db, "ZV_FOLD");
+    RegisterCollation<CompareSorted>(db, "ZV_SORT");
 }
 
 } // namespace engine::functions

@@ -11,7 +11,6 @@ namespace engine {
 
 namespace {
 
-constexpr int maxSearches = 50;
 constexpr double exactWhole = 9.0e15; ///< up to here a whole number is itself as a double
 
 /// Equal for cells that the dialect's `=` finds equal: numbers by their value, whatever they are kept as,
@@ -33,30 +32,24 @@ std::optional<std::size_t> HashOf(const Cell& cell, std::size_t seed) {
 
 } // namespace
 
-std::shared_ptr<Finder::Search> Finder::SearchFor(const sql::Scanned& scanned) {
-    auto search = scanned.cacheable ? m_searches.value(scanned.shape) : nullptr;
-    if (search)
-        return search;
-    search = std::make_shared<Search>();
-    search->plan = sql::TranslateCriteria(scanned, m_columns);
-    search->truth = Statement(m_db, search->plan.text, Doing::Read, {}, Statement::Lifetime::Kept);
-    if (scanned.cacheable) {
-        if (m_searches.size() >= maxSearches)
-            m_searches.clear();
-        m_searches.insert(scanned.shape, search);
-    }
-    return search;
+Finder::Search& Finder::SearchFor(const QString& criteria, sql::Scanned& scanned) {
+    if (Search* known = m_searches.Find(criteria, scanned))
+        return *known;
+    scanned = sql::Scan(criteria);
+    Search search{sql::TranslateCriteria(scanned, m_columns), {}};
+    search.truth = Statement(m_db, search.plan.text, Doing::Read, {}, Statement::Lifetime::Kept);
+    return m_searches.Keep(scanned, std::move(search));
 }
 
 std::optional<std::size_t> Finder::First(const QString& criteria) {
-    const sql::Scanned scanned = sql::Scan(criteria);
-    const auto search = SearchFor(scanned);
+    sql::Scanned scanned;
+    Search& search = SearchFor(criteria, scanned);
     const auto fits = [&](std::size_t row) {
-        return !m_rows.IsRemoved(row) && IsTrue(*search, row, scanned.literals);
+        return !m_rows.IsRemoved(row) && IsTrue(search, row, scanned.literals);
     };
     std::vector<int> columns;
     std::size_t hash = 0;
-    for (const sql::KeyCondition& key : search->plan.equalities) {
+    for (const sql::KeyCondition& key : search.plan.equalities) {
         const DataType type = m_columns[static_cast<std::size_t>(key.column)].type;
         if (!IsText(type) && !IsWholeNumber(type))
             continue;

@@ -1,9 +1,7 @@
 #pragma once
 
+#include "platform/engine/run/Recent.h"
 #include "platform/engine/run/RowBuffer.h"
-#include "platform/engine/sql/Plan.h"
-
-#include <QHash>
 
 #include <optional>
 #include <vector>
@@ -38,14 +36,15 @@ private:
         std::vector<std::pair<std::size_t, std::uint32_t>> rows;
     };
 
-    std::shared_ptr<Search> SearchFor(const sql::Scanned& scanned);
+    Search& SearchFor(const QString& criteria, sql::Scanned& scanned);
     const Index& IndexOver(const std::vector<int>& columns);
     bool IsTrue(Search& search, std::size_t row, const std::vector<sql::Literal>& literals) const;
 
     const Sqlite& m_db;
     const RowBuffer& m_rows;
     const std::vector<sql::ResultColumn>& m_columns;
-    QHash<QString, std::shared_ptr<Search>> m_searches;
+    static constexpr std::size_t mostSearches = 50;
+    Recent<Search> m_searches{mostSearches};
     std::vector<Index> m_indexes;
 };
 

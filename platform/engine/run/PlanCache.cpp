@@ -2,34 +2,21 @@
 
 #include "platform/engine/run/Runner.h"
 
-#include <algorithm>
-
 namespace engine {
 
-namespace {
-
-constexpr int maxPlans = 200;
-
-} // namespace
-
 const BoundPlan& PlanCache::Of(const QString& text, sql::Purpose purpose) {
-    sql::Scan(text, m_bound.scanned);
     Plans& plans = purpose == sql::Purpose::Execute ? m_actions : m_queries;
-    const sql::Scanned& scanned = m_bound.scanned;
-    m_bound.cached = scanned.cacheable ? plans.value(scanned.shape) : nullptr;
-    if (!m_bound.cached) {
-        m_bound.cached = Translate(purpose);
-        const sql::Plan& plan = m_bound.cached->plan;
-        // The columns of a TRANSFORM are told by the rows at each opening.
-        if (scanned.cacheable && plan.headingsText.isEmpty() && plan.verb != sql::Verb::Schema &&
-            plan.verb != sql::Verb::SelectInto) {
-            if (plans.size() >= maxPlans)
-                plans.erase(std::ranges::min_element(plans.begin(), plans.end(), {},
-                                                     [](const auto& kept) { return kept->lastUse; }));
-            plans.insert(scanned.shape, m_bound.cached);
-        }
+    if (const auto* known = plans.Find(text, m_bound.scanned)) {
+        m_bound.cached = *known;
+        return m_bound;
     }
-    m_bound.cached->lastUse = ++m_useCount;
+    m_bound.scanned = sql::Scan(text);
+    m_bound.cached = Translate(purpose);
+    const sql::Plan& plan = m_bound.cached->plan;
+    // The columns of a TRANSFORM are told by the rows at each opening.
+    if (m_bound.scanned.cacheable && plan.headingsText.isEmpty() && plan.verb != sql::Verb::Schema &&
+        plan.verb != sql::Verb::SelectInto)
+        plans.Keep(m_bound.scanned, m_bound.cached);
     return m_bound;
 }
 
@@ -58,8 +45,8 @@ std::vector<sql::Heading> PlanCache::ReadHeadings(const sql::Plan& plan) const {
 }
 
 void PlanCache::Drop() noexcept {
-    m_queries.clear();
-    m_actions.clear();
+    m_queries.Clear();
+    m_actions.Clear();
 }
 
 } // namespace engine

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "platform/engine/sql/Plan.h"
+#include "platform/engine/run/Recent.h"
 #include "platform/engine/store/Statement.h"
-
-#include <QHash>
 
 #include <memory>
 
@@ -16,7 +14,6 @@ struct CachedPlan {
     Statement ignoreText;
     Statement rowText;
     bool countsUp = false; ///< an INSERT that can use up a generated number
-    std::uint64_t lastUse = 0;
 };
 
 /// A plan together with the literals of the text at hand.
@@ -25,7 +22,7 @@ struct BoundPlan {
     sql::Scanned scanned;
 };
 
-/// The plans of the statements that came last, by their shape.
+/// The plans of the statements that came last.
 class PlanCache {
 public:
     /// Both outlive the cache.
@@ -39,17 +36,17 @@ public:
     void Drop() noexcept;
 
 private:
-    using Plans = QHash<QString, std::shared_ptr<CachedPlan>>;
+    using Plans = Recent<std::shared_ptr<CachedPlan>>;
+    static constexpr std::size_t mostPlans = 200;
 
     std::shared_ptr<CachedPlan> Translate(sql::Purpose purpose);
     std::vector<sql::Heading> ReadHeadings(const sql::Plan& plan) const;
 
     const Sqlite& m_db;
     const Catalog& m_catalog;
-    Plans m_queries;
-    Plans m_actions;
+    Plans m_queries{mostPlans};
+    Plans m_actions{mostPlans};
     BoundPlan m_bound; ///< of the statement at hand
-    std::uint64_t m_useCount = 0;
 };
 
 } // namespace engine

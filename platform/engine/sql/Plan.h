@@ -10,9 +10,14 @@ namespace engine::sql {
 /// A literal as it stands in a statement: a view of its text.
 class Literal {
 public:
-    /// A literal token.
-    explicit Literal(const Token& token);
+    /// What of it tells how the statement is translated: its kind alone; that it is a pattern of LIKE, with
+    /// or without wildcards; or every character.
+    enum class Role : std::uint8_t { Value, Pattern, Fixed };
 
+    /// A literal token.
+    Literal(const Token& token, Role role);
+
+    QStringView Text() const { return m_text; }
     /// A whole number.
     const std::int64_t* Whole() const { return m_kind == TokenKind::Integer ? &m_whole : nullptr; }
     /// The characters of a text, if they stand there as they are; null if a quote among them is doubled, or
@@ -20,30 +25,35 @@ public:
     QStringView Plain() const { return m_plain; }
     Value ToValue() const;
 
+    /// The literal at this place of a text, if it can stand for this one in a statement with the same plan.
+    std::optional<Literal> Likeness(QStringView text, qsizetype place) const;
+    void Fix() { m_role = Role::Fixed; }
+
 private:
+    bool IsLike(const Literal& other) const;
+
     TokenKind m_kind;
+    Role m_role;
     std::int64_t m_whole = 0;
     QStringView m_text;
     QStringView m_plain;
 };
 
-/// A statement text taken apart: the literals, and the shape that remains. Two texts of one shape translate
-/// to the same plan and differ only in what is bound to it. Literals whose value changes the translation
-/// (behind TOP and ORDER BY, in schema statements) stay in the shape; a LIKE pattern is marked there as one
-/// with or without wildcards.
+/// A statement text taken apart. Two texts that differ in literals alone, and in those not in what their
+/// roles keep, translate to the same plan and differ only in what is bound to it.
 struct Scanned {
     QString text;
-    QString shape;
     std::vector<Literal> literals; ///< views of the text
     bool cacheable =
         true; ///< false for schema statements and very long lists: their literals are written out
 };
 
-/// Failure 3360 for a text over 1,000,000 characters. A text that cannot be read to its end has no shape (it
-/// is not cacheable) and fails at Translate.
+/// Failure 3360 for a text over 1,000,000 characters. A text that cannot be read to its end is not cacheable
+/// and fails at Translate.
 Scanned Scan(const QString& text);
-/// The same into an object whose room is used again.
-void Scan(const QString& text, Scanned& scanned);
+/// Takes a text apart that has the plan of another, by that one. False if it has not, or is written in
+/// another way; only the room of `scanned` can be used then.
+bool ScanLike(const Scanned& known, const QString& text, Scanned& scanned);
 
 /// How a literal is converted before it is bound.
 struct Parameter {

@@ -11,13 +11,13 @@ namespace {
 constexpr qsizetype longestStatement = 1'000'000;
 constexpr std::size_t mostBoundLiterals = 200;
 
-/// Joins the shape of a statement, and watches for the words behind which a literal's value matters.
-class ShapeBuilder {
+/// Collects the literals of a statement, and watches for the words behind which their values matter.
+class Scanner {
 public:
-    explicit ShapeBuilder(Scanned& scanned)
+    explicit Scanner(Scanned& scanned)
         : m_scanned(scanned) {}
 
-    void Build() {
+    void Run() {
         Lexer lexer(m_scanned.text);
         for (Token token = lexer.Next(); token.kind != TokenKind::End; token = lexer.Next()) {
             if (token.IsBroken() || m_scanned.literals.size() > mostBoundLiterals)
@@ -25,115 +25,46 @@ public:
             if (token.IsLiteral())
                 AddLiteral(token);
             else
-                AddOther(token);
+                PassOver(token);
+            m_isFirst = false;
         }
         if (m_bySchema)
             return GiveUp();
         if (m_byText)
-            m_scanned.shape = m_scanned.text;
-        else
-            m_scanned.shape.truncate(m_end);
+            for (Literal& literal : m_scanned.literals)
+                literal.Fix();
     }
 
 private:
     void GiveUp() {
         m_scanned.cacheable = false;
-        m_scanned.shape.clear();
         m_scanned.literals.clear();
     }
 
-    /// A piece and the blank behind it.
-    void Add(QStringView piece) {
-        const qsizetype end = m_end + piece.size() + 1;
-        if (end > m_room) {
-            m_room = std::max(end, m_scanned.text.size() * 2);
-            m_scanned.shape.resize(m_room);
-            m_shape = m_scanned.shape.data();
-        }
-        QChar* to = m_shape + m_end;
-        for (const QChar character : piece) // mostly few: a call would cost more
-            *to++ = character;
-        *to = u' ';
-        m_end = end;
-    }
-
     void AddLiteral(const Token& token) {
-        m_scanned.literals.emplace_back(token);
-        switch (token.kind) {
-        case TokenKind::Text:
-            Add(!m_behindLike ? u"?s" : PatternMark(m_scanned.literals.back().ToValue().Text()));
-            break;
-        case TokenKind::Integer:
-            Add(u"?i");
-            break;
-        case TokenKind::Fraction:
-            Add(m_scanned.literals.back().ToValue().As<Money>() ? u"?m" : u"?f");
-            break;
-        default:
-            Add(u"?t");
-            break;
-        }
         // In an order a number tells a column, however it is written: `1`, `(1)`, `+1`.
-        if (m_behindTop || m_inOrder)
-            Add(token.text);
+        const bool isFixed = m_behindTop || m_inOrder;
+        m_scanned.literals.emplace_back(token, isFixed        ? Literal::Role::Fixed
+                                               : m_behindLike ? Literal::Role::Pattern
+                                                              : Literal::Role::Value);
         m_behindLike = false;
         m_behindTop = false;
     }
 
-    /// A pattern that is none has a shape of its own: no plan is found for it, and reading it fails.
-    static QStringView PatternMark(const QString& pattern) {
-        if (!functions::HasWildcards(pattern))
-            return u"?s";
-        return functions::IsPattern(pattern) ? u"?w" : u"?x";
-    }
-
-    void AddOther(const Token& token) {
-        const bool isFirst = m_end == 0;
-        Add(token.text);
-        m_behindTop = false;
-        m_behindLike = m_behindLike && token.Is(u'(');
-        if (token.kind == TokenKind::Word)
-            Watch(token, isFirst);
-    }
-
-    void Watch(const Token& word, bool isFirst) {
-        switch (word.text.front().unicode() | 0x20) {
-        case u'l':
-            m_behindLike = word.IsWord("LIKE");
-            break;
-        case u'o':
-            m_inOrder = m_inOrder || word.IsWord("ORDER");
-            break;
-        case u'g':
-            // Grouping and DISTINCT compare expressions with each other, literals included.
-            m_byText = m_byText || word.IsWord("GROUP");
-            break;
-        case u'h':
-            m_byText = m_byText || word.IsWord("HAVING");
-            break;
-        case u'd':
-            m_byText = m_byText || word.IsWord("DISTINCT");
-            m_bySchema = m_bySchema || (isFirst && word.IsWord("DROP"));
-            break;
-        case u't':
-            m_behindTop = word.IsWord("TOP");
-            m_byText = m_byText || word.IsWord("TRANSFORM");
-            break;
-        case u'c':
-            m_bySchema = m_bySchema || (isFirst && word.IsWord("CREATE"));
-            break;
-        case u'a':
-            m_bySchema = m_bySchema || (isFirst && word.IsWord("ALTER"));
-            break;
-        default:
-            break;
-        }
+    void PassOver(const Token& token) {
+        const auto isAny = [&](std::initializer_list<std::string_view> words) {
+            return std::ranges::any_of(words, [&](std::string_view word) { return token.IsWord(word); });
+        };
+        m_behindTop = token.IsWord("TOP");
+        m_behindLike = token.IsWord("LIKE") || (m_behindLike && token.Is(u'('));
+        m_inOrder = m_inOrder || token.IsWord("ORDER");
+        // Grouping and DISTINCT compare expressions with each other, literals included.
+        m_byText = m_byText || isAny({"GROUP", "HAVING", "DISTINCT", "TRANSFORM"});
+        m_bySchema = m_bySchema || (m_isFirst && isAny({"CREATE", "ALTER", "DROP"}));
     }
 
     Scanned& m_scanned;
-    QChar* m_shape = nullptr;
-    qsizetype m_room = 0;      ///< for the shape
-    qsizetype m_end = 0;       ///< of the shape
+    bool m_isFirst = true;     ///< of all tokens
     bool m_behindLike = false; ///< a literal next is a pattern
     bool m_behindTop = false;
     bool m_inOrder = false;
@@ -141,10 +72,21 @@ private:
     bool m_bySchema = false;
 };
 
+/// A pattern that is none differs from both kinds: reading it fails.
+int KindOfPattern(const Literal& literal) {
+    const QString pattern = literal.ToValue().Text();
+    return !functions::HasWildcards(pattern) ? 0 : functions::IsPattern(pattern) ? 1 : 2;
+}
+
+bool IsDigit(QChar character) {
+    return character >= u'0' && character <= u'9';
+}
+
 } // namespace
 
-Literal::Literal(const Token& token)
+Literal::Literal(const Token& token, Role role)
     : m_kind(token.kind)
+    , m_role(role)
     , m_text(token.text) {
     if (m_kind == TokenKind::Integer) {
         m_whole = *Lexer::LiteralValue(token).As<std::int64_t>();
@@ -166,19 +108,52 @@ Value Literal::ToValue() const {
     return Lexer::LiteralValue(token);
 }
 
-void Scan(const QString& text, Scanned& scanned) {
-    if (text.size() > longestStatement)
-        RaiseEngine(QueryTooComplex);
-    scanned.text = text;
-    scanned.literals.clear();
-    scanned.cacheable = true;
-    ShapeBuilder(scanned).Build();
+/// Where both begin alike, a literal ends what stands before it, and is read, whatever that is.
+std::optional<Literal> Literal::Likeness(QStringView text, qsizetype place) const {
+    const QChar first = place < text.size() ? text[place] : QChar();
+    if (first != m_text.front() && !(IsDigit(first) && IsDigit(m_text.front())))
+        return {};
+    const Literal other(Lexer(text, place).Next(), m_role);
+    return IsLike(other) ? std::optional(other) : std::nullopt;
+}
+
+bool Literal::IsLike(const Literal& other) const {
+    if (m_kind != other.m_kind)
+        return false;
+    if (m_role == Role::Fixed)
+        return m_text == other.m_text;
+    if (m_kind == TokenKind::Fraction) // or an amount
+        return (ToValue().As<Money>() == nullptr) == (other.ToValue().As<Money>() == nullptr);
+    return m_role == Role::Value || m_kind != TokenKind::Text || KindOfPattern(*this) == KindOfPattern(other);
 }
 
 Scanned Scan(const QString& text) {
-    Scanned scanned;
-    Scan(text, scanned);
+    if (text.size() > longestStatement)
+        RaiseEngine(QueryTooComplex);
+    Scanned scanned{text, {}};
+    Scanner(scanned).Run();
     return scanned;
+}
+
+bool ScanLike(const Scanned& known, const QString& text, Scanned& scanned) {
+    if (!known.cacheable || text.size() > longestStatement)
+        return false;
+    scanned.text = text;
+    scanned.cacheable = true;
+    scanned.literals.clear();
+    QStringView rest(text);
+    const QChar* from = known.text.constData();
+    for (const Literal& literal : known.literals) {
+        const QStringView between(from, literal.Text().data());
+        const auto likeness =
+            rest.startsWith(between) ? literal.Likeness(rest, between.size()) : std::nullopt;
+        if (!likeness)
+            return false;
+        scanned.literals.push_back(*likeness);
+        rest = rest.sliced(between.size() + likeness->Text().size());
+        from = literal.Text().end();
+    }
+    return rest == QStringView(from, known.text.constEnd());
 }
 
 } // namespace engine::sql

@@ -2,11 +2,11 @@
 
 #include "platform/engine/schema/LookUps.h"
 #include "platform/engine/schema/Names.h"
+#include "platform/engine/sql/Lexer.h"
 #include "platform/engine/store/Sqlite.h"
 #include "platform/engine/store/Statement.h"
 
 #include <QMap>
-#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -44,50 +44,20 @@ bool IsNamedKey(const TableInfo& table, int rowNumber) {
     return !name.isEmpty() && name != namelessKey;
 }
 
-/// The words, signs and names of a text; names in their quotes.
-QStringList Tokens(const QString& text) {
-    static const QRegularExpression pattern(
-        uR"("[^"]*+(?:""[^"]*+)*+"|`[^`]*+(?:``[^`]*+)*+`|\[[^]]*+]|'[^']*+'|\w++|\S)"_s,
-        QRegularExpression::UseUnicodePropertiesOption);
-    QStringList tokens;
-    for (auto found = pattern.globalMatch(text); found.hasNext();)
-        tokens += found.next().captured();
-    return tokens;
-}
-
-QString Unquoted(const QString& token) {
-    const QChar quote = token.isEmpty() ? QChar() : token.front();
-    if (quote == u'[')
-        return token.mid(1, token.size() - 2);
-    return quote == u'"' || quote == u'`' ? token.mid(1, token.size() - 2).replace(QString(2, quote), quote)
-                                          : token;
-}
-
-bool IsWord(const QString& token, QLatin1String word) {
-    return token.compare(word, Qt::CaseInsensitive) == 0;
+/// A name of the file, however it is quoted.
+QString NameOf(const sql::Token& token) {
+    return token.kind == sql::TokenKind::Text ? sql::Lexer::LiteralValue(token).Text()
+                                              : sql::Lexer::NameOf(token).toString();
 }
 
 /// What the constraint names of a CREATE TABLE text tell, whatever the text.
 class Declarations {
 public:
     explicit Declarations(const QString& createTable) {
-        const QStringList tokens = Tokens(createTable);
-        for (qsizetype at = 0; at < tokens.size(); ++at) {
-            if (!IsWord(tokens[at], QLatin1String("CONSTRAINT")))
-                continue;
-            const QString name = Unquoted(tokens.value(at + 1));
-            const QString kind = tokens.value(at + 2);
-            const bool primary = IsWord(kind, QLatin1String("PRIMARY")); // and KEY
-            if (IsWord(kind, QLatin1String("CHECK")))
-                m_checks += name;
-            qsizetype place = at + (primary ? 4 : 3);
-            if ((!primary && !IsWord(kind, QLatin1String("UNIQUE"))) || tokens.value(place) != u'(')
-                continue;
-            IndexInfo& key = m_keys.emplace_back(IndexInfo{name, {}});
-            while (++place < tokens.size() && tokens[place] != u')')
-                if (tokens[place] != u',' && !IsWord(tokens[place], QLatin1String("AUTOINCREMENT")))
-                    key.columns += Unquoted(tokens[place]);
-        }
+        sql::Lexer lexer(createTable);
+        for (sql::Token token = lexer.Next(); token.kind != sql::TokenKind::End; token = lexer.Next())
+            if (token.IsWord("CONSTRAINT"))
+                Read(lexer);
     }
 
     /// Puts type, size and the like into a column, by its name.
@@ -122,6 +92,23 @@ public:
     }
 
 private:
+    /// Reads on behind CONSTRAINT, to its condition or the end of its columns.
+    void Read(sql::Lexer& lexer) {
+        const QString name = NameOf(lexer.Next());
+        const sql::Token kind = lexer.Next();
+        if (kind.IsWord("CHECK"))
+            m_checks += name;
+        if (kind.IsWord("PRIMARY"))
+            lexer.Next(); // KEY
+        if ((!kind.IsWord("PRIMARY") && !kind.IsWord("UNIQUE")) || !lexer.Next().Is(u'('))
+            return;
+        IndexInfo& key = m_keys.emplace_back(IndexInfo{name, {}});
+        for (sql::Token token = lexer.Next(); token.kind != sql::TokenKind::End && !token.Is(u')');
+             token = lexer.Next())
+            if (!token.Is(u',') && !token.IsWord("AUTOINCREMENT"))
+                key.columns += NameOf(token);
+    }
+
     QStringList m_checks; ///< names of CHECK constraints: "column declaration"
     std::vector<IndexInfo> m_keys;
 };

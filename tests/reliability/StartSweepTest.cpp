@@ -1,31 +1,47 @@
-// The program is started on disks that fail: it creates its database, or raises one of an older version.
+// The program is started on disks that fail: it creates its book, raises one of an older version, converts
+// one of the old format. It stores and reads its setting.
 
-#include "database/General.h"
-#include "database/Schema.h"
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
 #include "platform/runtime/Process.h"
+#include "platform/runtime/Settings.h"
 #include "shared/Declaration.h"
 #include "shell/General.h"
+#include "tests/database/OldVersion.h"
 #include "tests/reliability/Sweep.h"
 #include "tests/support/TestBook.h"
 
-#include <gtest/gtest.h>
-
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QTest>
+
+using namespace std::chrono_literals;
 
 namespace {
 
-class StartWork : public testing::Test, public test::Work {
+const QString Key = QStringLiteral("DB_Path");
+
+class FolderWork : public testing::Test, public test::Work {
+protected:
+    QString Folder() const override { return m_folder.Path(QStringLiteral("books")); }
+    QString Path() const { return Folder() + QStringLiteral("/book.mdb"); }
+    void Prepare() override {
+        QDir(Folder()).removeRecursively();
+        QDir().mkpath(Folder());
+    }
+    bool WasReported(const QStringList& boxes) const override { return boxes.isEmpty(); }
+
+private:
+    test::TestFolder m_folder;
+};
+
+class StartWork : public FolderWork {
 protected:
     void Prepare() override {
-        for (const QString& name : test::FilesOf(Path(), false))
-            QFile::remove(Folder().filePath(name));
+        FolderWork::Prepare();
+        gRegister().SaveKeyVal(Key, Path());
     }
     /// What the program does from its entry to the event loop.
     void Act() override {
@@ -38,6 +54,10 @@ protected:
             // The process is gone: nothing is closed.
         }
     }
+    void ActAgain() override {
+        Leave();
+        Act();
+    }
     void Leave() override {
         for (const auto& form : forms::Form::Loaded())
             form->Unload();
@@ -45,45 +65,34 @@ protected:
         gDatabase.reset();
         gWorkspace.reset();
     }
-    void StartAgain() override { Act(); }
-    void CheckEnd() override {
-        EXPECT_EQ(Leftovers(), QStringList{"book.mdb"});
-        EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
-        EXPECT_EQ(Row("SELECT (SELECT count(*) FROM t02), (SELECT count(*) FROM t03), "
-                      "(SELECT count(*) FROM a03), v00vrid FROM v00"),
-                  QStringLiteral("79|1913|0|3"));
-    }
+    void CheckEnd() override { EXPECT_EQ(Version(), QStringLiteral("3")); }
 
-    QString Path() const { return m_folder.Path(QStringLiteral("book.mdb")); }
-    QDir Folder() const { return QFileInfo(Path()).dir(); }
-    QStringList Leftovers() const { return test::FilesOf(Path(), cutsPower); }
     QString Row(const char* sql) const {
         return test::ReadRows(Path(), QString::fromLatin1(sql)).join(u'\n');
     }
-    static void Store(const QString& path) { gRegister().SaveKeyVal(QStringLiteral("DB_Path"), path); }
+    QString Version() const { return Row("SELECT v00vrid FROM v00"); }
     /// Opens the book as the next program would, which puts right what was left half done.
     std::shared_ptr<engine::Database> Open() const {
-        return engine::DBEngine::CreateWorkspace({}, {}, {})->OpenDatabase(Path());
+        auto book = engine::DBEngine::CreateWorkspace({}, {}, {})->OpenDatabase(Path());
+        EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
+        return book;
     }
-
-private:
-    test::TestFolder m_folder;
 };
 
 /// The first start: the master makes the book. After a failure its button is pressed again.
 class Creation : public StartWork {
     void Prepare() override {
         StartWork::Prepare();
-        Store({});
+        gRegister().SaveKeyVal(Key, {});
     }
     void Answer(QWidget& window) override {
         window.findChild<QLineEdit*>(QStringLiteral("txtDBPath"))->setText(Path());
         Press(window);
         diskFails = false;
-        if (window.isVisible() && cutsPower) {
+        if (window.isVisible() && startsAnew) {
             window.close();
         } else if (window.isVisible()) {
-            EXPECT_EQ(Leftovers(), QStringList());
+            EXPECT_EQ(test::FilesOf(Path(), startsAnew), QStringList());
             Press(window);
         }
     }
@@ -95,66 +104,45 @@ class Creation : public StartWork {
     }
     void CheckFiles(bool reported) override {
         EXPECT_TRUE(QFile::exists(Path()) || !reported);
-        if (!QFile::exists(Path()))
-            return;
-        Open()->Close();
-        CheckEnd();
+        if (QFile::exists(Path()))
+            CheckEnd();
     }
     void ActAgain() override {}
+    void CheckEnd() override {
+        StartWork::CheckEnd();
+        EXPECT_EQ(test::FilesOf(Path(), startsAnew), QStringList{"book.mdb"});
+        Open()->Close();
+        EXPECT_EQ(Row("SELECT (SELECT count(*) FROM t02), (SELECT count(*) FROM t03), count(*) FROM a03"),
+                  QStringLiteral("79|1913|0"));
+    }
 };
 
 /// A book of an older version, with one card.
 class Upgrade : public StartWork {
 protected:
     explicit Upgrade(int version)
-        : m_version(version) {
-        const auto db = engine::DBEngine::CreateWorkspace({}, {}, {})->CreateDatabase(Path(), {});
-        QStringList statements{schema::CreateA01(version > 1),
-                               schema::CreateA02(),
-                               schema::CreateT01(),
-                               schema::CreateV00(),
-                               QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (%1)").arg(version),
-                               QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (5, 'Иванов')")};
-        if (version > 1)
-            statements += {schema::CreateT02(), schema::CreateT03()};
-        for (const QString& statement : statements)
-            db->Execute(statement, engine::dbFailOnError);
-        if (version > 1) {
-            db->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01bith")).SetAllowZeroLength(true);
-            General::FillRegions(*db);
-            General::FillCity(*db);
-        }
-        db->Close();
-        QFile::rename(Path(), Template());
-    }
+        : m_version(version) {}
 
     void Prepare() override {
         StartWork::Prepare();
-        QFile::copy(Template(), Path());
-        Store(Path());
+        test::MakeBook(Path(), m_version);
     }
-    bool WasReported(const QStringList& boxes) const override { return boxes.isEmpty(); }
     void CheckFiles(bool reported) override {
         const auto db = Open();
-        EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
-        EXPECT_EQ(Row("SELECT a01clid, a01last FROM a01"), QStringLiteral("5|Иванов"));
-        const int version = Row("SELECT v00vrid FROM v00").toInt();
-        EXPECT_TRUE(version >= m_version && version <= 3) << version;
+        EXPECT_EQ(Row("SELECT a01clid, a01last FROM a01"), QStringLiteral("7|Иванов"));
+        const int version = Version().toInt();
+        EXPECT_TRUE(version >= (reported ? 3 : m_version) && version <= 3) << version;
         const QStringList tables = db->TableNames();
         EXPECT_EQ(tables.contains(QStringLiteral("a03")), version == 3);
         EXPECT_EQ(tables.contains(QStringLiteral("t02")), version > 1);
         EXPECT_EQ(tables.contains(QStringLiteral("t03")), version > 1);
         EXPECT_EQ(db->TableDefs(QStringLiteral("a01")).FieldsCount(), version > 1 ? 6 : 5);
+        EXPECT_TRUE(version == 1 || Row("SELECT count(*) FROM t03") == (m_version == 1 ? u"1913" : u"0"));
         db->Close();
-        if (reported)
-            CheckEnd();
-    }
-    void ActAgain() override {
-        Leave();
-        Act();
     }
     void CheckEnd() override {
         StartWork::CheckEnd();
+        CheckFiles(true);
         // A card whose birthday is not known can be saved.
         const auto db = Open();
         db->Execute(QStringLiteral("UPDATE a01 SET a01bith = ''"), engine::dbFailOnError);
@@ -162,8 +150,6 @@ protected:
     }
 
 private:
-    QString Template() const { return Folder().filePath(QStringLiteral("old.mdb")); }
-
     int m_version;
 };
 
@@ -179,16 +165,120 @@ protected:
         : Upgrade(2) {}
 };
 
+#ifdef Q_OS_UNIX
+/// A book of the old format: its bytes are there in any case.
+class Conversion : public StartWork {
+    void Prepare() override {
+        StartWork::Prepare();
+        test::WriteBytes(Path(), m_old);
+    }
+    bool WasReported(const QStringList& boxes) const override {
+        return !boxes.filter(QStringLiteral("преобразован в новый формат")).isEmpty() &&
+               test::Boxes::Failures(boxes).isEmpty();
+    }
+    void CheckFiles(bool reported) override {
+        if (test::ReadBytes(Path()) == m_old) {
+            EXPECT_FALSE(reported);
+            return;
+        }
+        EXPECT_EQ(test::ReadBytes(Folder() + QStringLiteral("/book.jet4.mdb")), m_old);
+        Open()->Close();
+        EXPECT_EQ(Row("SELECT count(*) FROM a01"), QStringLiteral("11"));
+    }
+    void CheckEnd() override {
+        CheckFiles(true);
+        StartWork::CheckEnd();
+    }
+
+    const QByteArray m_old = test::ReadBytes(QStringLiteral(ZAVELIK_TEST_DATA "/jet/v1-old.mdb"));
+};
+
+/// The path of the book is stored, where one stands already or as the first.
+class Setting : public FolderWork {
+protected:
+    void Prepare() override {
+        FolderWork::Prepare();
+        if (!before.isEmpty()) {
+            QSettings store(Store(), QSettings::IniFormat);
+            store.setValue(QStringLiteral("Zavelik/General/DB_Path"), before);
+            store.setValue(QStringLiteral("Zavelik/General/other"), 1);
+        }
+        runtime::UseSettingsFile(Store());
+    }
+    void Act() override { gRegister().SaveKeyVal(Key, After); }
+    void CheckFiles(bool reported) override {
+        // Without any sync the old file cannot be put back either.
+        EXPECT_TRUE(Stored() == After || (!reported && Stored() == before)) << Stored().toStdString();
+        EXPECT_TRUE(reported || startsAnew || noSyncAtAll || Stored() == before);
+        EXPECT_TRUE(startsAnew || QDir(Folder()).entryList(QDir::Files | QDir::Hidden).size() <= 1);
+    }
+    void CheckEnd() override { EXPECT_EQ(Stored(), After); }
+
+    QString Store() const { return Folder() + QStringLiteral("/settings.ini"); }
+    /// As the toolkit reads it: from a copy, since it keeps in mind what it has read under a name.
+    QString Stored() {
+        const QTemporaryDir folder;
+        const QString copy = folder.filePath(QStringLiteral("settings.ini"));
+        QFile::copy(Store(), copy);
+        const QSettings store(copy, QSettings::IniFormat);
+        EXPECT_TRUE(before.isEmpty() || store.value(QStringLiteral("Zavelik/General/other")) == 1);
+        return store.value(QStringLiteral("Zavelik/General/DB_Path")).toString();
+    }
+
+    const QString After = QStringLiteral("/новая.mdb");
+    QString before = QStringLiteral("/старая.mdb");
+};
+
+/// What cannot be read is told, and not taken for a setting that is not there.
+class SettingRead : public Setting {
+    void Act() override { m_value = gRegister().GetKeyVal(Key); }
+    void CheckFiles(bool reported) override {
+        EXPECT_TRUE(startsAnew || m_value == (reported ? before : QString())) << m_value.toStdString();
+        EXPECT_EQ(Stored(), before);
+    }
+    void CheckEnd() override { EXPECT_EQ(m_value, before); }
+
+    QString m_value;
+};
+#endif
+
 } // namespace
 
 TEST_F(Creation, OnADiskThatFails) {
-    test::SweepWork(*this, "creation", 2);
+    test::SweepDisk(*this, "creation", 1, 0);
+}
+
+TEST_F(Creation, Killed) {
+    test::SweepKills(*this, "creation", {5ms, 20ms, 40ms});
 }
 
 TEST_F(UpgradeFrom1, OnADiskThatFails) {
-    test::SweepWork(*this, "upgrade from version 1", 2);
+    test::SweepDisk(*this, "upgrade from version 1", 1, 0);
+}
+
+TEST_F(UpgradeFrom1, Killed) {
+    test::SweepKills(*this, "upgrade", {5ms, 20ms, 40ms});
 }
 
 TEST_F(UpgradeFrom2, OnADiskThatFails) {
-    test::SweepWork(*this, "upgrade from version 2", 4);
+    test::SweepDisk(*this, "upgrade from version 2", 1);
 }
+
+#ifdef Q_OS_UNIX
+TEST_F(Conversion, OnASystemThatFails) {
+    test::SweepCalls(*this, "conversion", 1);
+}
+
+TEST_F(Setting, OnASystemThatFails) {
+    test::SweepCalls(*this, "setting", 10);
+}
+
+TEST_F(Setting, TheFirstOnASystemThatFails) {
+    before.clear();
+    test::SweepCalls(*this, "first setting", 10);
+}
+
+TEST_F(SettingRead, OnASystemThatFails) {
+    test::SweepCalls(*this, "reading the setting", 10);
+}
+#endif

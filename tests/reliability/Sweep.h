@@ -5,7 +5,10 @@
 
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
+#include <initializer_list>
+#include <memory>
 #include <string>
 
 class QWidget;
@@ -17,10 +20,12 @@ class Work {
 public:
     virtual ~Work() = default;
 
-    bool diskFails = false; ///< set while the disk may fail
-    bool cutsPower = false; ///< whether the fault of this run is a power failure
-    std::string fault;      ///< the name of a fault of the system's calls
+    bool diskFails = false;   ///< set while the disk may fail
+    bool startsAnew = false;  ///< whether only the next start of the program goes on behind the fault
+    bool noSyncAtAll = false; ///< whether the disk can confirm nothing any more
 
+    /// Where its files are.
+    virtual QString Folder() const = 0;
     /// Makes the files as they are before; none is open.
     virtual void Prepare() = 0;
     /// Opens what the work starts from, while the disk is still well.
@@ -34,20 +39,52 @@ public:
     /// Looks at the files: statements are whole, and if success was reported they all are there.
     virtual void CheckFiles(bool reported) = 0;
     /// The same work again where the user stands now, on a sound disk: it has to succeed.
-    virtual void ActAgain() = 0;
+    virtual void ActAgain() { Act(); }
     /// Ends what the work opened. Nothing may be raised any more.
-    virtual void Leave() = 0;
-    /// Behind a power failure: the program is started anew and does the work.
-    virtual void StartAgain() {}
+    virtual void Leave() {}
+    /// The program is started anew and does the work.
+    virtual void StartAgain() {
+        Begin();
+        Act();
+    }
     /// Looks at the files behind a work that succeeded at last.
     virtual void CheckEnd() = 0;
 };
 
-/// The names of a file, of what belongs to it, and of what is hidden beside it. What is hidden may lie there
-/// for a day if the power was cut.
-QStringList FilesOf(const QString& path, bool cutsPower);
+/// What lets the work fail, as long as it lives.
+class Layer {
+public:
+    virtual ~Layer() = default;
+    /// Behind a report of success.
+    virtual void CheckSynced(bool afterFault) const { (void)afterFault; }
+    /// Behind a fault that only the next start goes on from: gives the files what is left of them.
+    virtual void StartAnew(const Fault& fault) = 0;
+};
 
-/// Does the work under one fault after another; see SweepFaults. Then the same on a slow disk.
-void SweepWork(Work& work, const std::string& name, int samples);
+/// Does the work under one fault after another, once on each layer that `install` makes for it; see
+/// SweepFaults.
+void SweepLayer(Work& work, const std::string& name, int samples, std::span<const FaultKind> kinds,
+                const std::function<std::unique_ptr<Layer>(Fault&)>& install);
+
+/// Under SQLite and the program's own writing; then the same on a slow disk, where each statement is a
+/// commit.
+void SweepDisk(Work& work, const std::string& name, int samples, int slowSamples = 1);
+
+/// While the system's calls that concern files of the folder fail, whoever makes them: SQLite, the toolkit or
+/// the program itself. Then with the program killed at each place. Only on Unix.
+void SweepCalls(Work& work, const std::string& name, int samples);
+
+/// While another program keeps the book locked: for itself, against writers, by reading. When it has gone,
+/// the work succeeds.
+void SweepLocks(Work& work, const QString& book);
+
+/// In a process that is killed hard, so long after the work began, and right behind its report; in the full
+/// run at many more moments.
+void SweepKills(Work& work, const std::string& name,
+                std::initializer_list<std::chrono::microseconds> moments);
+
+/// The names of a file, of what belongs to it, and of what is hidden beside it, which may lie there for a day
+/// when the program starts anew.
+QStringList FilesOf(const QString& path, bool startsAnew);
 
 } // namespace test

@@ -7,48 +7,58 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace test {
 
-/// One way in which the disk fails.
+/// One way in which calls to the file system fail.
 struct FaultKind {
     const char* name;
-    int (*codeOf)(FaultyFiles::Call); ///< SQLITE_OK: calls that go well
-    bool lasting;                     ///< from the failing call on, or that one alone
-    int number;                       ///< of the failure that the user is told
+    std::vector<FaultyFiles::Call> calls; ///< that fail
+    int code;                             ///< of the layer's; 0: the call goes well, and is the last one
+    int number = 0;                       ///< of the failure that the user is told; 0: any
+    bool startsAnew = false;              ///< what it leaves is put right by the next start of the program
     std::optional<FaultyFiles::Remains> remains = std::nullopt; ///< set if the power fails
+
+    bool Concerns(FaultyFiles::Call call) const;
+    /// Nothing is done behind such a fault.
+    bool EndsAll() const { return code == 0 || remains; }
 };
 
 /// A fault of one kind at one place: the judge of the calls of one run.
 class Fault {
 public:
-    /// The place counts the calls that the kind concerns, from 1.
-    Fault(const FaultKind& kind, int place)
+    /// The place counts the calls that the kind concerns, from 1; with a lasting fault those behind fail too.
+    Fault(const FaultKind& kind, int place, bool lasting)
         : m_kind(kind)
-        , m_place(place) {}
+        , m_place(place)
+        , m_lasting(lasting) {}
 
     int Judge(FaultyFiles::Call call);
     const FaultKind& Kind() const { return m_kind; }
+    bool IsLasting() const { return m_lasting; }
     bool CutsPower() const { return m_kind.remains.has_value(); }
     bool WasHit() const { return m_hit; }
-    /// How many calls of that sort there were.
-    int Calls(FaultyFiles::Call call) const { return m_calls[static_cast<std::size_t>(call)]; }
+    /// How many calls there were that the kind concerns.
+    int CallsOf(const FaultKind& kind) const;
 
 private:
     const FaultKind& m_kind;
     int m_place;
+    bool m_lasting;
     int m_concerned = 0;
     bool m_hit = false;
-    std::array<int, 7> m_calls = {};
+    std::array<int, 9> m_calls = {};
 };
 
-/// Every way in which the disk fails.
-std::span<const FaultKind> FaultKinds();
+/// Every way in which the disk fails under SQLite.
+std::span<const FaultKind> DiskFaults();
 
-/// Calls `run` once without a fault, then with a fault of each kind at its places: in the full run at every
-/// one, else at some `samples` of them, which are others for each kind, and if these are more than one at the
-/// first and the last too. Ends early if `run` returns false.
-/// Writes to stdout how many faults were hit.
-void SweepFaults(const std::string& work, int samples, const std::function<bool(Fault&)>& run);
+/// Calls `run` once without a fault, then with a fault of each kind at its places, once and from then on: in
+/// the full run at every one, else at some `samples` of them, which are others for each kind; with one sample
+/// once and from then on by turns, with more at the first and the last place too; with none not at all.
+/// Ends early behind a failed expectation. Writes to stdout how many faults were hit.
+void SweepFaults(const std::string& work, int samples, std::span<const FaultKind> kinds,
+                 const std::function<void(Fault&)>& run);
 
 } // namespace test

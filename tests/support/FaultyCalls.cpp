@@ -207,11 +207,11 @@ int linkat(int folder, const char* path, int toFolder, const char* to, int flags
 }
 int unlink(const char* path) noexcept {
     REAL(unlink);
-    return OnNames(Call::Remove, path, nullptr, [&] { return real(path); });
+    return OnNames(Call::Delete, path, nullptr, [&] { return real(path); });
 }
 int remove(const char* path) noexcept {
     REAL(remove);
-    return OnNames(Call::Remove, path, nullptr, [&] { return real(path); });
+    return OnNames(Call::Delete, path, nullptr, [&] { return real(path); });
 }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/FaultyFiles.h"
+
 #include <functional>
 #include <set>
 #include <string>
@@ -10,7 +12,7 @@ namespace test {
 /// can fail. One at a time; the program that links it lends its symbols to all libraries.
 class FaultyCalls {
 public:
-    enum class Call { Open, Read, Write, Truncate, Sync, Rename, Link, Remove };
+    using Call = FaultyFiles::Call;
 
     /// Asked before each call with the path that it is about; a number of errno is its result, and the call
     /// is not made. 0 lets it through. The judge's own calls are not judged.

@@ -10,7 +10,17 @@ namespace test {
 /// file system fail, or the power of the machine. While it lives it is the default for new connections.
 class FaultyFiles {
 public:
-    enum class Call { Open, Read, Write, Truncate, Sync, Delete, SyncFolder };
+    enum class Call {
+        Open,
+        Read,
+        Write,
+        Truncate,
+        Sync,
+        Delete,
+        SyncFolder,
+        Rename,
+        Link
+    }; ///< the last two are not judged here
 
     /// What of the writes that no sync has followed is on the disk when the power comes back.
     enum class Remains {

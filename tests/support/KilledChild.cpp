@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
 #include <random>
 
@@ -17,48 +18,56 @@ namespace test {
 
 namespace {
 
-const char* const HandedVariable = "ZAVELIK_CHILD_HANDED";
+const QString Mark = QStringLiteral("ZAVELIK_KILLED_CHILD");
 constexpr int LongestStart = 20'000; ///< milliseconds
 
 } // namespace
 
-QByteArray KillWhileRunning(const QString& disabledTest, const QString& handed,
-                            std::chrono::microseconds moment) {
+QByteArray KillWhileRunning(const QString& temporary, std::chrono::microseconds moment) {
     QProcess child;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QString::fromLatin1(HandedVariable), handed);
+    environment.insert(Mark, QStringLiteral("1"));
+    for (const char* name : {"TMPDIR", "TMP", "TEMP"})
+        environment.insert(QString::fromLatin1(name), temporary);
     child.setProcessEnvironment(environment);
-    child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--gtest_also_run_disabled_tests"),
-                                                          QStringLiteral("--gtest_filter=") + disabledTest});
-    const QByteArray start = "working\n";
+    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+    child.start(QCoreApplication::applicationFilePath(),
+                {QStringLiteral("--gtest_filter=%1.%2")
+                     .arg(QString::fromUtf8(test.test_suite_name()), QString::fromUtf8(test.name()))});
     QByteArray said;
-    const auto listen = [&] { said += child.readAllStandardOutput().replace("\r\n", "\n"); };
-    while (!said.contains(start) && child.waitForReadyRead(LongestStart))
-        listen();
-    EXPECT_TRUE(said.contains(start)) << said.constData();
-    if (moment == ToTheEnd)
-        child.waitForFinished();
+    const auto listenFor = [&](const QByteArray& line) {
+        while (!said.contains(line) && child.waitForReadyRead(LongestStart))
+            said += child.readAllStandardOutput().replace("\r\n", "\n");
+        EXPECT_TRUE(said.contains(line)) << said.constData();
+    };
+    listenFor("working\n");
+    if (moment == AtTheEnd)
+        listenFor("waiting\n");
     else
         QThread::usleep(static_cast<unsigned long>(moment.count()));
     child.kill();
     child.waitForFinished();
-    listen();
-    return said.mid(said.indexOf(start) + start.size());
+    return said + child.readAllStandardOutput().replace("\r\n", "\n");
 }
 
-QString HandedOver() {
-    return qEnvironmentVariable(HandedVariable);
+bool IsKilledChild() {
+    return qEnvironmentVariableIsSet(Mark.toLatin1().constData());
 }
 
 void TellParent(const QByteArray& line) {
     QFile output;
-    ASSERT_TRUE(output.open(stdout, QFile::WriteOnly));
+    EXPECT_TRUE(output.open(stdout, QFile::WriteOnly));
     output.write(line + '\n');
-    output.flush();
+}
+
+void WaitForTheKill() {
+    TellParent("waiting");
+    QThread::sleep(LongestStart / 1000);
+    std::abort();
 }
 
 std::vector<std::chrono::microseconds>
-Moments(const char* work, std::initializer_list<std::chrono::microseconds> fixed, int count) {
+Moments(const std::string& work, std::initializer_list<std::chrono::microseconds> fixed, int count) {
     std::vector<std::chrono::microseconds> moments(fixed);
     if (IsFullRun()) {
         const std::random_device::result_type seed =
@@ -71,6 +80,7 @@ Moments(const char* work, std::initializer_list<std::chrono::microseconds> fixed
         for (int i = 0; i < count; ++i)
             moments.emplace_back(any(engine));
     }
+    moments.push_back(AtTheEnd);
     std::cout << "FIGURE kills: " << work << ": " << moments.size() << std::endl;
     return moments;
 }

@@ -5,26 +5,28 @@
 
 #include <chrono>
 #include <initializer_list>
+#include <string>
 #include <vector>
 
 namespace test {
 
-/// A moment that lets the child come to its end, however slow the machine is.
-inline constexpr std::chrono::microseconds ToTheEnd = std::chrono::microseconds::max();
+/// In place of a moment: the child has said that it is at its end, however slow the machine is.
+inline constexpr auto AtTheEnd = std::chrono::microseconds::max();
 
-/// Runs a disabled test of this program in a child process and kills it hard so long after it has said
-/// "working". Returns the lines that it said behind that. The child finds `handed` by HandedOver.
-QByteArray KillWhileRunning(const QString& disabledTest, const QString& handed,
-                            std::chrono::microseconds moment);
+/// Runs the current test in a child process and kills it hard, so long after it said "working". Gives all
+/// that it has said. What temporary folders it has made stand under the given one.
+QByteArray KillWhileRunning(const QString& temporary, std::chrono::microseconds moment);
 
-/// In the child: what the parent has handed over.
-QString HandedOver();
+/// In the child: whether this is one.
+bool IsKilledChild();
 /// In the child: says a line at once. "working" starts the parent's clock.
 void TellParent(const QByteArray& line);
+/// In the child: the work is done, and the kill has to come.
+[[noreturn]] void WaitForTheKill();
 
 /// The moments of the kills: those given; in the full run `count` more at random up to the longest of them.
-/// Writes the seed of the random ones and their number to stdout.
+/// Writes the seed of the random ones and the number of all to stdout.
 std::vector<std::chrono::microseconds>
-Moments(const char* work, std::initializer_list<std::chrono::microseconds> fixed, int count);
+Moments(const std::string& work, std::initializer_list<std::chrono::microseconds> fixed, int count);
 
 } // namespace test

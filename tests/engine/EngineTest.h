@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/engine/dao/DBEngine.h"
-#include "tests/support/Print.h"
+#include "tests/support/Expect.h"
 #include "tests/support/TestBook.h"
 
 #include <gtest/gtest.h>

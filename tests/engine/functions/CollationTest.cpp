@@ -1,5 +1,5 @@
 #include "platform/engine/functions/Functions.h"
-#include "tests/support/Print.h"
+#include "tests/support/Expect.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@ namespace {
 
 class Definition : public test::EngineTest {
 protected:
-    /// "name:type:size" of each column, with "!" where it is required and "0" where it takes the empty text.
+    /// "name:type:size" of each column, with "!" where it is required and "e" where it takes the empty text.
     QString Columns(const char* table) const {
         QStringList columns;
         const auto definition = database->TableDefs(QString::fromUtf8(table));
@@ -18,7 +18,7 @@ protected:
                            .arg(static_cast<int>(field.Type()))
                            .arg(field.Size()) +
                        (field.Required() ? QStringLiteral("!") : QString()) +
-                       (field.AllowZeroLength() ? QStringLiteral("0") : QString());
+                       (field.AllowZeroLength() ? QStringLiteral("e") : QString());
         }
         return columns.join(u' ');
     }
@@ -44,10 +44,9 @@ TEST_F(Definition, WhatAColumnIsDeclaredToBeOutlivesTheProgram) {
     for (const bool again : {false, true}) {
         if (again)
             Reopen();
-        EXPECT_EQ(
-            Columns("МОИ ДАННЫЕ"),
-            QStringLiteral("n:15:0 b:2:0! s:3:0 l:4:0 t1:10:1"
-                           "0 t 255:10:255 m:12:0 f:6:0 d:7:0 c:5:0 w:8:0 y:1:0 a\"b:10:7! rowid:10:9"));
+        EXPECT_EQ(Columns("МОИ ДАННЫЕ"),
+                  QStringLiteral("n:5:0 b:2:0! s:3:0 l:4:0 t1:10:1e t 255:10:255 m:11:0 f:6:0 d:7:0 c:8:0 "
+                                 "w:9:0 y:1:0 a\"b:10:7! rowid:10:9"));
     }
     Check("SELECT n, rowid FROM [Мои данные] -> 1|y");
     EXPECT_EQ(database->TableNames(), QStringList{QStringLiteral("Мои данные")});
@@ -83,7 +82,7 @@ TEST_F(Definition, ChangesKeepRowsRulesAndCounters) {
         ALTER TABLE x1 ALTER COLUMN d TEXT(10)
     )");
     Reopen();
-    EXPECT_EQ(Columns("x1"), QStringLiteral("id:15:0 a:4:0! b:10:255 z:10:90 d:10:10 e:3:0"));
+    EXPECT_EQ(Columns("x1"), QStringLiteral("id:5:0 a:4:0! b:10:255 z:10:9e d:10:10 e:3:0"));
     EXPECT_EQ(test::Integrity(path), QStringLiteral("ok"));
     Check(R"(
         SELECT COUNT(*), COUNT(d) FROM x1 -> 3|1
@@ -96,6 +95,9 @@ TEST_F(Definition, ChangesKeepRowsRulesAndCounters) {
         DROP TABLE x1
         SELECT * FROM x1 -> #3078
         CREATE TABLE one (u SHORT)
+        ALTER TABLE one ADD COLUMN [1234567890123456789012345678901234567890123456789012345678901234] SHORT
+        ALTER TABLE one DROP COLUMN [1234567890123456789012345678901234567890123456789012345678901234]
+        CREATE TABLE [12345678901234567890123456789012345678901234567890123456789012345] (x SHORT) -> #3290
         ALTER TABLE one DROP COLUMN u -> #3293
     )");
     QStringList columns;
@@ -155,7 +157,9 @@ TEST_F(Definition, EmptyTextIsSwitchedAtRunTime) {
     Check("SELECT a01clid FROM a01 WHERE a01last = '' -> 5");
     EXPECT_FALSE(database->TableDefs(QStringLiteral("a01")).Fields(1).AllowZeroLength());
     EXPECT_EQ(test::FailureOf([&] { database->TableDefs(QStringLiteral("нет")); }), 3265);
-    EXPECT_EQ(test::FailureOf([&] { database->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("нет")); }), 3265);
+    EXPECT_EQ(
+        test::FailureOf([&] { database->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("нет")); }),
+        3265);
 }
 
 TEST_F(Definition, SelectIntoMakesATable) {
@@ -178,13 +182,13 @@ TEST_F(Definition, SelectIntoMakesATable) {
         SELECT MAX(a02rcid) FROM m1 -> 3
     )");
     const std::pair<const char*, const char*> made[] = {
-        {"m1", "a02rcid:15:0 a02clid:4:0 a02code:3:0 a02cval:10:50"},
-        {"m2", "x:15:0 y:4:0"},
+        {"m1", "a02rcid:5:0 a02clid:4:0 a02code:3:0 a02cval:10:50e"},
+        {"m2", "x:5:0 y:4:0"},
         {"m3", "a01clid:4:0 a02rcid:4:0"},
         {"m4", "a02rcid:4:0"},
-        {"m5", "x_a01clid:4:0 y_a01clid:4:0 t:10:255 c:3:0"},
-        {"m6", "d:8:0 y:1:0 n:4:0"},
-        {"m7", "b:9:4 l:11:0 d:8:0 y:1:0"},
+        {"m5", "x_a01clid:4:0 y_a01clid:4:0 t:10:255e c:3:0"},
+        {"m6", "d:9:0 y:1:0 n:4:0"},
+        {"m7", "b:12:4 l:12:0 d:9:0 y:1:0"},
     };
     for (const auto& [table, columns] : made)
         EXPECT_EQ(Columns(table), QString::fromUtf8(columns)) << table;
@@ -202,7 +206,7 @@ TEST_F(Definition, TablesLaidOutBeforeStayInUse) {
         "922337203685477.5807)) STRICT; "
         "INSERT INTO price VALUES (12.5), (123456789012.3456), (-0.0001), (922337203685477.5807); "
         "CREATE TABLE plain (x, y VARCHAR(20), z INT)");
-    EXPECT_EQ(Columns("old"), QStringLiteral("k:2:0! y:1:0 d:8:0"));
+    EXPECT_EQ(Columns("old"), QStringLiteral("k:2:0! y:1:0 d:9:0"));
     Check(R"(
         SELECT * FROM sqlite_schema -> #3078
         INSERT INTO plain (y, z) VALUES ('а', 5)

@@ -299,7 +299,10 @@ TEST_F(Query, NoStatementIsTakenForAnother) {
     const QStringList literals = items("1|2;0|1;'a'|'';'и*'|'п?т*';'иванов'|'и*';'yyyy'|'[a]';"
                                        "1.5|3000000000;1|1.5;1|'1';#1/2/2003#|#3/4/2005 6:07#");
     engine::DBEngine::Commit();
-    auto other = workspace->OpenDatabase(path);
+    const QString copy = folder.Path(QStringLiteral("copy.mdb"));
+    ASSERT_TRUE(QFile::copy(path, copy));
+    auto other = workspace->OpenDatabase(copy);
+    workspace->BeginTrans();
     const auto result = [this](const QString& statement) {
         if (statement.startsWith(u'S') || statement.startsWith(u'T'))
             return Result(statement);
@@ -320,5 +323,5 @@ TEST_F(Query, NoStatementIsTakenForAnother) {
                 EXPECT_EQ(result(second), behind) << first.toStdString() << " | " << second.toStdString();
                 std::swap(database, other);
             }
-    other->Close();
+    workspace->Rollback();
 }

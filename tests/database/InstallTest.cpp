@@ -2,7 +2,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/runtime/Files.h"
 #include "tests/database/BoundBase.h"
-#include "tests/support/Boxes.h"
+#include "tests/support/Answers.h"
 #include "tests/support/Keys.h"
 #include "tests/support/System.h"
 #include "tests/support/WindowWalk.h"

@@ -2,7 +2,6 @@
 
 #include "database/General.h"
 #include "records/frmRecords.h"
-#include "shared/Declaration.h"
 #include "tests/support/WindowTest.h"
 
 #include <QDir>
@@ -16,28 +15,18 @@ class ExchangeTest : public WindowTest {
 protected:
     void SetUp() override {
         WindowTest::SetUp();
-        gRegister().SetSection(QStringLiteral("General"));
-        gRegister().SaveKeyVal(QStringLiteral("DB_Path"), bookPath);
+        Store(bookPath);
         list->Show();
     }
 
     /// A file in the folder of the book.
-    QString Beside(const QString& name) const {
-        return QDir::toNativeSeparators(QFileInfo(bookPath).path() + u'/' + name);
-    }
+    QString Beside(const QString& name) const { return Path(name); }
 
-    static void Execute(const QString& sql) { gDatabase->Execute(sql, engine::dbFailOnError); }
-
-    static void AddCard(int id, const QString& last, const QString& first = {}, const QString& middle = {},
-                        const QString& memo = {}) {
-        Execute(QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01midl, a01memo) VALUES "
-                               "(%1, '%2', '%3', '%4', '%5')")
-                    .arg(QString::number(id), last, first, middle, memo));
-    }
-
-    static void AddPhone(int card, int code, const QString& number) {
-        Execute(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (%1, %2, '%3')")
-                    .arg(QString::number(card), QString::number(code), number));
+    /// Texts without a value are empty.
+    static void AddCard(int id, const QString& last, const QString& first = QStringLiteral(""),
+                        const QString& middle = QStringLiteral(""),
+                        const QString& memo = QStringLiteral("")) {
+        WindowTest::AddCard(id, last, first, middle, memo);
     }
 
     /// That many cards without names, numbered from 1.

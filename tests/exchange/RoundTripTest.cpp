@@ -20,7 +20,8 @@ TEST_F(RoundTripTest, ExportThenImport) {
     int id = 0;
     for (const QString& last : names) {
         ++id;
-        AddCard(id, last, names.at(id % names.size()).left(3), id % 3 == 0 ? QString() : QString::number(id));
+        AddCard(id, last, names.at(id % names.size()).left(3),
+                id % 3 == 0 ? QStringLiteral("") : QString::number(id));
         for (int code = 1; code <= 4; ++code)
             AddPhone(id, code, names.at((id + code) % 6) + QString::number(code));
     }

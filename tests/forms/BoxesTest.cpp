@@ -1,15 +1,12 @@
 // Message boxes and file dialogs, answered as a user does.
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/dao/DBEngine.h"
 #include "platform/forms/Application.h"
 #include "platform/forms/CommonDialog.h"
 #include "platform/forms/MsgBox.h"
 #include "tests/support/Answers.h"
 #include "tests/support/FaultyFiles.h"
 #include "tests/support/TestBook.h"
-
-#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -25,39 +22,32 @@
 #include <QTest>
 #include <QTreeView>
 
-using forms::Answer;
 using forms::Icon;
 
 namespace {
 
-void Touch(const QString& path) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-}
+const QString Text = QStringLiteral("<b>Имя</b> & путь\r\nвторая строка");
 
-QString ButtonText(QMessageBox& box, QMessageBox::StandardButton which) {
-    return box.button(which)->text().remove(u'&');
-}
+class MsgBoxTest : public test::FolderTest {
+protected:
+    test::Answers answers;
+};
 
 } // namespace
 
-TEST(MsgBoxTest, IconsButtonsAndAnswers) {
-    const QString text = QStringLiteral("<b>Имя</b> & путь\r\nвторая строка");
-    test::Answers answers;
+TEST_F(MsgBoxTest, IconsButtonsAndAnswers) {
     for (const Icon icon : {Icon::Critical, Icon::Question, Icon::Exclamation, Icon::Information}) {
-        answers.Box(text, icon);
-        EXPECT_EQ(forms::MsgBox(text, icon), Answer::Ok);
+        answers.Box(Text, icon);
+        forms::MsgBox(Text, icon);
     }
-    struct Case {
-        bool yes;
-        bool yesPreselected;
-    };
-    for (const Case& c : {Case{true, true}, Case{true, false}, Case{false, true}, Case{false, false}}) {
-        answers.Question(text, c.yes, c.yesPreselected);
-        EXPECT_EQ(c.yesPreselected ? forms::AskYes(text) : forms::AskNo(text), c.yes);
+    for (const bool yes : {true, false}) {
+        answers.Question(Text, yes, true)
+            .Question(Text, yes, false)
+            .Question(Text, yes, false, Icon::Critical);
+        EXPECT_EQ(forms::AskYes(Text), yes);
+        EXPECT_EQ(forms::AskNo(Text), yes);
+        EXPECT_EQ(forms::AskNo(Text, Icon::Critical), yes);
     }
-    answers.Question(text, true, false, Icon::Critical);
-    EXPECT_TRUE(forms::AskNo(text, Icon::Critical));
     QIcon::setThemeName(QStringLiteral("none"));
     for (const auto which : {QStyle::SP_MessageBoxCritical, QStyle::SP_MessageBoxQuestion,
                              QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxInformation}) {
@@ -65,86 +55,65 @@ TEST(MsgBoxTest, IconsButtonsAndAnswers) {
         EXPECT_EQ(drawn.pixmap(QSize(256, 256)).size(), QSize(256, 256)) << "sharp at every size";
         EXPECT_NE(drawn.pixmap(QSize(32, 32)).toImage().pixelColor(16, 16).alpha(), 0);
     }
+}
+
+TEST_F(MsgBoxTest, KeysAndTheCloseBox) {
+    const std::tuple<const char*, std::function<void(QWidget&)>, bool, bool> rows[] = {
+        {"Esc", [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); }, false, false},
+        {"close box", [](QWidget& box) { box.close(); }, false, false},
+        {"Enter", [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); }, true, false},
+    };
+    for (const auto& [name, leave, yesIfPreselected, yesElse] : rows) {
+        SCOPED_TRACE(name);
+        for (int i = 0; i < 3; ++i)
+            answers.Modal(QStringLiteral("MsgBox"), [&](QWidget& box) {
+                EXPECT_TRUE(box.windowFlags() & Qt::WindowCloseButtonHint);
+                leave(box);
+                EXPECT_FALSE(box.isVisible());
+            });
+        EXPECT_EQ(forms::AskYes(Text), yesIfPreselected);
+        EXPECT_EQ(forms::AskNo(Text), yesElse);
+        forms::MsgBox(Text, Icon::Information);
+        EXPECT_TRUE(answers.Done());
+    }
+}
+
+TEST_F(MsgBoxTest, TextIsShownAsItIsAndFitsTheBox) {
+    const QString text = Text + QStringLiteral("очень длинное имя папки/").repeated(20);
+    answers.Modal(QStringLiteral("MsgBox"), [&](QWidget& window) {
+        const auto* label = window.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+        EXPECT_EQ(label->textFormat(), Qt::PlainText);
+        EXPECT_LE(window.width(), 1024);
+        EXPECT_GE(label->height(), label->heightForWidth(label->width()));
+        window.close();
+    });
+    forms::MsgBox(text, Icon::Exclamation);
     answers.BoxStarting(text, Icon::Critical, [](const QString& shown) { EXPECT_LT(shown.size(), 10'000); });
     forms::MsgBox(text + QString(10'000'000, u'x'), Icon::Critical);
 }
 
-TEST(MsgBoxTest, EscAndTheCloseBoxOfAQuestionMeanNo) {
-    test::Answers answers;
-    const auto ask = [&](bool yesPreselected, const std::function<void(QWidget&)>& leave) {
-        answers.Modal(QStringLiteral("MsgBox"), [&](QWidget& window) {
-            auto& box = dynamic_cast<QMessageBox&>(window);
-            EXPECT_EQ(ButtonText(box, QMessageBox::Yes), QStringLiteral("Да"));
-            EXPECT_EQ(ButtonText(box, QMessageBox::No), QStringLiteral("Нет"));
-            EXPECT_TRUE(box.windowFlags() & Qt::WindowCloseButtonHint);
-            leave(window);
-            EXPECT_FALSE(box.isVisible());
-        });
-        const QString text = QStringLiteral("Вопрос?");
-        return yesPreselected ? forms::AskYes(text) : forms::AskNo(text);
-    };
-    const auto press = [](Qt::Key key) { return [key](QWidget& box) { QTest::keyClick(&box, key); }; };
-    for (const bool yesPreselected : {false, true}) {
-        EXPECT_FALSE(ask(yesPreselected, press(Qt::Key_Escape)));
-        EXPECT_FALSE(ask(yesPreselected, [](QWidget& box) { box.close(); }));
-        EXPECT_EQ(ask(yesPreselected, press(Qt::Key_Return)), yesPreselected);
-    }
-}
-
-TEST(MsgBoxTest, OkBoxIsLeftByEscToo) {
-    test::Answers answers;
-    answers.Modal(QStringLiteral("MsgBox"),
-                  [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
-    EXPECT_EQ(forms::MsgBox(QStringLiteral("Готово."), Icon::Information), Answer::Ok);
-}
-
-TEST(MsgBoxTest, TextIsShownAsItIsAndFitsTheBox) {
-    const QString path =
-        QStringLiteral("/home/user/") + QStringLiteral("очень длинное имя папки/").repeated(20);
-    const QString text = QStringLiteral("<i>Файл</i> &") + path;
-    test::Answers answers;
-    answers.Modal(QStringLiteral("MsgBox"), [&](QWidget& window) {
-        const auto* label = window.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
-        EXPECT_EQ(label->textFormat(), Qt::PlainText);
-        EXPECT_EQ(label->text(), text);
-        EXPECT_TRUE(label->wordWrap());
-        EXPECT_LE(window.width(), 1024);
-        EXPECT_GE(label->height(), label->heightForWidth(label->width()));
-        QTest::keyClick(&window, Qt::Key_Return);
-    });
-    forms::MsgBox(text, Icon::Exclamation);
-}
-
-TEST(MsgBoxTest, ErrorBox) {
+TEST_F(MsgBoxTest, ErrorBox) {
     const runtime::Failure failure(3044, QStringLiteral("Путь не найден"));
-    test::Answers answers;
-    answers.Box(
-        QStringLiteral("frmInstall функция cmdCreate_Click:\r\nпроизошла ошибка №3044 Путь не найден"),
-        Icon::Critical);
-    forms::ShowErrorBox(QStringLiteral("frmInstall функция cmdCreate_Click:"), failure);
-    answers.Box(QStringLiteral("Глава\r\nпроизошла ошибка №3044 Путь не найден"), Icon::Exclamation);
+    answers.Box(QStringLiteral("Глава\r\nпроизошла ошибка №3044 Путь не найден"), Icon::Exclamation)
+        .Box(QStringLiteral("произошла ошибка №3044 Путь не найден"), Icon::Critical);
     forms::ShowErrorBox(QStringLiteral("Глава"), failure, Icon::Exclamation);
-    answers.Box(QStringLiteral("произошла ошибка №3044 Путь не найден"), Icon::Critical);
     forms::ShowErrorBox({}, failure);
 }
 
-TEST(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {
-    const test::TestFolder folder;
+TEST_F(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {
     bool full = false;
     const test::FaultyFiles files([&](test::FaultyFiles::Call call) {
         return full && call == test::FaultyFiles::Call::Write ? SQLITE_FULL : SQLITE_OK;
     });
-    const auto book = engine::DBEngine::Workspaces(0)->CreateDatabase(
-        folder.Path(QStringLiteral("book.mdb")), QString::fromUtf16(engine::dbLangGeneral));
+    const auto book = Create(Path());
     book->Execute(QStringLiteral("CREATE TABLE t (a INTEGER)"), engine::dbFailOnError);
     for (const int told : {3044, 3026}) {
         engine::DBEngine::Commit();
         book->Execute(QStringLiteral("INSERT INTO t (a) VALUES (1)"), engine::dbFailOnError);
         full = true;
-        test::Answers answers;
-        answers.BoxStarting(QStringLiteral("Глава\r\nпроизошла ошибка №%1 ").arg(told), Icon::Critical);
+        answers.Failure(QStringLiteral("Глава"), told);
         if (told != 3026)
-            answers.BoxStarting(QStringLiteral("Глава\r\nпроизошла ошибка №3026 "), Icon::Critical);
+            answers.Failure(QStringLiteral("Глава"), 3026);
         forms::ShowErrorBox(QStringLiteral("Глава"), runtime::Failure(told, engine::EngineText(told)));
         EXPECT_TRUE(answers.Done()) << told;
         full = false;
@@ -152,61 +121,61 @@ TEST(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {
     book->Close();
 }
 
-TEST(MsgBoxTest, ALogOutIsHeldUpByNoBox) {
-    const test::TestFolder folder;
-    const QString path = folder.Path(QStringLiteral("book.mdb"));
-    const auto book =
-        engine::DBEngine::Workspaces(0)->CreateDatabase(path, QString::fromUtf16(engine::dbLangGeneral));
+TEST_F(MsgBoxTest, ALogOutIsHeldUpByNoBox) {
+    const auto book = Create(Path());
     book->Execute(QStringLiteral("CREATE TABLE t (a INTEGER)"), engine::dbFailOnError);
-    test::Answers answers;
     static_cast<forms::Application*>(qApp)->EndSession([] { return false; });
-    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT * FROM t")), QStringList()) << "the table is there";
-    EXPECT_FALSE(forms::AskYes(QStringLiteral("Удалить?")));
-    forms::MsgBox(QStringLiteral("Готово."), Icon::Information);
+    EXPECT_EQ(test::ReadRows(Path(), QStringLiteral("SELECT * FROM t")), QStringList())
+        << "the table is there";
+    EXPECT_FALSE(forms::AskYes(Text));
+    forms::MsgBox(Text, Icon::Information);
 
     QWidget window;
     QTest::keyClick(&window, Qt::Key_Shift);
-    answers.Question(QStringLiteral("Удалить?"), true, true);
-    EXPECT_TRUE(forms::AskYes(QStringLiteral("Удалить?"))) << "the user goes on";
+    answers.Question(Text, true, true);
+    EXPECT_TRUE(forms::AskYes(Text)) << "the user goes on";
     book->Close();
 }
+
+namespace {
 
 /// Lets a test ask a delegate what it would draw.
 struct Reader : QStyledItemDelegate {
     using QStyledItemDelegate::initStyleOption;
 };
 
-class CommonDialogTest : public testing::Test {
+class CommonDialogTest : public test::FolderTest {
 protected:
-    QString Native(const QString& name) const { return QDir::toNativeSeparators(folder.Path(name)); }
-
-    test::TestFolder folder;
     forms::CommonDialog dialog{QStringLiteral("cdlTest")};
     test::Answers answers;
 };
 
+} // namespace
+
 TEST_F(CommonDialogTest, SaveAddsTheExtensionAndNeverAsks) {
-    Touch(folder.Path(QStringLiteral("old.csv")));
-    struct Case {
-        const char* typed;
-        const char* result;
-    };
-    for (const Case& c : {Case{"new", "new.csv"}, Case{"new.txt", "new.txt"}, Case{"old.csv", "old.csv"},
-                          Case{"old", "old.csv"}}) {
-        dialog.InitDir = folder.Path(QString());
+    test::WriteBytes(Path(QStringLiteral("old.csv")), {});
+    for (const auto& [typed, result] : {std::pair("new", "new.csv"),
+                                        {"new.txt", "new.txt"},
+                                        {"old.csv", "old.csv"},
+                                        {"old", "old.csv"},
+                                        {"", ""}}) {
+        dialog.InitDir = Path(QString());
         dialog.Flags = forms::cdlOFNPathMustExist;
         dialog.Filter = QStringLiteral("Файл с разделителями (*.csv)|*.csv");
-        dialog.FileName.clear();
-        answers.File(folder.Path(QString::fromLatin1(c.typed)), [this](QFileDialog& window) {
+        dialog.FileName = QStringLiteral("before");
+        const auto full = [this](const char* name) {
+            return *name ? Path(QString::fromLatin1(name)) : QString();
+        };
+        answers.File(full(typed), [this](QFileDialog& window) {
             EXPECT_EQ(window.objectName(), QStringLiteral("cdlTest"));
             EXPECT_EQ(window.nameFilters(), QStringList(QStringLiteral("Файл с разделителями (*.csv)")));
-            EXPECT_EQ(QDir(window.directory()), QDir(folder.Path(QString())));
+            EXPECT_EQ(QDir(window.directory()), QDir(Path(QString())));
             auto* buttons = window.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
             EXPECT_EQ(buttons->button(QDialogButtonBox::Save)->text().remove(u'&'),
                       QStringLiteral("Сохранить"));
         });
         dialog.ShowSave(nullptr);
-        EXPECT_EQ(dialog.FileName, Native(QString::fromLatin1(c.result))) << c.typed;
+        EXPECT_EQ(dialog.FileName, full(result)) << typed;
     }
 }
 
@@ -216,10 +185,9 @@ TEST_F(CommonDialogTest, ListsFilesInRussian) {
         << "by this the dialog writes its dates, whatever the language of the system";
     EXPECT_NE(qgetenv("LC_ALL"), QByteArray("ru_RU.UTF-8"));
 
-    ASSERT_TRUE(QDir().mkpath(folder.Path(QStringLiteral("books/old"))));
-    QFile book(folder.Path(QStringLiteral("books/my.mdb")));
-    ASSERT_TRUE(book.open(QFile::WriteOnly) && book.resize(1536));
-    dialog.InitDir = folder.Path(QStringLiteral("books"));
+    ASSERT_TRUE(QDir().mkpath(Path(QStringLiteral("books/old"))));
+    test::WriteBytes(Path(QStringLiteral("books/my.mdb")), QByteArray(1536, 'x'));
+    dialog.InitDir = Path(QStringLiteral("books"));
     answers.File(QString(), [](QFileDialog& window) {
         const auto* files = window.findChild<QTreeView*>(QStringLiteral("treeView"));
         const QAbstractItemView& list = *files;
@@ -238,7 +206,7 @@ TEST_F(CommonDialogTest, ListsFilesInRussian) {
 
 TEST_F(CommonDialogTest, LeadsToTheFoldersOfTheUser) {
     const QByteArray home = qgetenv("HOME");
-    qputenv("HOME", QFile::encodeName(folder.Path(QString())));
+    qputenv("HOME", QFile::encodeName(Path(QString())));
     for (const auto kind : {QStandardPaths::DocumentsLocation, QStandardPaths::DownloadLocation})
         ASSERT_TRUE(QDir().mkpath(QStandardPaths::writableLocation(kind)));
     const auto leadsTo = [](const QFileDialog& window, QStandardPaths::StandardLocation kind) {
@@ -256,36 +224,30 @@ TEST_F(CommonDialogTest, LeadsToTheFoldersOfTheUser) {
     qputenv("HOME", home);
 }
 
-TEST_F(CommonDialogTest, CancelLeavesTheNameEmpty) {
-    dialog.FileName = Native(QStringLiteral("before.mdb"));
-    answers.File(QString());
-    dialog.ShowOpen(nullptr);
-    EXPECT_EQ(dialog.FileName, QString());
-}
-
 TEST_F(CommonDialogTest, WhatMustExistIsAskedForAgain) {
-    Touch(folder.Path(QStringLiteral("book.mdb")));
-    dialog.InitDir = folder.Path(QString());
-    dialog.Flags = forms::cdlOFNPathMustExist | forms::cdlOFNFileMustExist;
-    dialog.Filter = QStringLiteral("База данных Access (*.mdb)|*.mdb");
-    answers.File(folder.Path(QStringLiteral("none.mdb")))
-        .BoxStarting(Native(QStringLiteral("none.mdb")), Icon::Exclamation)
-        .File(folder.Path(QStringLiteral("nofolder/book.mdb")))
-        .BoxStarting(Native(QStringLiteral("nofolder/book.mdb")), Icon::Exclamation)
-        .File(folder.Path(QStringLiteral("book.mdb")));
-    dialog.ShowOpen(nullptr);
-    EXPECT_EQ(dialog.FileName, Native(QStringLiteral("book.mdb")));
-
-    dialog.Flags = forms::cdlOFNPathMustExist;
-    answers.File(folder.Path(QStringLiteral("nofolder/new.mdb")))
-        .BoxStarting(Native(QStringLiteral("nofolder/new.mdb")), Icon::Exclamation)
-        .File(folder.Path(QStringLiteral("new.mdb")));
-    dialog.FileName.clear();
-    dialog.ShowSave(nullptr);
-    EXPECT_EQ(dialog.FileName, Native(QStringLiteral("new.mdb")));
-
-    dialog.Flags = 0;
-    answers.File(folder.Path(QStringLiteral("none.mdb")));
-    dialog.ShowOpen(nullptr);
-    EXPECT_EQ(dialog.FileName, Native(QStringLiteral("none.mdb"))) << "without flags nothing has to exist";
+    test::WriteBytes(Path(QStringLiteral("book.mdb")), {});
+    constexpr int Folder = forms::cdlOFNPathMustExist;
+    const struct {
+        int flags;
+        bool save;
+        QStringList refused;
+        const char* taken;
+    } rows[] = {
+        {Folder | forms::cdlOFNFileMustExist, false, {"none.mdb", "nofolder/book.mdb"}, "book.mdb"},
+        {Folder, true, {"nofolder/new.mdb"}, "new.mdb"},
+        {0, false, {}, "none.mdb"}, // without flags nothing has to exist
+    };
+    for (const auto& row : rows) {
+        for (const QString& name : row.refused)
+            answers.File(Path(name)).BoxStarting(Path(name), Icon::Exclamation);
+        answers.File(Path(QString::fromLatin1(row.taken)));
+        dialog.Flags = row.flags;
+        dialog.FileName.clear();
+        if (row.save)
+            dialog.ShowSave(nullptr);
+        else
+            dialog.ShowOpen(nullptr);
+        EXPECT_EQ(dialog.FileName, Path(QString::fromLatin1(row.taken)));
+        EXPECT_TRUE(answers.Done());
+    }
 }

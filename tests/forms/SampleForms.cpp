@@ -18,14 +18,12 @@ QString TakeTold() {
 namespace {
 
 forms::Design DesignOf(const QString& name, forms::Kind kind, forms::Border border) {
-    forms::Design design;
-    design.name = name;
-    design.caption = QStringLiteral("Окно ") + name;
-    design.kind = kind;
-    design.border = border;
-    design.tag = QStringLiteral("0");
-    design.size = QSize(400, 300);
-    return design;
+    return {.name = name,
+            .caption = QStringLiteral("Окно ") + name,
+            .kind = kind,
+            .border = border,
+            .tag = QStringLiteral("0"),
+            .size = QSize(400, 300)};
 }
 
 } // namespace
@@ -94,17 +92,6 @@ void SampleForm::Form_Terminate() {
     Tell(QStringLiteral("terminate"));
 }
 
-bool SampleForm::Form_KeyDown(int key, Qt::KeyboardModifiers /*modifiers*/) {
-    if (key != Qt::Key_F9)
-        return false;
-    Tell(QStringLiteral("F9"));
-    return true;
-}
-
-void SampleForm::Refill(int argument) {
-    Tell(QStringLiteral("refill(%1)").arg(argument));
-}
-
 void SampleForm::Nothing() {
     Tell(QStringLiteral("nothing"));
 }
@@ -114,30 +101,15 @@ void SampleForm::Fail() {
 }
 
 SampleFrame::SampleFrame()
-    : MdiForm([] {
-        forms::Design design =
-            DesignOf(QStringLiteral("frmMain"), forms::Kind::Frame, forms::Border::Sizable);
-        design.size = QSize(760, 700);
-        return design;
-    }()) {
+    : MdiForm({.name = QStringLiteral("frmMain"),
+               .caption = {},
+               .kind = forms::Kind::Frame,
+               .tag = {},
+               .size = QSize(760, 700)}) {
 }
 
 void SampleFrame::CreateControls(QWidget* /*surface*/) {
-    QMenu* book = AddMenu(QStringLiteral("mnuBook"), QStringLiteral("Книга"));
-    AddCommand(book, QStringLiteral("mnuBookFail"), QStringLiteral("Сбой"),
+    AddCommand(AddMenu(QStringLiteral("mnuContext"), QStringLiteral("Меню"), false),
+               QStringLiteral("mnuContextFail"), QStringLiteral("Сбой"),
                [this] { CallActive(&SampleForm::Fail); });
-    QMenu* context = AddMenu(QStringLiteral("mnuContext"), QStringLiteral("Меню"), false);
-    AddCommand(context, QStringLiteral("mnuContextRefill"), QStringLiteral("Обновить"),
-               [this] { CallActive(&SampleForm::Refill, 7); });
-    AddSeparator(context, QStringLiteral("mnuContextSeparator"));
-    AddCommand(context, QStringLiteral("mnuContextClose"), QStringLiteral("Закрыть"),
-               [this] { ActiveForm()->Unload(); });
-    windows = AddMenu(QStringLiteral("mnuWindows"), QStringLiteral("Окна"));
-    AddCommand(windows, QStringLiteral("mnuWindowCascade"), QStringLiteral("Каскад"),
-               [this] { Arrange(Cascade); });
-    SetWindowList(windows);
-}
-
-void SampleFrame::Form_Unload() {
-    Told().append(QStringLiteral("frmMain.unload"));
 }

@@ -19,7 +19,6 @@ public:
     explicit SampleForm(const QString& name, forms::Kind kind = forms::Kind::Child,
                         forms::Border border = forms::Border::Fixed);
 
-    void Refill(int argument);
     void Nothing();
     void Fail();
 
@@ -45,22 +44,18 @@ protected:
     void Form_Resize() override { ++resized; }
     void Form_Unload() override;
     void Form_Terminate() override;
-    bool Form_KeyDown(int key, Qt::KeyboardModifiers modifiers) override;
 
 private:
     void Tell(const QString& what);
 };
 
-/// A frame with a menu of the bar, a context menu and the window list.
+/// A frame with a context menu, whose command fails.
 class SampleFrame final : public forms::MdiForm {
     Q_OBJECT
 
 public:
     SampleFrame();
 
-    QMenu* windows = nullptr;
-
 protected:
     void CreateControls(QWidget* surface) override;
-    void Form_Unload() override;
 };

@@ -3,17 +3,6 @@
 #include <QAbstractItemView>
 #include <QTextCharFormat>
 
-void OrganiserTest::AddCard(int id, const QString& last, const QString& bith) {
-    const QString value = bith.isNull() ? QStringLiteral("NULL") : u'\'' + bith + u'\'';
-    Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst, a01bith) VALUES (%1, '%2', 'Иван', %3)")
-            .arg(QString::number(id), last, value));
-}
-
-void OrganiserTest::AddEvent(const QString& name, const QString& date, int period) {
-    Run(QStringLiteral("INSERT INTO a03 (a03evnm, a03evdt, a03evpr) VALUES ('%1', '%2', %3)")
-            .arg(name, date, QString::number(period)));
-}
-
 void OrganiserTest::Open() {
     Choose("mnuBookCalendar");
     calendar = Last("frmCalendar");
@@ -30,14 +19,6 @@ QString OrganiserTest::BoldDays() {
         days += shown ? QString::number(day.key().day()) : day.key().toString(Qt::ISODate);
     }
     return days.join(u' ');
-}
-
-QStringList OrganiserTest::Listed() {
-    QStringList rows;
-    for (int row = 1; row < Grid().Rows(); ++row)
-        rows +=
-            Grid().TextMatrix(row, 0) + u'|' + Grid().TextMatrix(row, 1) + u'|' + Grid().TextMatrix(row, 2);
-    return rows;
 }
 
 void OrganiserTest::ClickDay(int day, Qt::MouseButton button) {

@@ -5,13 +5,12 @@
 #include "platform/runtime/Dates.h"
 #include "tests/support/WindowTest.h"
 
-#include <functional>
-
 /// The organiser on a book of which each test writes cards and events; today is 15.05.2006.
 class OrganiserTest : public test::WindowTest {
 protected:
-    static void AddCard(int id, const QString& last, const QString& bith);
-    static void AddEvent(const QString& name, const QString& date, int period);
+    static void AddCard(int id, const QString& last, const QString& bith) {
+        WindowTest::AddCard(id, last, QStringLiteral("Иван"), {}, {}, bith);
+    }
     void Open();
 
     forms::MonthView& Month() { return Control<forms::MonthView>(calendar, "mnvCalendar"); }
@@ -20,7 +19,7 @@ protected:
     /// full.
     QString BoldDays();
     /// The rows of the table, the hidden number first, joined by '|'.
-    QStringList Listed();
+    QStringList Listed() { return WindowTest::Listed(Grid()); }
 
     /// Chooses the date as a user of the keyboard or the mouse would: the calendar tells of it.
     void GoTo(QDate date) { Month().setSelectedDate(date); }

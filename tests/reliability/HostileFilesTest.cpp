@@ -5,7 +5,7 @@
 #include "records/frmRecords.h"
 #include "tests/exchange/ImportMaster.h"
 #include "tests/shell/StartedProgram.h"
-#include "tests/support/Boxes.h"
+#include "tests/support/Answers.h"
 #include "tests/support/System.h"
 
 #include <QDateTime>

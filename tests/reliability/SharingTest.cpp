@@ -4,7 +4,7 @@
 #include "records/frmRecords.h"
 #include "shell/frmMain.h"
 #include "tests/exchange/ImportMaster.h"
-#include "tests/support/Boxes.h"
+#include "tests/support/Answers.h"
 #include "tests/support/FullRun.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/Boxes.h"
+#include "tests/support/Answers.h"
 #include "tests/support/FaultSweep.h"
 
 #include <QStringList>

@@ -1,291 +1,440 @@
-// The pair of list and filter: fill, refresh, freeze, count, the 16-bit limit, and who holds whom.
+// What both pairs of list and filter do alike, each in its own windows: fill, refresh, freeze, count, the
+// 16-bit limit, criteria, and who holds whom.
 
 #include "shared/ListForm.h"
 
+#include "platform/forms/ListBox.h"
 #include "platform/forms/Twips.h"
-#include "shared/Declaration.h"
-#include "shared/FilterForm.h"
-#include "tests/forms/SampleForms.h"
-#include "tests/support/Answers.h"
-#include "tests/support/Keys.h"
-#include "tests/support/TestBook.h"
+#include "tests/support/WindowTest.h"
 #include "tests/support/WindowWalk.h"
 
-#include <gtest/gtest.h>
-
-#include <QGridLayout>
+#include <QCheckBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiSubWindow>
-#include <QPlainTextEdit>
-#include <QTest>
+#include <QTabWidget>
 
 namespace {
 
-forms::Design DesignOf(const QString& name, forms::Border border) {
-    forms::Design design;
-    design.name = name;
-    design.caption = QStringLiteral("Города");
-    design.border = border;
-    design.tag = QStringLiteral("0");
-    design.size = border == forms::Border::Sizable ? QSize(700, 400) : QSize();
-    return design;
-}
-
-class TownFilter;
-
-class TownList final : public ListForm {
-public:
-    TownList()
-        : ListForm(DesignOf(QStringLiteral("frmTowns"), forms::Border::Sizable),
-                   {QStringLiteral("gridTowns"),
-                    QStringLiteral("mnuContext"),
-                    QStringLiteral("SELECT * FROM towns ORDER BY id"),
-                    {{QStringLiteral("ИД"), QStringLiteral("id"), 0, true},
-                     {QStringLiteral("Город"), QStringLiteral("town"), 3000},
-                     {QStringLiteral("Код"), QStringLiteral("code")}}}) {}
-
-protected:
-    std::shared_ptr<FilterForm> MakeFilter() override;
+struct Pair {
+    const char* command;
+    const char* filter;
+    const char* list;
+    const char* grid;
+    const char* filterCommand;
+    int name;                       ///< column of the name
+    std::vector<const char*> texts; ///< the text criteria, without their first letters, the name first
+    const char* nameField;
+    const char* choice; ///< the list criterion
+    const char* choiceField;
+    QString tables; ///< the statement without criteria, up to its order
+    QString joined; ///< the same with the choice among the criteria, open for more
+    QString where;  ///< how the first criterion begins without it
+    QString order;
+    QString captions; ///< of filter, list, columns
+    QString widths;
+    QString choices; ///< table
+    QString broken;  ///< what is said when that is empty
+    QString add;     ///< a statement with number and name
 };
 
-class TownFilter final : public FilterForm {
-public:
-    TownFilter()
-        : FilterForm(
-              DesignOf(QStringLiteral("frmTownsFilter"), forms::Border::Fixed),
-              {QStringLiteral("SELECT name FROM regions ORDER BY name"), QStringLiteral("Нет регионов.")}) {}
-
-protected:
-    void CreateControls(QWidget* surface) override {
-        auto* layout = new QGridLayout(surface);
-        Place(*layout, AddTextCriterion(surface, QStringLiteral("chkTown"), QStringLiteral("Город:"),
-                                        QStringLiteral("txtTown"), 50, QStringLiteral("town")));
-        Place(*layout, AddListCriterion(surface, QStringLiteral("chkRegion"), QStringLiteral("Регион:"),
-                                        QStringLiteral("lstRegion"), QStringLiteral("region")));
-        layout->addWidget(MakeButtonRow(surface), 2, 0, 1, 2);
-    }
-    std::shared_ptr<ListForm> MakeList() override { return Create<TownList>(); }
-    QString Statement() const override {
-        return QStringLiteral("SELECT * FROM towns") + Clauses(false) + QStringLiteral(" ORDER BY id");
-    }
+const Pair Records{
+    "mnuBookRecords",
+    "frmRecordsFilter",
+    "frmRecords",
+    "gridRecords",
+    "mnuRecordsFilter",
+    1,
+    {"LastName", "FirstName", "MiddleName", "Remark", "Bith", "TelefonNumber"},
+    "a01last",
+    "TelefonType",
+    "t01cval",
+    QStringLiteral("SELECT * FROM a01"),
+    QStringLiteral(
+        "SELECT * FROM a01, a02, t01 WHERE a01clid = a02clid AND t01type = 0 AND t01code = a02code AND "),
+    QStringLiteral(" WHERE "),
+    QStringLiteral(" ORDER BY a01last, a01frst, a01midl"),
+    QStringLiteral("Фильтр: список записей|Записи|ИД|Фамилия|Имя|Отчество"),
+    QStringLiteral("960 3000 3000"),
+    QStringLiteral("t01"),
+    QStringLiteral("Нарушена целостность базы данных: в таблице t01 типы телефонных номеров."),
+    QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, '%2')"),
+};
+const Pair Codes{
+    "mnuBookTelKod",
+    "frmTelKodFilter",
+    "frmTelKod",
+    "gridTelKod",
+    "mnuTelKodFilter",
+    1,
+    {"City", "CityKod"},
+    "t03cval",
+    "Region",
+    "t02cval",
+    QStringLiteral("SELECT * FROM t02, t03 WHERE t02rcid = t03code"),
+    QStringLiteral("SELECT * FROM t02, t03 WHERE t02rcid = t03code AND "),
+    QStringLiteral(" AND "),
+    QStringLiteral(" ORDER BY t02cval, t03cval"),
+    QStringLiteral("Фильтр: коды городов|Коды городов|Регион|Город|Код"),
+    QStringLiteral("5000 5000"),
+    QStringLiteral("t02"),
+    QStringLiteral("Нарушена целостность базы данных: в таблице t02 отсутствуют записи."),
+    QStringLiteral("INSERT INTO t03 (t03code, t03cval, t03numb) VALUES (3, '%2', %1)"),
 };
 
-std::shared_ptr<FilterForm> TownList::MakeFilter() {
-    return Create<TownFilter>();
-}
-
-std::shared_ptr<forms::Form> Loaded(const char* name) {
-    std::shared_ptr<forms::Form> found;
-    for (const auto& form : forms::Form::Loaded())
-        if (form->Name() == QLatin1String(name))
-            found = form;
-    return found;
-}
-
-class ListFormTest : public testing::Test {
+class ListFormTest : public test::WindowTest, public testing::WithParamInterface<const Pair*> {
 protected:
     void SetUp() override {
-        gDatabase = engine::DBEngine::Workspaces(0)->CreateDatabase(
-            folder.Path(QStringLiteral("book.mdb")), QString::fromUtf16(engine::dbLangGeneral));
-        Run("CREATE TABLE regions (name TEXT(50))");
-        Run("CREATE TABLE towns (id INTEGER, town TEXT(50), region TEXT(50), code TEXT(10))");
-        for (const char* row : {"(1, 'Абакан', 'Хакасия', '3902')", "(2, 'Москва', 'Москва', '495')",
-                                "(3, NULL, 'Москва', NULL)", "(4, 'О^Нил', 'Хакасия', '39')"})
-            Run("INSERT INTO towns (id, town, region, code) VALUES " + QByteArray(row));
-        for (const char* name : {"'Хакасия'", "'Москва'"})
-            Run("INSERT INTO regions (name) VALUES (" + QByteArray(name) + ")");
-        frame = forms::Form::Create<SampleFrame>();
-        frame->Show();
-        QTest::qWait(0);
+        WindowTest::SetUp();
+        Run(QStringLiteral("DELETE FROM t03"));
+        for (const char* name : {"Абакан", "Москва", "Мосальск", "О^Нил"})
+            Add(QString::fromUtf8(name));
     }
-
     void TearDown() override {
         filter.reset();
         list.reset();
-        if (frame && frame->IsLoaded())
-            frame->Unload();
-        gDatabase->Close();
-        gDatabase.reset();
+        WindowTest::TearDown();
     }
 
-    static void Run(const QByteArray& sql) {
-        gDatabase->Execute(QString::fromUtf8(sql), engine::dbFailOnError);
-    }
-    static void RunMany(int rows) {
-        Run("CREATE TABLE many (id INTEGER, town TEXT(50), code TEXT(10))");
-        for (int id = 1; id <= rows; ++id)
-            Run("INSERT INTO many (id, town) VALUES (" + QByteArray::number(id) + ", 'x')");
-    }
-
-    /// A new pair, as the menu makes it.
+    const Pair& P() const { return *GetParam(); }
+    void Add(const QString& name) { Run(P().add.arg(QString::number(++m_added), name)); }
     void Open() {
-        filter = forms::Form::Create<TownFilter>();
-        filter->Show();
-        list = std::dynamic_pointer_cast<TownList>(Loaded("frmTowns"));
+        Choose(P().command);
+        filter = Last(P().filter);
+        list = std::static_pointer_cast<ListForm>(Last(P().list));
+    }
+    void ShowFilter() {
+        ChooseInMenu(list, P().filterCommand);
+        filter = Last(P().filter);
+    }
+    void Find() { ClickButton(filter, "cmdFind"); }
+
+    /// A control of the filter, its page in front.
+    template <class Widget = QWidget>
+    Widget& Of(const char* kind, const char* name) {
+        auto& widget = Control<Widget>(filter, QByteArray(kind).append(name).constData());
+        auto* tabs = filter->Surface()->findChild<QTabWidget*>();
+        for (int page = 0; tabs && page < tabs->count(); ++page)
+            if (tabs->widget(page)->isAncestorOf(&widget))
+                tabs->setCurrentIndex(page);
+        return widget;
+    }
+    QLineEdit& Name() { return Of<QLineEdit>("txt", P().texts[0]); }
+    void FillName(const char* text) { Fill(Name(), QString::fromUtf8(text)); }
+    forms::ListBox& Choices() { return Of<forms::ListBox>("lst", P().choice); }
+    void Pick(int row) {
+        Click(*Choices().viewport(), Choices().visualItemRect(Choices().item(row)).center());
+    }
+    bool IsTicked(const char* name) { return Of<QCheckBox>("chk", name).isChecked(); }
+    void Tick(const char* name) {
+        auto& box = Of<QCheckBox>("chk", name);
+        Click(box, QPoint(5, box.height() / 2));
+    }
+    static bool IsWhite(const QWidget& field) {
+        return field.palette().color(QPalette::Base) == QColor(Qt::white);
     }
 
-    template <class T>
-    T* On(const std::shared_ptr<forms::Form>& form, const char* name) {
-        return form->Surface()->findChild<T*>(QLatin1String(name));
-    }
-    forms::FlexGrid& Grid() { return *On<forms::FlexGrid>(list, "gridTowns"); }
-    QLineEdit* Town() { return On<QLineEdit>(filter, "txtTown"); }
-    QCheckBox* Box(const char* name) { return On<QCheckBox>(filter, name); }
-    void Press(const char* button) { QTest::mouseClick(On<QPushButton>(filter, button), Qt::LeftButton); }
-
-    /// The number of rows by tag and count box, and the column of ids.
+    forms::FlexGrid& Grid() { return Control<forms::FlexGrid>(list, P().grid); }
+    /// The number of rows by tag and count box, and the names.
     QString Shown() {
-        QStringList ids;
-        for (int row = 1; row < Grid().Rows(); ++row)
-            ids.append(Grid().TextMatrix(row, 0));
-        return QStringLiteral("%1/%2:%3")
-            .arg(Grid().Tag(), On<QLineEdit>(list, "txtRecordsNumber")->text(), ids.join(u' '));
+        return Grid().Tag() + u'/' + Control<QLineEdit>(list, "txtRecordsNumber").text() + u':' +
+               Listed(Grid(), {P().name}).join(u' ');
+    }
+    /// The statement without what every one has.
+    QString Criteria() {
+        QString text = list->CurrentSQL();
+        EXPECT_TRUE(text.endsWith(P().order)) << text.toStdString();
+        text.chop(P().order.size());
+        return text.startsWith(P().joined) ? text.mid(P().joined.size())
+                                           : text.mid((P().tables + P().where).size());
     }
 
-    test::TestFolder folder;
-    std::shared_ptr<SampleFrame> frame;
-    std::shared_ptr<TownFilter> filter;
-    std::shared_ptr<TownList> list;
+    std::shared_ptr<forms::Form> filter;
+    std::shared_ptr<ListForm> list;
+
+private:
+    int m_added = 0;
 };
 
 } // namespace
 
-TEST_F(ListFormTest, StatesOfTheList) {
+TEST_P(ListFormTest, StatesOfTheList) {
     Open();
-    EXPECT_EQ(frame->ActiveForm(), filter) << "the filter stands in front of its list";
+    EXPECT_EQ(Frame().ActiveForm(), filter) << "the filter stands in front of its list";
     EXPECT_EQ(filter->Tag(), QStringLiteral("1"));
+    QStringList captions{filter->Caption(), list->Caption()};
+    QStringList widths;
+    for (int column = 0; column < Grid().Cols(); ++column) {
+        captions += Grid().TextMatrix(0, column);
+        widths += QString::number(Grid().ColWidth(column));
+    }
+    EXPECT_EQ(captions.join(u'|'), P().captions);
+    EXPECT_EQ(widths.mid(0, widths.size() - 1).join(u' '), P().widths);
     EXPECT_EQ(Shown(), QStringLiteral("0/:")) << "new: a blank row, no count";
-    list->FillGrid(QStringLiteral("SELECT * FROM towns"));
+    list->FillGrid(P().tables);
     EXPECT_EQ(list->CurrentSQL(), QString()) << "a suppressed statement is dropped";
 
     list->DoNotFillGrid(true);
     list->FillGrid(QString());
-    EXPECT_EQ(Shown(), QStringLiteral("4/4:1 2 3 4")) << "refresh of a new list";
-    EXPECT_EQ(list->CurrentSQL(), QStringLiteral("SELECT * FROM towns ORDER BY id"));
-    EXPECT_EQ(Grid().TextMatrix(3, 1), QString()) << "NULL is a blank cell";
-    EXPECT_EQ(Grid().TextMatrix(0, 1), QStringLiteral("Город"));
+    EXPECT_EQ(Shown(), QStringLiteral("4/4:Абакан Мосальск Москва О^Нил")) << "refresh of a new list";
+    EXPECT_EQ(Criteria(), QString());
 
-    test::Type(Town(), QStringLiteral("Мос*"));
-    EXPECT_TRUE(Box("chkTown")->isChecked());
-    QTest::keyClick(Town(), Qt::Key_Return);
-    EXPECT_EQ(Shown(), QStringLiteral("1/1:2"));
-    EXPECT_FALSE(filter->Visible());
-    EXPECT_EQ(frame->ActiveForm(), list);
-    Run("INSERT INTO towns (id, town) VALUES (5, 'Мосальск')");
+    FillName("Моск*");
+    Press(Qt::Key_Return);
+    EXPECT_EQ(Shown(), QStringLiteral("1/1:Москва"));
+    EXPECT_FALSE(filter->Surface()->isVisible());
+    EXPECT_EQ(Frame().ActiveForm(), list);
+    Add(QStringLiteral("Москва-2"));
     list->FillGrid(QString());
-    EXPECT_EQ(Shown(), QStringLiteral("2/2:2 5")) << "refresh keeps the filter";
+    EXPECT_EQ(Shown(), QStringLiteral("2/2:Москва Москва-2")) << "refresh keeps the filter";
 
-    list->ShowFilter();
-    EXPECT_EQ(frame->ActiveForm(), filter);
-    EXPECT_EQ(Town()->text(), QStringLiteral("Мос*")) << "as the user left it";
-    Press("cmdCancel");
-    Run("DELETE FROM towns WHERE id = 5");
+    ShowFilter();
+    EXPECT_EQ(Frame().ActiveForm(), filter);
+    EXPECT_EQ(Name().text(), QStringLiteral("Моск*")) << "as the user left it";
+    EXPECT_EQ(FocusName(), Name().objectName());
+    Press(Qt::Key_Escape);
+    EXPECT_FALSE(filter->Surface()->isVisible());
+    Add(QStringLiteral("Москва-3"));
     list->FillGrid(QString());
-    EXPECT_EQ(Shown(), QStringLiteral("2/2:2 5")) << "frozen";
+    EXPECT_EQ(Shown(), QStringLiteral("2/2:Москва Москва-2")) << "frozen";
 
-    list->ShowFilter();
-    Town()->setText(QStringLiteral("нет"));
-    Press("cmdFind");
+    ShowFilter();
+    FillName("нет");
+    Find();
     EXPECT_EQ(Shown(), QStringLiteral("0/0:")) << "nothing found";
 }
 
-TEST_F(ListFormTest, CriteriaTickColourAndClause) {
+TEST_P(ListFormTest, CriteriaTickColourAndClause) {
     Open();
-    auto* regions = On<forms::ListBox>(filter, "lstRegion");
-    const auto white = [](const QWidget* field) {
-        return field->palette().color(QPalette::Base) == QColor(Qt::white);
-    };
-    EXPECT_FALSE(white(Town()));
-    test::Type(Town(), QStringLiteral("x"));
-    EXPECT_TRUE(white(Town()));
-    QTest::keyClick(Town(), Qt::Key_Backspace);
-    EXPECT_FALSE(Box("chkTown")->isChecked()) << "emptying the field unticks";
-    EXPECT_FALSE(white(Town()));
+    EXPECT_FALSE(IsWhite(Name()));
+    FillName("x");
+    EXPECT_TRUE(IsTicked(P().texts[0]));
+    EXPECT_TRUE(IsWhite(Name()));
+    FillName("");
+    EXPECT_FALSE(IsTicked(P().texts[0])) << "emptying the field unticks";
+    EXPECT_FALSE(IsWhite(Name()));
 
-    QTest::mouseClick(regions->viewport(), Qt::LeftButton, {},
-                      regions->visualItemRect(regions->item(1)).center());
-    EXPECT_TRUE(Box("chkRegion")->isChecked());
-    EXPECT_TRUE(white(regions));
-    Box("chkRegion")->click();
-    EXPECT_FALSE(white(regions));
-    EXPECT_EQ(regions->ListIndex(), 1) << "unticking leaves the selection";
-    Press("cmdFind");
-    EXPECT_EQ(list->CurrentSQL(), QStringLiteral("SELECT * FROM towns ORDER BY id"));
+    Choices().setFocus(Qt::TabFocusReason);
+    EXPECT_FALSE(IsTicked(P().choice)) << "reaching the list picks nothing";
+    Pick(1);
+    EXPECT_TRUE(IsTicked(P().choice));
+    EXPECT_TRUE(IsWhite(Choices()));
+    Tick(P().choice);
+    EXPECT_FALSE(IsWhite(Choices()));
+    EXPECT_EQ(Choices().ListIndex(), 1) << "unticking leaves the selection";
+    Find();
+    EXPECT_EQ(Criteria(), QString());
 
-    list->ShowFilter();
-    regions->SetListIndex(0);
-    Press("cmdFind");
-    EXPECT_EQ(list->CurrentSQL(), QStringLiteral("SELECT * FROM towns WHERE region = 'Москва' ORDER BY id"));
+    const QString isChoice = QString::fromLatin1(P().choiceField) + QStringLiteral(" = '");
+    const QString isName = QString::fromLatin1(P().nameField);
+    ShowFilter();
+    Pick(0);
+    Find();
+    EXPECT_EQ(Criteria(), isChoice + Choices().List(0) + u'\'');
 
-    list->ShowFilter();
-    regions->SetListIndex(-1);
-    Box("chkRegion")->click();
-    Town()->setText(QStringLiteral("О'Н*"));
-    Town()->setFocus();
-    QTest::keyClick(Town(), Qt::Key_Return);
-    EXPECT_EQ(list->CurrentSQL(),
-              QStringLiteral("SELECT * FROM towns WHERE town LIKE 'О^Н*' AND region = '' ORDER BY id"))
-        << "the apostrophe rule runs before Enter searches";
+    ShowFilter();
+    Choices().SetListIndex(-1);
+    if (!IsTicked(P().choice))
+        Tick(P().choice);
+    Find();
+    EXPECT_EQ(Criteria(), isChoice + u'\'') << "a ticked box counts over nothing too";
+    EXPECT_EQ(Shown(), QStringLiteral("0/0:"));
+    ShowFilter();
+    Tick(P().choice);
+    Tick(P().texts[0]);
+    Find();
+    EXPECT_EQ(Criteria(), isName + QStringLiteral(" LIKE ''"));
 
-    list->ShowFilter();
-    Box("chkRegion")->click();
-    regions->setFocus();
-    Town()->setText(QStringLiteral("д'*"));
-    Box("chkTown")->click();
-    Press("cmdFind");
-    EXPECT_EQ(list->CurrentSQL(), QStringLiteral("SELECT * FROM towns ORDER BY id"))
-        << "which ticks no box that was unticked by hand";
-    EXPECT_EQ(Town()->text(), QStringLiteral("д^*"));
+    for (const char* text : P().texts) { // the apostrophe rule runs before Enter searches
+        ShowFilter();
+        auto& field = Of<QLineEdit>("txt", text);
+        Fill(field, QStringLiteral("О'*"));
+        Press(Qt::Key_Return);
+        EXPECT_TRUE(Criteria().contains(QStringLiteral("LIKE 'О^*'"))) << text;
+        EXPECT_EQ(field.text(), QStringLiteral("О^*"));
+        if (text == P().texts[0]) {
+            EXPECT_EQ(Shown(), QStringLiteral("1/1:О^Нил"));
+        }
+        ShowFilter();
+        Fill(field, {});
+        Find();
+    }
+
+    ShowFilter();
+    Name().setText(QStringLiteral("д'*"));
+    Tick(P().texts[0]);
+    Find();
+    EXPECT_EQ(Criteria(), QString()) << "the rule ticks no box that was unticked by hand";
+    EXPECT_EQ(Name().text(), QStringLiteral("д^*"));
 }
 
-TEST_F(ListFormTest, FailingStatementsLeaveTheGrid) {
+TEST_P(ListFormTest, FailingStatementsLeaveTheGrid) {
     Open();
-    list->DoNotFillGrid(true);
-    list->FillGrid(QString());
+    Find();
     const QString before = Shown();
-    const QString head = QStringLiteral("frmTowns функция FillGrid:\r\nпроизошла ошибка №");
+    const QString head = QString::fromLatin1(P().list) + QStringLiteral(" функция FillGrid:");
+    ShowFilter();
+    FillName("[М");
+    for (const bool again : {false, true}) {
+        test::Answers answers;
+        answers.Failure(head, 93);
+        if (again)
+            list->FillGrid(QString()); // the statement stays
+        else
+            Find();
+        EXPECT_EQ(Shown(), before);
+        EXPECT_FALSE(filter->Surface()->isVisible());
+    }
     test::Answers answers;
-    answers.BoxStarting(head + QStringLiteral("3078 "), forms::Icon::Critical);
-    list->FillGrid(QStringLiteral("SELECT * FROM none"));
+    answers.Failure(head, 3265);
+    list->FillGrid(QStringLiteral("SELECT %1 AS one FROM t01").arg(7));
+    EXPECT_EQ(Grid().Tag(), QStringLiteral("4")) << "columns are missing: as far as the fill had come";
+    list->FillGrid(P().tables + P().order);
     EXPECT_EQ(Shown(), before);
-    EXPECT_EQ(list->CurrentSQL(), QStringLiteral("SELECT * FROM none")) << "the statement stays";
-    answers.BoxStarting(head + QStringLiteral("3078 "), forms::Icon::Critical);
-    list->FillGrid(QString());
-
-    answers.BoxStarting(head + QStringLiteral("3265 "), forms::Icon::Critical);
-    list->FillGrid(QStringLiteral("SELECT id FROM towns"));
-    EXPECT_EQ(Grid().Tag(), QStringLiteral("4")) << "a column is missing: as far as the fill had come";
-    list->FillGrid(QStringLiteral("SELECT * FROM towns WHERE id = 2"));
-    EXPECT_EQ(Shown(), QStringLiteral("1/1:2"));
 }
 
-TEST_F(ListFormTest, SixteenBitCounterEndsTheFill) {
+TEST_P(ListFormTest, ClosingTheListEndsTheFilterAndClosingTheFilterDoesNot) {
     Open();
-    RunMany(32768);
-    list->DoNotFillGrid(true);
+    FillName("x");
+    const std::weak_ptr<forms::Form> weakFilter = filter;
+    const std::weak_ptr<forms::Form> weakList = list;
+
+    FrameOf(filter).close();
+    EXPECT_FALSE(filter->IsLoaded());
+    filter.reset();
+    ASSERT_FALSE(weakFilter.expired()) << "the list holds it";
+    ShowFilter();
+    EXPECT_EQ(filter, weakFilter.lock());
+    EXPECT_EQ(Name().text(), QString()) << "blank again";
+    EXPECT_GT(Choices().count(), 0);
+    EXPECT_EQ(Windows(P().list).size(), 1U) << "with the same list";
+
+    Find();
+    filter.reset();
+    FrameOf(list).close();
+    EXPECT_TRUE(weakFilter.expired()) << "a hidden filter goes with its list";
+    list.reset();
+    EXPECT_TRUE(weakList.expired());
+}
+
+TEST_P(ListFormTest, FilterWithoutItsEntries) {
+    const std::pair<QString, std::function<void(test::Answers&)>> rows[] = {
+        {QStringLiteral("DELETE FROM "),
+         [this](test::Answers& answers) { answers.Box(P().broken, forms::Icon::Critical); }},
+        {QStringLiteral("DROP TABLE "),
+         [this](test::Answers& answers) {
+             answers.Failure(QString::fromLatin1(P().filter) + QStringLiteral(" функция Form_Load:"), 3078);
+         }},
+    };
+    for (const auto& [statement, expect] : rows) {
+        Run(statement + P().choices);
+        {
+            test::Answers answers;
+            expect(answers);
+            Choose(P().command);
+        }
+        filter = Last(P().filter);
+        EXPECT_TRUE(filter->Surface()->isVisible());
+        EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
+        if (statement.startsWith(u"DELETE"))
+            Find();
+        else
+            Press(Qt::Key_Escape);
+        EXPECT_FALSE(filter->IsLoaded()) << "without a list there is nothing to come back for";
+        EXPECT_FALSE(IsOpen(P().list));
+    }
+}
+
+TEST_P(ListFormTest, ResizeRule) {
+    Open();
+    QMdiSubWindow& window = FrameOf(list);
+    const auto& label = Control<QLabel>(list, "lblRecordsNumber");
+    const auto& count = Control<QLineEdit>(list, "txtRecordsNumber");
+    const int last = Grid().Cols() - 1;
+    int others = 0;
+    for (int column = 0; column < last; ++column)
+        others += Grid().ColWidth(column);
+    const int least =
+        (others + 390 + 400 + 1500) / forms::TwipsPerPixel; // up to here the last column keeps its width
+    struct Case {
+        QSize asked;
+        int height; ///< of the window, logical pixels
+    };
+    for (const Case& c : {Case{{least + 1, 400}, 400}, Case{{least + 200, 500}, 500}, Case{{least, 300}, 300},
+                          Case{{least - 200, 60}, 133}}) {
+        const int before = Grid().ColWidth(last);
+        window.resize(c.asked);
+        EXPECT_EQ(window.height(), c.height) << "the least height is 2000";
+        EXPECT_EQ(Grid().geometry().topLeft(), QPoint(8, 8));
+        EXPECT_EQ(Grid().width(), window.width() - 26);
+        EXPECT_EQ(Grid().ColWidth(last), c.asked.width() > least ? list->Width() - 790 - others : before);
+        EXPECT_EQ(count.geometry().right(), Grid().geometry().right());
+        EXPECT_EQ(label.geometry().right() + 8, count.geometry().left());
+        EXPECT_EQ(count.y(), label.y());
+    }
+    for (const int times : {1, 2}) {
+        QFont font = list->Surface()->font();
+        font.setPointSize(font.pointSize() * times);
+        list->Surface()->setFont(font);
+        window.resize(700, 400);
+        window.resize(700, 401);
+        EXPECT_LT(count.geometry().bottom(), list->Surface()->height()) << "wholly on the window";
+        EXPECT_GT(count.y(), Grid().geometry().bottom());
+        EXPECT_GE(label.width(), label.sizeHint().width());
+    }
+    for (const auto& form : {filter, std::shared_ptr<forms::Form>(list)})
+        EXPECT_EQ(test::WindowFaults(*form->Surface()), QStringList());
+}
+
+INSTANTIATE_TEST_SUITE_P(Pairs, ListFormTest, testing::Values(&Records, &Codes),
+                         [](const auto& row) { return std::string(row.param->list); });
+
+namespace {
+
+class FilledListTest : public ListFormTest {
+protected:
+    void SetUp() override {
+        ListFormTest::SetUp();
+        Open();
+        list->DoNotFillGrid(true);
+    }
+};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Pairs, FilledListTest, testing::Values(&Records),
+                         [](const auto& row) { return std::string(row.param->list); });
+
+TEST_P(FilledListTest, SixteenBitCounterEndsTheFill) {
+    Run(QStringLiteral("DELETE FROM a01 WHERE a01clid > 1"));
+    for (int code = 1; code <= 182; ++code)
+        Run(QStringLiteral("INSERT INTO t03 (t03code, t03cval, t03numb) VALUES (1, 'x', %1)").arg(code));
     const auto fill = [this](int rows) {
-        list->FillGrid(QStringLiteral("SELECT * FROM many WHERE id <= %1").arg(rows));
+        list->FillGrid(
+            QStringLiteral("SELECT TOP %1 a01.* FROM a01, t03 AS x, t03 AS y ORDER BY x.t03rcid, y.t03rcid")
+                .arg(rows));
         return QStringLiteral("%1 %2 %3 %4")
             .arg(Grid().Tag())
             .arg(Grid().Rows())
-            .arg(Grid().TextMatrix(1, 0), Grid().TextMatrix(rows, 0));
+            .arg(Grid().TextMatrix(1, 1), Grid().TextMatrix(rows, 1));
     };
     test::Answers answers;
-    EXPECT_EQ(fill(32767), QStringLiteral("32767 32768 1 32767"));
-    answers.Box(QStringLiteral("frmTowns функция FillGrid:\r\nпроизошла ошибка №6 Переполнение"),
+    EXPECT_EQ(fill(32767), QStringLiteral("32767 32768 Абакан Абакан"));
+    answers.Box(QStringLiteral("frmRecords функция FillGrid:\r\nпроизошла ошибка №6 Переполнение"),
                 forms::Icon::Critical);
     EXPECT_EQ(fill(32768), QStringLiteral("32768 32769  ")) << "no data row";
-    EXPECT_EQ(On<QLineEdit>(list, "txtRecordsNumber")->text(), QStringLiteral("32768"));
+    EXPECT_EQ(Control<QLineEdit>(list, "txtRecordsNumber").text(), QStringLiteral("32768"));
+    list->FillGrid(P().tables + P().order);
+    EXPECT_EQ(Shown(), QStringLiteral("1/1:Абакан")) << "the list goes on";
 }
 
-TEST_F(ListFormTest, ARefillKeepsTheCurrentEntryInSight) {
-    Open();
-    RunMany(1000);
-    Run("CREATE TABLE twice (place INTEGER)");
-    for (const char* place : {"1", "2"})
-        Run("INSERT INTO twice (place) VALUES (" + QByteArray(place) + ")");
-    const QString rising = QStringLiteral("SELECT * FROM many ORDER BY id");
-    const QString joined = QStringLiteral("SELECT * FROM many, twice WHERE id <= 5 ORDER BY id");
+TEST_P(FilledListTest, ARefillKeepsTheCurrentEntryInSight) {
+    for (int i = 5; i <= 200; ++i)
+        Add(QStringLiteral("x"));
+    const QString rising = QStringLiteral("SELECT * FROM a01 ORDER BY a01clid");
+    const QString joined =
+        QStringLiteral("SELECT * FROM a01, t01 WHERE a01clid <= 5 AND t01code <= 2 ORDER BY a01clid");
+    const QString falling = QStringLiteral(" DESC");
     const struct {
         const char* what;
         QString before;
@@ -293,15 +442,16 @@ TEST_F(ListFormTest, ARefillKeepsTheCurrentEntryInSight) {
         QString after;
         int kept;
     } cases[] = {
-        {"far below", rising, 3, rising + QStringLiteral(" DESC"), 998},
-        {"far above", rising, 998, rising + QStringLiteral(" DESC"), 3},
-        {"the same row of its entry", joined, 6, joined + QStringLiteral(" DESC"), 6},
+        {"far below", rising, 3, rising + falling, 198},
+        {"far above", rising, 198, rising + falling, 3},
+        {"the same row of its entry", joined, 6, joined + falling, 6},
         {"the last of what is left of its entry", joined, 6, rising, 3},
-        {"gone: the row stays", rising, 3, QStringLiteral("SELECT * FROM many WHERE id > 5 ORDER BY id"), 3},
-        {"gone: the last row", rising, 7, QStringLiteral("SELECT * FROM many WHERE id < 5 ORDER BY id"), 4},
-        {"a blank row is no entry", QStringLiteral("SELECT * FROM many WHERE id = 0"), 1, rising, 1},
+        {"gone: the row stays", rising, 3,
+         QStringLiteral("SELECT * FROM a01 WHERE a01clid > 5 ORDER BY a01clid"), 3},
+        {"gone: the last row", rising, 7,
+         QStringLiteral("SELECT * FROM a01 WHERE a01clid < 5 ORDER BY a01clid"), 4},
+        {"a blank row is no entry", QStringLiteral("SELECT * FROM a01 WHERE a01clid = 0"), 1, rising, 1},
     };
-    list->DoNotFillGrid(true);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         list->FillGrid(c.before);
@@ -311,105 +461,4 @@ TEST_F(ListFormTest, ARefillKeepsTheCurrentEntryInSight) {
         EXPECT_EQ(Grid().currentIndex().row(), c.kept - 1);
         EXPECT_TRUE(Grid().viewport()->rect().contains(Grid().visualRect(Grid().currentIndex()).topLeft()));
     }
-}
-
-TEST_F(ListFormTest, ClosingTheListEndsTheFilterAndClosingTheFilterDoesNot) {
-    Open();
-    Town()->setText(QStringLiteral("x"));
-    const std::weak_ptr<forms::Form> weakFilter = filter;
-    const std::weak_ptr<forms::Form> weakList = list;
-
-    filter->Surface()->parentWidget()->close();
-    EXPECT_FALSE(filter->IsLoaded());
-    filter.reset();
-    ASSERT_FALSE(weakFilter.expired()) << "the list holds it";
-    list->ShowFilter();
-    filter = std::dynamic_pointer_cast<TownFilter>(Loaded("frmTownsFilter"));
-    EXPECT_EQ(filter, weakFilter.lock());
-    EXPECT_EQ(Town()->text(), QString()) << "blank again";
-    EXPECT_EQ(On<forms::ListBox>(filter, "lstRegion")->ListCount(), 2);
-    EXPECT_EQ(Loaded("frmTowns"), list) << "with the same list";
-
-    Press("cmdFind");
-    filter.reset();
-    list->Surface()->parentWidget()->close();
-    EXPECT_TRUE(weakFilter.expired()) << "a hidden filter goes with its list";
-    list.reset();
-    EXPECT_TRUE(weakList.expired());
-    EXPECT_EQ(forms::Form::Loaded().size(), 1U);
-}
-
-TEST_F(ListFormTest, FilterWithoutItsEntries) {
-    Run("DELETE FROM regions");
-    test::Answers answers;
-    answers.Box(QStringLiteral("Нет регионов."), forms::Icon::Critical);
-    Open();
-    EXPECT_TRUE(filter->Visible());
-    EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
-    EXPECT_FALSE(list);
-    Press("cmdFind");
-    EXPECT_FALSE(filter->IsLoaded()) << "without a list there is nothing to come back for";
-
-    Run("DROP TABLE regions");
-    answers.BoxStarting(QStringLiteral("frmTownsFilter функция Form_Load:\r\nпроизошла ошибка №3078 "),
-                        forms::Icon::Critical);
-    Open();
-    EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
-    QTest::keyClick(Town(), Qt::Key_Escape);
-    EXPECT_FALSE(filter->IsLoaded());
-    EXPECT_FALSE(Loaded("frmTowns")) << "neither shows the list that did not come";
-}
-
-TEST_F(ListFormTest, ResizeRule) {
-    Open();
-    const auto* window = qobject_cast<QMdiSubWindow*>(list->Surface()->parentWidget());
-    const auto* label = On<QLabel>(list, "lblRecordsNumber");
-    const auto* count = On<QLineEdit>(list, "txtRecordsNumber");
-    struct Case {
-        QSize asked;
-        int height;  ///< of the window, logical pixels
-        int lastCol; ///< twips; 0: unchanged
-    };
-    for (const Case& c :
-         {Case{{700, 400}, 400, 700 * 15 - 390 - 960 - 3000 - 400}, Case{{900, 500}, 500, 900 * 15 - 4750},
-          Case{{300, 300}, 300, 0}, Case{{300, 60}, 133, 0}}) {
-        const int before = Grid().ColWidth(2);
-        list->Surface()->parentWidget()->resize(c.asked);
-        EXPECT_EQ(window->height(), c.height) << "the least height is 2000";
-        EXPECT_EQ(Grid().geometry().topLeft(), QPoint(8, 8));
-        EXPECT_EQ(Grid().width(), window->width() - 26);
-        EXPECT_EQ(Grid().height(), window->height() - 72);
-        EXPECT_EQ(Grid().ColWidth(2), c.lastCol ? c.lastCol : before);
-        EXPECT_EQ(count->geometry().right(), Grid().geometry().right());
-        EXPECT_EQ(label->geometry().right() + 8, count->geometry().left());
-        EXPECT_EQ(count->y(), label->y());
-        EXPECT_GE(count->width(), 33);
-        EXPECT_LE(count->geometry().bottom(), list->Surface()->height() - 1) << "wholly on the window";
-    }
-    QFont large = list->Surface()->font();
-    large.setPointSize(large.pointSize() * 2);
-    list->Surface()->setFont(large);
-    list->Surface()->parentWidget()->resize(700, 400);
-    EXPECT_LE(count->geometry().bottom(), list->Surface()->height() - 1) << "also in a large font";
-    EXPECT_GT(count->y(), Grid().geometry().bottom());
-    EXPECT_GE(label->width(), label->sizeHint().width());
-    EXPECT_EQ(test::WindowFaults(*list->Surface()), QStringList());
-    EXPECT_EQ(test::WindowFaults(*filter->Surface()), QStringList());
-}
-
-TEST_F(ListFormTest, ContextMenuOfTheListReachesTheList) {
-    Open();
-    Press("cmdFind");
-    Grid().SetRow(2);
-    test::Answers answers;
-    answers.Menu(QStringLiteral("mnuContext"), QString());
-    QTest::mousePress(Grid().viewport(), Qt::RightButton, {}, QPoint(30, 5));
-    EXPECT_TRUE(answers.Done());
-    answers.Menu(QStringLiteral("mnuContext"), QString());
-    QTest::keyClick(&Grid(), Qt::Key_Menu);
-    answers.Menu(QStringLiteral("mnuContext"), QString());
-    QTest::keyClick(&Grid(), Qt::Key_F10, Qt::ShiftModifier);
-    EXPECT_TRUE(answers.Done());
-    EXPECT_EQ(Grid().Row(), 2);
-    EXPECT_EQ(frame->ActiveForm(), list);
 }

@@ -2,35 +2,26 @@
 #include "platform/engine/EngineError.h"
 #include "shell/frmAbout.h"
 #include "tests/shell/StartedProgram.h"
-#include "tests/support/WindowWalk.h"
 
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QUrl>
-#include <QtTest>
-
-using forms::Icon;
 
 namespace {
 
-const QString Broken = QStringLiteral("Нарушена целостность базы данных.");
-const QString MailHead = QStringLiteral("frmAbout функция lblMailTo_Click:");
-
-/// Stands in for the desktop: knows a mail program or not, and takes what it is asked to open.
+/// Stands in for the desktop: has a mail program or not, and takes what it is asked to open.
 class Desktop : public QObject {
     Q_OBJECT
 
 public:
-    explicit Desktop(const QString& folder) {
-        QDir(folder).mkpath(QStringLiteral("applications"));
-        Write(folder + QStringLiteral("/xdg-mime"), "#!/bin/sh\necho mailer.desktop\n");
-        qputenv("PATH", QFile::encodeName(folder));
-        qputenv("XDG_DATA_HOME", QFile::encodeName(folder));
-        m_entry = folder + QStringLiteral("/applications/mailer.desktop");
+    explicit Desktop(QString folder)
+        : m_folder(std::move(folder)) {
+        QDir(m_folder).mkpath(QStringLiteral("applications"));
+        for (const char* variable : {"PATH", "XDG_DATA_HOME", "XDG_DATA_DIRS"})
+            qputenv(variable, QFile::encodeName(m_folder));
         QDesktopServices::setUrlHandler(QStringLiteral("mailto"), this, "Open");
     }
     ~Desktop() override {
@@ -38,115 +29,98 @@ public:
         qputenv("PATH", m_path);
     }
 
-    void InstallMailProgram() const { Write(m_entry, "[Desktop Entry]\n"); }
+    void Write(const char* name, const QByteArray& content) const {
+        const QString path = m_folder + u'/' + QString::fromLatin1(name);
+        test::WriteBytes(path, content);
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
     QUrl opened;
 
 public Q_SLOTS:
     void Open(const QUrl& url) { opened = url; }
 
 private:
-    static void Write(const QString& path, const QByteArray& content) {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QFile::WriteOnly));
-        file.write(content);
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
-
-    QString m_entry;
+    QString m_folder;
     QByteArray m_path = qgetenv("PATH");
 };
 
 class About : public test::Program {
 protected:
-    static QString Text(const char* field) {
-        return forms::Form::Default<frmAbout>()
-            ->Surface()
-            ->findChild<QLineEdit*>(QString::fromLatin1(field))
-            ->text();
-    }
-    static QStringList Texts() {
-        return {Text("txtVersion"), Text("txtVersionBase"), Text("txtUseBase"), Text("txtCompileDate")};
-    }
-    static QWidget& Link() {
-        return *forms::Form::Default<frmAbout>()->Surface()->findChild<QWidget*>(QStringLiteral("lblMailTo"));
+    void SetUp() override { Start(); }
+    static std::shared_ptr<forms::Form> Window() { return Last("frmAbout"); }
+    static QString Texts() {
+        QStringList texts;
+        for (const char* field : {"txtVersion", "txtVersionBase", "txtUseBase", "txtCompileDate"})
+            texts += Control<QLineEdit>(Window(), field).text();
+        return texts.join(u'|');
     }
 };
 
 } // namespace
 
 TEST_F(About, TellsVersionsFileAndDateAfreshAtEachOpening) {
-    Start();
-    const test::Answers answers;
     Choose("mnuHelpAbout");
-    EXPECT_EQ(Texts(), QStringList({"1.2.4", "3", Path(), "02.08.2006"}));
-    const QWidget& surface = *forms::Form::Default<frmAbout>()->Surface();
-    EXPECT_EQ(test::WindowFaults(surface), QStringList());
-    for (const QLineEdit* field : surface.findChildren<QLineEdit*>())
+    EXPECT_EQ(Texts(), QStringLiteral("1.2.4|3|%1|02.08.2006").arg(Path()));
+    for (const QLineEdit* field : Window()->Surface()->findChildren<QLineEdit*>())
         EXPECT_TRUE(field->isReadOnly()) << field->objectName().toStdString();
-    EXPECT_EQ(surface.findChild<QPushButton*>(QStringLiteral("lblMailTo"))->text(),
-              QString::fromUtf16(product::AuthorMail));
-    EXPECT_EQ(surface.findChild<QLabel*>(QStringLiteral("Label2"))->text(),
-              QString::fromUtf16(product::LegalLine));
+    EXPECT_EQ(Control<QLabel>(Window(), "Label2").text(), QString::fromUtf16(product::LegalLine));
 
     Store(QStringLiteral("/a&b.mdb"));
-    gDatabase->Execute(QStringLiteral("UPDATE v00 SET v00vrid = 2"));
+    Run(QStringLiteral("UPDATE v00 SET v00vrid = 2"));
     Choose("mnuHelpAbout");
-    EXPECT_EQ(Text("txtVersionBase"), QStringLiteral("3")) << "an open window is only shown again";
-    forms::Form::Default<frmAbout>()->Unload();
+    EXPECT_EQ(Texts(), QStringLiteral("1.2.4|3|%1|02.08.2006").arg(Path())) << "open, it is only shown again";
+    Window()->Unload();
     Choose("mnuHelpAbout");
-    EXPECT_EQ(Texts(), QStringList({"1.2.4", "2", "/a&b.mdb", "02.08.2006"}));
-    const auto* path = forms::Form::Default<frmAbout>()->Surface()->findChild<QWidget*>("txtUseBase");
-    EXPECT_EQ(path->toolTip(), QStringLiteral("/a&b.mdb"));
+    EXPECT_EQ(Texts(), QStringLiteral("1.2.4|2|/a&b.mdb|02.08.2006"));
+    EXPECT_EQ(Control(Window(), "txtUseBase").toolTip(), QStringLiteral("/a&b.mdb"));
 }
 
 TEST_F(About, ABrokenVersionTableLeavesTheLaterFieldsEmpty) {
-    Start();
-    const struct {
-        const char* sql;
-        QString box;
-    } rows[] = {
-        {"DELETE FROM v00", Broken},
-        {"INSERT INTO v00 (v00vrid) SELECT a FROM two", Broken},
-        {"DROP TABLE v00",
-         QStringLiteral("frmAbout функция Form_Load:\r\nпроизошла ошибка №%1 ").arg(engine::UnknownTable)},
-    };
-    gDatabase->Execute(QStringLiteral("CREATE TABLE two (a BYTE)"));
-    gDatabase->Execute(QStringLiteral("INSERT INTO two (a) VALUES (1)"));
-    gDatabase->Execute(QStringLiteral("INSERT INTO two (a) VALUES (2)"));
-    for (const auto& row : rows) {
-        gDatabase->Execute(QString::fromLatin1(row.sql), engine::dbFailOnError);
+    const QString broken = QStringLiteral("Нарушена целостность базы данных.");
+    for (const auto& [sql, box] :
+         {std::pair("INSERT INTO v00 (v00vrid) VALUES (4)", broken),
+          {"DELETE FROM v00", broken},
+          {"DROP TABLE v00", test::ErrorStart(QStringLiteral("frmAbout функция Form_Load:"), 3078)}}) {
+        Run(QString::fromLatin1(sql));
         test::Answers answers;
-        answers.BoxStarting(row.box, Icon::Critical);
+        answers.BoxStarting(box, forms::Icon::Critical);
         Choose("mnuHelpAbout");
         EXPECT_TRUE(answers.Done());
-        EXPECT_EQ(Children(), QStringList({"frmAbout"}));
-        EXPECT_EQ(Texts(), QStringList({"1.2.4", "", "", ""})) << row.sql;
-        forms::Form::Default<frmAbout>()->Unload();
+        EXPECT_EQ(Texts(), QStringLiteral("1.2.4|||")) << sql;
+        Window()->Unload();
     }
 }
 
 TEST_F(About, TheLinkHandsNameAndAddressToTheMailProgram) {
-    Start();
     Desktop desktop(Path(QStringLiteral("desktop")));
     Choose("mnuHelpAbout");
-    {
+    const auto asks = [](const char* says) { return "#!/bin/sh\n" + QByteArray(says) + '\n'; };
+    const std::tuple<const char*, const char*, QByteArray, bool> rows[] = {
+        {"no desktop to ask", "x", "", false},
+        {"no program chosen", "xdg-mime", asks("exit 0"), false},
+        {"the chosen program is gone", "xdg-mime",
+         asks("[ \"$3\" = x-scheme-handler/mailto ] && echo mailer.desktop"), false},
+        {"a program", "applications/mailer.desktop", "[Desktop Entry]\n", true},
+    };
+    for (const auto& [name, file, content, opens] : rows) {
+        desktop.Write(file, content);
         test::Answers answers;
-        answers.BoxStarting(
-            MailHead + QStringLiteral("\r\nпроизошла ошибка №32003 Не удалось войти в почтовую систему"),
-            Icon::Critical);
-        QTest::mouseClick(&Link(), Qt::LeftButton);
-        EXPECT_TRUE(answers.Done());
-        EXPECT_FALSE(desktop.opened.isValid());
+        if (!opens)
+            answers.BoxStarting(test::ErrorStart(QStringLiteral("frmAbout функция lblMailTo_Click:"), 32003) +
+                                    QStringLiteral("Не удалось войти в почтовую систему"),
+                                forms::Icon::Critical);
+        ClickButton(Window(), "lblMailTo");
+        EXPECT_TRUE(answers.Done()) << name;
+        EXPECT_EQ(desktop.opened.isValid(), opens) << name;
     }
-    desktop.InstallMailProgram();
-    const test::Answers answers;
-    const QString recipient =
-        QStringLiteral("\"Orlenta+\" <") + QString::fromUtf16(product::AuthorMail) + u'>';
-    QTest::mouseClick(&Link(), Qt::LeftButton);
-    EXPECT_EQ(desktop.opened.path(QUrl::FullyDecoded), recipient);
+    const QString address = QString::fromUtf16(product::AuthorMail);
+    const QString opened = QStringLiteral("\"Orlenta+\" <%1>").arg(address);
+    EXPECT_EQ(desktop.opened.path(QUrl::FullyDecoded), opened);
+    EXPECT_FALSE(desktop.opened.toEncoded().contains('+'));
     desktop.opened.clear();
-    QTest::keyClick(&Link(), Qt::Key_Return);
-    EXPECT_EQ(desktop.opened.path(QUrl::FullyDecoded), recipient);
+    Control(Window(), "lblMailTo").setFocus();
+    Press(Qt::Key_Return);
+    EXPECT_EQ(desktop.opened.path(QUrl::FullyDecoded), opened);
     EXPECT_EQ(Children(), QStringList({"frmAbout"}));
 }
 

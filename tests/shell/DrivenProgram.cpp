@@ -3,7 +3,7 @@
 
 #include "platform/forms/MdiForm.h"
 #include "shared/Declaration.h"
-#include "tests/support/Boxes.h"
+#include "tests/support/Answers.h"
 #include "tests/support/FaultyCalls.h"
 
 #include <QCoreApplication>

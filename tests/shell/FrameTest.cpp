@@ -1,186 +1,317 @@
+// The main window: its menus, commands on the active child, window list, arrangements, the end.
+
+#include "platform/forms/MsgBox.h"
 #include "shared/Commands.h"
 #include "tests/shell/StartedProgram.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QScreen>
+#include <QVBoxLayout>
+
+using forms::Border;
 
 namespace {
 
-class Frame : public test::Program {};
+/// What the children tell of their life and of the operations that the menus call on them, in order.
+QStringList told;
 
-struct Entry {
-    const char* menu;
-    const char* name;
-    const char* caption; ///< empty: a separator
-};
+QString Take() {
+    return std::exchange(told, {}).join(u' ');
+}
 
-const Entry Entries[] = {
-    {"mnuBook", "mnuBookRecords", "Записи..."},
-    {"mnuBook", "mnuBookCalendar", "Органайзер..."},
-    {"mnuBook", "mnuBookTelKod", "Коды городов..."},
-    {"mnuBook", "mnuBookSeparator1", ""},
-    {"mnuBook", "mnuBookNewBase", "Выбрать другую базу..."},
-    {"mnuBook", "mnuBookSeparator3", ""},
-    {"mnuBook", "mnuBookImport", "Импорт книги из CSV файла..."},
-    {"mnuBook", "mnuBookSeparator2", ""},
-    {"mnuBook", "mnuBookExit", "Выход"},
-    {"mnuSettings", "mnuSettingsTelefonType", "Типы телефонных номеров..."},
-    {"mnuSettings", "mnuSettingsSQLVIEW", "SQL наблюдатель..."},
-    {"mnuRecords", "mnuRecordsRefresh", "Обновить"},
-    {"mnuRecords", "mnuRecordsSeparator1", ""},
-    {"mnuRecords", "mnuRecordsFilter", "Фильтр"},
-    {"mnuRecords", "mnuRecordsSeparator2", ""},
-    {"mnuRecords", "mnuRecordsAdd", "Добавить запись"},
-    {"mnuRecords", "mnuRecordsEdit", "Изменить запись"},
-    {"mnuRecords", "mnuRecordsView", "Посмотреть запись"},
-    {"mnuRecords", "mnuRecordsSeparator3", ""},
-    {"mnuRecords", "mnuRecordsExtractToEnotherDB", "Извлечь в другую базу"},
-    {"mnuRecords", "mnuRecordsSeparator4", ""},
-    {"mnuRecords", "mnuRecordsImportFromCSV", "Импортировать из CSV файла"},
-    {"mnuRecords", "mnuRecordsExtractToCSV", "Извлечь в CSV файл"},
-    {"mnuCalendar", "mnuCalendarAddEvent", "Добавить..."},
-    {"mnuCalendar", "mnuCalendarEditEvent", "Редактировать"},
-    {"mnuCalendar", "mnuCalendarRemoveEvent", "Удалить"},
-    {"mnuTelKod", "mnuTelKodFilter", "Фильтр"},
-    {"mnuWindows", "mnuWindowCascade", "Каскад"},
-    {"mnuWindows", "mnuWindowHorizontal", "По горизонтали"},
-    {"mnuWindows", "mnuWindowVertical", "По вертикали"},
-    {"mnuHelp", "mnuHelpAbout", "О программе..."},
-};
-
-/// A child that tells which operations the menus call on it.
+/// A child with a field, whose size no font tells.
 class Listener : public forms::Form, public Commands {
 public:
-    Listener()
-        : Form({.name = QStringLiteral("Listener"), .caption = {}, .tag = {}}) {}
-    QStringList calls;
+    explicit Listener(const char* name, Border border = Border::Sizable)
+        : Form({.name = QString::fromLatin1(name),
+                .caption = QStringLiteral("Окно ") + QString::fromLatin1(name),
+                .border = border,
+                .tag = {},
+                .size = QSize(400, 300)}) {}
+    std::function<void()> inDelete;
+    std::function<void()> inUnload;
 
-    void DoNotFillGrid(bool bNeedFill) override {
-        calls += QStringLiteral("DoNotFillGrid %1").arg(bNeedFill);
+    void DoNotFillGrid(bool bNeedFill) override { Tell(QStringLiteral("DoNotFillGrid(%1)").arg(bNeedFill)); }
+    void FillGrid(const QString& strSQL) override { Tell(QStringLiteral("FillGrid(%1)").arg(strSQL)); }
+    void ShowFilter() override { Tell(QStringLiteral("ShowFilter")); }
+    void EditRecord(int nAction) override { Tell(QStringLiteral("EditRecord(%1)").arg(nAction)); }
+    void ExtractToAnotherDB() override { Tell(QStringLiteral("ExtractToAnotherDB")); }
+    void ExtractToCSV() override { Tell(QStringLiteral("ExtractToCSV")); }
+    void EditEvent(int nType) override { Tell(QStringLiteral("EditEvent(%1)").arg(nType)); }
+    void DeleteEvent() override {
+        Tell(QStringLiteral("DeleteEvent"));
+        if (inDelete)
+            inDelete();
     }
-    void FillGrid(const QString& strSQL) override { calls += QStringLiteral("FillGrid [%1]").arg(strSQL); }
-    void ShowFilter() override { calls += QStringLiteral("ShowFilter"); }
-    void EditRecord(int nAction) override { calls += QStringLiteral("EditRecord %1").arg(nAction); }
-    void ExtractToAnotherDB() override { calls += QStringLiteral("ExtractToAnotherDB"); }
-    void ExtractToCSV() override { calls += QStringLiteral("ExtractToCSV"); }
-    void EditEvent(int nType) override { calls += QStringLiteral("EditEvent %1").arg(nType); }
-    void DeleteEvent() override { calls += QStringLiteral("DeleteEvent"); }
 
 protected:
-    void CreateControls(QWidget* /*surface*/) override {}
+    void CreateControls(QWidget* surface) override {
+        auto* field = new QLineEdit;
+        field->setFixedSize(180, 80);
+        (new QVBoxLayout(surface))->addWidget(field);
+    }
+    void Form_Activate() override { Tell(QStringLiteral("activate")); }
+    void Form_Unload() override {
+        Tell(QStringLiteral("unload"));
+        if (inUnload)
+            inUnload();
+    }
+    void Form_Terminate() override { Tell(QStringLiteral("terminate")); }
+
+private:
+    void Tell(const QString& what) const { told += Name() + u'.' + what; }
+};
+
+class FrameTest : public test::Program {
+protected:
+    void SetUp() override {
+        Start();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&Window()));
+        Take();
+    }
+
+    static std::shared_ptr<Listener> Open(const char* name, Border border = Border::Sizable) {
+        auto form = forms::Form::Create<Listener>(name, border);
+        form->Show();
+        Take();
+        return form;
+    }
+    static QMdiArea& Area() { return *Window().findChild<QMdiArea*>(); }
+
+    static QMenu& WindowMenu() { return ControlOf<QMenu>(Window(), "mnuWindows"); }
+    static QStringList WindowList() {
+        Q_EMIT WindowMenu().aboutToShow();
+        QStringList entries;
+        for (const QAction* entry : WindowMenu().actions())
+            if (entry->isCheckable())
+                entries.append(entry->isChecked() ? u'*' + entry->text() : entry->text());
+        return entries;
+    }
+    static QAction& Entry(qsizetype number) {
+        const qsizetype listed = WindowList().size();
+        const QList<QAction*> entries = WindowMenu().actions();
+        return *entries.at(entries.size() - listed + number);
+    }
 };
 
 } // namespace
 
-TEST_F(Frame, TheMenuTreeStandsAsTold) {
-    Start();
-    QStringList bar;
-    for (const QAction* action : Window().menuBar()->actions()) {
-        if (action->isVisible())
-            bar += action->text();
-    }
-    EXPECT_EQ(bar, QStringList({QStringLiteral("Книга"), QStringLiteral("Настройки"), QStringLiteral("Окна"),
-                                QStringLiteral("Помощь")}));
-    const struct {
-        const char* name;
-        QString caption;
-    } hidden[] = {
-        {"mnuRecords", QStringLiteral("Меню записей")},
-        {"mnuCalendar", QStringLiteral("Меню органайзера")},
-        {"mnuTelKod", QStringLiteral("Меню кодов городов")},
+TEST_F(FrameTest, MenusSayWhatTheyDo) {
+    const std::pair<const char*, const char*> menus[] = {
+        {"mnuBook", "Книга: Записи...; Органайзер...; Коды городов...; ; Выбрать другую базу...; ; "
+                    "Импорт книги из CSV файла...; ; Выход"},
+        {"mnuSettings", "Настройки: Типы телефонных номеров...; SQL наблюдатель..."},
+        {"mnuRecords", "Меню записей: Обновить; ; Фильтр; ; Добавить запись; Изменить запись; "
+                       "Посмотреть запись; ; Извлечь в другую базу; ; Импортировать из CSV файла; "
+                       "Извлечь в CSV файл"},
+        {"mnuCalendar", "Меню органайзера: Добавить...; Редактировать; Удалить"},
+        {"mnuTelKod", "Меню кодов городов: Фильтр"},
+        {"mnuWindows", "Окна: Каскад; По горизонтали; По вертикали"},
+        {"mnuHelp", "Помощь: О программе..."},
     };
-    for (const auto& menu : hidden)
-        EXPECT_EQ(Window().findChild<QMenu*>(QString::fromLatin1(menu.name))->title(), menu.caption);
-
-    std::map<QString, qsizetype> places;
-    for (const Entry& entry : Entries) {
-        SCOPED_TRACE(entry.name);
-        const auto* menu = Window().findChild<QMenu*>(QString::fromLatin1(entry.menu));
-        ASSERT_NE(menu, nullptr);
-        const qsizetype place = places[menu->objectName()]++;
-        ASSERT_LT(place, menu->actions().size());
-        const QAction* action = menu->actions().at(place);
-        EXPECT_EQ(action->objectName(), QString::fromLatin1(entry.name));
-        EXPECT_EQ(action->isSeparator(), *entry.caption == '\0');
-        EXPECT_TRUE(action->isEnabled());
-        EXPECT_TRUE(action->shortcut().isEmpty());
-        if (!action->isSeparator()) {
-            EXPECT_EQ(action->text(), QString::fromUtf8(entry.caption));
-        }
+    for (const auto& [name, said] : menus) {
+        const auto& menu = ControlOf<QMenu>(Window(), name);
+        QStringList captions;
+        for (const QAction* action : menu.actions())
+            captions += action->isSeparator() ? QString() : action->text();
+        EXPECT_EQ(menu.title() + QStringLiteral(": ") + captions.join(QStringLiteral("; ")),
+                  QString::fromUtf8(said));
     }
+    QStringList bar;
+    for (const QAction* action : Window().menuBar()->actions())
+        bar += action->menu()->objectName();
+    EXPECT_EQ(bar.join(u' '), QStringLiteral("mnuBook mnuSettings mnuWindows mnuHelp"));
 }
 
-TEST_F(Frame, ItFitsTheScreenAndNamesTheFile) {
-    Start();
-    EXPECT_EQ(Window().objectName(), QStringLiteral("frmMain"));
-    EXPECT_EQ(Window().windowTitle(), QStringLiteral("Завелик - ") + Path());
-    EXPECT_TRUE(QGuiApplication::primaryScreen()->availableSize().width() >= Window().width());
+TEST_F(FrameTest, ItFitsTheScreenAndNamesTheFile) {
     const int screen = QGuiApplication::primaryScreen()->availableSize().width();
+    EXPECT_GE(screen, Window().width());
     EXPECT_EQ(Window().isMaximized(), screen < 1000) << "else the list of town codes would be cut";
     Store(QStringLiteral("/elsewhere.mdb"));
     Choose("mnuHelpAbout");
     EXPECT_EQ(Window().windowTitle(), QStringLiteral("Завелик - ") + Path());
 }
 
-TEST_F(Frame, CommandsReachTheActiveChildAndNoOther) {
-    Start();
-    const auto first = forms::Form::Create<Listener>();
-    const auto second = forms::Form::Create<Listener>();
-    first->Show();
-    second->Show();
-    const struct {
-        const char* command;
-        QStringList calls;
-    } rows[] = {
-        {"mnuRecordsRefresh", {QStringLiteral("DoNotFillGrid 1"), QStringLiteral("FillGrid []")}},
-        {"mnuRecordsFilter", {QStringLiteral("ShowFilter")}},
-        {"mnuRecordsAdd", {QStringLiteral("EditRecord 1")}},
-        {"mnuRecordsEdit", {QStringLiteral("EditRecord 0")}},
-        {"mnuRecordsView", {QStringLiteral("EditRecord 2")}},
-        {"mnuRecordsExtractToEnotherDB", {QStringLiteral("ExtractToAnotherDB")}},
-        {"mnuRecordsExtractToCSV", {QStringLiteral("ExtractToCSV")}},
-        {"mnuCalendarAddEvent", {QStringLiteral("EditEvent 1")}},
-        {"mnuCalendarEditEvent", {QStringLiteral("EditEvent 0")}},
-        {"mnuCalendarRemoveEvent", {QStringLiteral("DeleteEvent")}},
-        {"mnuTelKodFilter", {QStringLiteral("ShowFilter")}},
+TEST_F(FrameTest, CommandsReachTheActiveChildAndNoOther) {
+    Choose("mnuRecordsRefresh"); // no child: nothing
+    Open("a");
+    Open("b");
+    const std::pair<const char*, const char*> rows[] = {
+        {"mnuRecordsRefresh", "b.DoNotFillGrid(1) b.FillGrid()"},
+        {"mnuRecordsFilter", "b.ShowFilter"},
+        {"mnuRecordsAdd", "b.EditRecord(1)"},
+        {"mnuRecordsEdit", "b.EditRecord(0)"},
+        {"mnuRecordsView", "b.EditRecord(2)"},
+        {"mnuRecordsExtractToEnotherDB", "b.ExtractToAnotherDB"},
+        {"mnuRecordsExtractToCSV", "b.ExtractToCSV"},
+        {"mnuCalendarAddEvent", "b.EditEvent(1)"},
+        {"mnuCalendarEditEvent", "b.EditEvent(0)"},
+        {"mnuCalendarRemoveEvent", "b.DeleteEvent"},
+        {"mnuTelKodFilter", "b.ShowFilter"},
     };
-    for (const auto& row : rows) {
-        second->calls.clear();
-        Choose(row.command);
-        EXPECT_EQ(second->calls, row.calls) << row.command;
+    for (const auto& [command, calls] : rows) {
+        Choose(command);
+        EXPECT_EQ(Take(), QString::fromLatin1(calls)) << command;
     }
-    EXPECT_EQ(first->calls, QStringList());
+    Choose("mnuHelpAbout");
+    test::Answers answers;
+    answers.BoxStarting(QStringLiteral("произошла ошибка №438 "), forms::Icon::Critical);
+    Choose("mnuRecordsFilter"); // a child of another kind
 }
 
-TEST_F(Frame, EachLaunchOpensAWindowOfItsOwnAndOneAboutBox) {
-    Start();
-    const struct {
-        const char* command;
-        QString window;
-    } rows[] = {
-        {"mnuBookImport", QStringLiteral("frmImportMasterStep1")},
-        {"mnuRecordsImportFromCSV", QStringLiteral("frmImportMasterStep1")},
-        {"mnuSettingsSQLVIEW", QStringLiteral("frmUserEditor")},
-        {"mnuSettingsSQLVIEW", QStringLiteral("frmUserEditor")},
-        {"mnuHelpAbout", QStringLiteral("frmAbout")},
-    };
+TEST_F(FrameTest, EachLaunchOpensAWindowOfItsOwnAndOneAboutBox) {
     QStringList expected;
-    for (const auto& row : rows) {
-        Choose(row.command);
-        expected += row.window;
+    for (const auto& [command, window] : {std::pair("mnuBookImport", "frmImportMasterStep1"),
+                                          {"mnuRecordsImportFromCSV", "frmImportMasterStep1"},
+                                          {"mnuSettingsSQLVIEW", "frmUserEditor"},
+                                          {"mnuSettingsSQLVIEW", "frmUserEditor"},
+                                          {"mnuHelpAbout", "frmAbout"}}) {
+        Choose(command);
+        expected += QString::fromLatin1(window);
         EXPECT_EQ(Children(), expected);
     }
     Choose("mnuHelpAbout");
     EXPECT_EQ(Children(), expected);
-    EXPECT_EQ(forms::MdiForm::Current()->Area()->subWindowList().size(), expected.size());
 }
 
-TEST_F(Frame, ArrangingWithoutWindowsChangesNothing) {
-    Start();
-    const QSize before = Window().size();
-    for (const char* command : {"mnuWindowCascade", "mnuWindowHorizontal", "mnuWindowVertical"})
-        Choose(command);
-    EXPECT_EQ(Window().size(), before);
-    EXPECT_EQ(Children(), QStringList());
+TEST_F(FrameTest, WindowListFollowsTheChildren) {
+    const qsizetype own = WindowMenu().actions().size();
+    const auto first = Open("a");
+    const auto second = Open("b");
+    const auto hidden = Open("c");
+    hidden->SetVisible(false);
+    first->SetCaption(QStringLiteral("Окно A&B"));
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("Окно A&&B"), QStringLiteral("*Окно b")}));
+    EXPECT_TRUE(WindowMenu().actions().at(own)->isSeparator());
+    Take();
+    Entry(0).trigger();
+    EXPECT_EQ(Take(), QStringLiteral("a.activate"));
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно A&&B"), QStringLiteral("Окно b")}));
+
+    FrameOf(second).showMinimized();
+    Entry(1).trigger();
+    EXPECT_FALSE(second->IsMinimised()) << "choosing a minimised child restores it";
+    FrameOf(second).showMinimized();
+    first->Show();
+    Activate(second); // as a click does
+    EXPECT_EQ(Frame().ActiveForm(), second);
+    hidden->Show();
+    hidden->SetVisible(false);
+    EXPECT_EQ(Frame().ActiveForm(), first) << "a minimised child comes last";
+
+    first->SetCaption(second->Caption());
+    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно b (1)"), QStringLiteral("Окно b (2)")}));
+    for (const auto& form : {first, second, hidden})
+        form->Unload();
+    EXPECT_EQ(WindowList(), QStringList());
+    EXPECT_EQ(WindowMenu().actions().size(), own) << "no separator without entries";
+}
+
+TEST_F(FrameTest, Arrangements) {
+    constexpr auto Cascade = "mnuWindowCascade";
+    constexpr auto UnderEachOther = "mnuWindowHorizontal";
+    constexpr auto SideBySide = "mnuWindowVertical";
+    Window().resize(900, 1000);
+    QTest::qWait(0);
+    for (const char* command : {Cascade, UnderEachOther, SideBySide})
+        Choose(command); // without a child: nothing
+    const auto a = Open("a");
+    const auto fixed = Open("b", Border::Fixed);
+    const auto c = Open("c");
+    const QSize fixedSize = FrameOf(fixed).size();
+    const QRect ground = Area().viewport()->rect();
+    const auto place = [](const auto& form) { return FrameOf(form).geometry(); };
+
+    Choose(UnderEachOther);
+    EXPECT_EQ(place(fixed), QRect(ground.topLeft(), fixedSize));
+    EXPECT_EQ(place(c).topLeft(), QPoint(ground.left(), place(fixed).bottom() + 1)) << "the active one first";
+    EXPECT_EQ(place(c).right(), ground.right());
+    EXPECT_EQ(place(a), QRect(QPoint(ground.left(), place(c).bottom() + 1), ground.bottomRight()));
+
+    Choose(SideBySide);
+    EXPECT_EQ(place(c).topLeft(), QPoint(place(fixed).right() + 1, ground.top()));
+    EXPECT_EQ(place(c).bottom(), ground.bottom());
+    EXPECT_EQ(place(a), QRect(QPoint(place(c).right() + 1, ground.top()), ground.bottomRight()));
+
+    FrameOf(a).showMinimized();
+    Choose(SideBySide);
+    EXPECT_TRUE(a->IsMinimised());
+    EXPECT_EQ(place(c).bottomRight(), QPoint(ground.right(), place(a).top() - 1)) << "above it";
+
+    FrameOf(a).showMaximized();
+    c->Show();
+    Take();
+    Choose(Cascade);
+    EXPECT_FALSE(FrameOf(a).isMaximized());
+    EXPECT_GT(place(c).top(), place(fixed).top());
+    EXPECT_GT(place(c).left(), place(fixed).left());
+    EXPECT_EQ(place(fixed).size(), fixedSize);
+    EXPECT_EQ(Frame().ActiveForm(), c);
+    EXPECT_EQ(Take(), QString()) << "arranging activates nobody";
+
+    std::vector<std::shared_ptr<Listener>> more{fixed, c};
+    for (const char* name : {"d", "e", "f", "g"})
+        more.push_back(Open(name, Border::Fixed));
+    for (const auto* arrangement : {UnderEachOther, SideBySide}) {
+        FrameOf(a).move(2000, 2000); // scroll bars come, which tiling takes away
+        ASSERT_TRUE(QTest::qWaitFor([&] { return Area().viewport()->rect() != ground; }));
+        Choose(arrangement);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Area().viewport()->rect() == ground; }));
+        for (const auto& form : more)
+            EXPECT_TRUE(ground.contains(place(form))) << "with its close box";
+        EXPECT_EQ(place(a).bottomRight(), ground.bottomRight());
+    }
+
+    const auto big = Open("h", Border::Fixed);
+    const QSize edges = FrameOf(big).size() - big->Surface()->size();
+    const QSize size = ground.size() + QSize(-1, 1); // too wide beside the bar that it brings
+    big->Surface()->setMinimumSize(size - edges);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return FrameOf(big).size() == size; }));
+    Choose(UnderEachOther);
+    const auto room = [] { return Area().viewport()->rect(); };
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return room().width() < ground.width() && room().height() < ground.height(); }));
+    EXPECT_EQ(place(a).bottomRight(), room().bottomRight()) << "beside both scroll bars";
+}
+
+TEST_F(FrameTest, BoxesStandOverTheChildThatAsks) {
+    const auto first = Open("a", Border::Fixed);
+    const auto second = Open("b", Border::Fixed);
+    FrameOf(second).move(Area().viewport()->rect().bottomRight() - FrameOf(second).rect().bottomRight());
+    for (const auto& form : {first, second}) {
+        form->Show();
+        QPoint centre;
+        test::Answers answers;
+        answers.Modal(QStringLiteral("MsgBox"), [&centre](QWidget& box) {
+            centre = box.geometry().center();
+            box.close();
+        });
+        form->inDelete = [] { forms::MsgBox(QStringLiteral("?"), forms::Icon::Information); };
+        Choose("mnuCalendarRemoveEvent");
+        const QWidget& child = FrameOf(form);
+        EXPECT_LE((centre - child.mapToGlobal(child.rect().center())).manhattanLength(), 4);
+    }
+}
+
+TEST_F(FrameTest, ClosingItUnloadsEveryChildFirst) {
+    Open("a");
+    const auto b = Open("b");
+    b->SetVisible(false);
+    Open("c");
+    Take();
+    Window().close();
+    EXPECT_EQ(Take(), QStringLiteral("a.unload a.terminate b.unload c.unload c.terminate"))
+        << "hidden ones too, and none is activated on the way";
+    EXPECT_TRUE(forms::Form::Loaded().empty());
+}
+
+TEST_F(FrameTest, ItMayBeClosedWhileAChildGoes) {
+    const auto a = Open("a");
+    Open("b");
+    a->inUnload = [] { Window().close(); };
+    a->Unload();
+    EXPECT_EQ(Take(), QStringLiteral("a.unload b.unload b.terminate"));
+    EXPECT_TRUE(forms::Form::Loaded().empty());
 }

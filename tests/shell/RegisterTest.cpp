@@ -1,30 +1,10 @@
-#include "platform/runtime/Failure.h"
-#include "platform/runtime/Settings.h"
 #include "tests/shell/StartedProgram.h"
-
-#include <QFile>
 
 using forms::Icon;
 
 namespace {
 
-class Register : public test::Program {
-protected:
-    static QString Text(const QString& head, int number) {
-        return forms::ErrorText(head, {number, runtime::RuntimeText(number)});
-    }
-    static QString AskText(const QString& routine, int number) {
-        return Text(QStringLiteral("Класс clsRegister функция ") + routine + u':', number) +
-               QStringLiteral("\r\nПродолжить работу программы?");
-    }
-
-    /// A store in a place where nothing can be written.
-    void SpoilStore() const {
-        QFile file(Path(QStringLiteral("file")));
-        ASSERT_TRUE(file.open(QFile::WriteOnly));
-        runtime::UseSettingsFile(Path(QStringLiteral("file/store.ini")));
-    }
-};
+class Register : public test::Program {};
 
 const QString Key = QStringLiteral("DB_Path");
 
@@ -53,33 +33,22 @@ TEST_F(Register, ValuesAreAddressedByTheCurrentSection) {
     EXPECT_EQ(clsRegister().GetKeyVal(Key), QString());
 }
 
-TEST_F(Register, AStoreThatCannotBeWrittenShowsABoxAndGoesOn) {
-    SpoilStore();
-    test::Answers answers;
-    answers.Box(Text(QStringLiteral("Класс clsRegister функция SaveKeyVal:"), runtime::PathFileAccess),
-                Icon::Critical);
-    clsRegister().SaveKeyVal(Key, QStringLiteral("/книга"));
-    EXPECT_TRUE(answers.Done());
-    EXPECT_EQ(runtime::GetSetting(QStringLiteral("Zavelik"), QStringLiteral("General"), Key), QString());
-}
-
 TEST_F(Register, AFailedDeletionAsksWhetherToGoOn) {
-    const struct {
-        const char* routine;
-        void (*run)(clsRegister&);
-    } rows[] = {
+    const std::pair<const char*, std::function<void(clsRegister&)>> rows[] = {
         {"DeleteKey", [](clsRegister& settings) { settings.DeleteKey(Key); }},
         {"DeleteSection", [](clsRegister& settings) { settings.DeleteSection(QStringLiteral("none")); }},
         {"DeleteAllSection", [](clsRegister& settings) { settings.DeleteAllSection(); }},
     };
-    for (const auto& row : rows) {
-        const QString text = AskText(QString::fromLatin1(row.routine), runtime::InvalidCall);
+    for (const auto& [routine, run] : rows) {
+        const QString text =
+            forms::ErrorText(QStringLiteral("Класс clsRegister функция %1:").arg(QLatin1String(routine)),
+                             {runtime::InvalidCall, runtime::RuntimeText(runtime::InvalidCall)}) +
+            QStringLiteral("\r\nПродолжить работу программы?");
         const runtime::EndTrap trap;
         test::Answers answers;
         clsRegister settings;
-        answers.Question(text, true, false, Icon::Critical);
-        EXPECT_NO_THROW(row.run(settings)) << row.routine;
-        answers.Question(text, false, false, Icon::Critical);
-        EXPECT_THROW(row.run(settings), runtime::ProcessEnded) << row.routine;
+        answers.Question(text, true, false, Icon::Critical).Question(text, false, false, Icon::Critical);
+        EXPECT_NO_THROW(run(settings)) << routine;
+        EXPECT_THROW(run(settings), runtime::ProcessEnded) << routine;
     }
 }

@@ -19,6 +19,11 @@ inline void MakeBook(const QString& path, int version) {
                    QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (7, 2, '495')")};
     for (const QString& statement : statements)
         book->Execute(statement, engine::dbFailOnError);
+    const engine::TableDef cards = book->TableDefs(QStringLiteral("a01"));
+    for (const QString& column : schema::EmptyTextColumns()) {
+        if (version > 2 || column != u"a01bith")
+            cards.Fields(column).SetAllowZeroLength(true);
+    }
     book->Close();
 }
 

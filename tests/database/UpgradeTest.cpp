@@ -1,8 +1,8 @@
 #include "platform/engine/EngineError.h"
 #include "platform/runtime/Process.h"
 #include "tests/database/BoundBase.h"
+#include "tests/database/OldVersion.h"
 
-#include <QFile>
 #include <sqlite3.h>
 
 using test::ErrorStart;
@@ -13,31 +13,11 @@ const QString Head = QStringLiteral("Функция UpdateBaseIfNeed:");
 
 class Upgrade : public test::BoundBase {
 protected:
-    void MakeVersion1() {
-        Execute(QStringLiteral("CREATE TABLE a01 (a01clid INTEGER NOT NULL PRIMARY KEY, a01last TEXT(50), "
-                               "a01frst TEXT(50), a01midl TEXT(50), a01memo TEXT(100))"));
-        Execute(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (1, 'Иванов')"));
-        Execute(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (7, 'Петрова')"));
-        Execute(QStringLiteral(
-            "CREATE TABLE a02 (a02rcid COUNTER NOT NULL PRIMARY KEY, a02clid INTEGER NOT NULL, "
-            "a02code SHORT NOT NULL, a02cval TEXT(50) NOT NULL)"));
-        Execute(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) VALUES (7, 2, '495')"));
-        Execute(
-            QStringLiteral("CREATE TABLE t01 (t01ctid COUNTER NOT NULL PRIMARY KEY, t01type BYTE NOT NULL, "
-                           "t01code SHORT NOT NULL, t01cval TEXT(50) NOT NULL UNIQUE)"));
-        SetVersion(QStringLiteral("BYTE NOT NULL PRIMARY KEY"), {QStringLiteral("1")});
-    }
-
-    void MakeVersion2() {
-        MakeVersion1();
-        Execute(QStringLiteral(
-            "CREATE TABLE t02 (t02rcid COUNTER NOT NULL PRIMARY KEY, t02cval TEXT(50) NOT NULL)"));
-        Execute(QStringLiteral(
-            "CREATE TABLE t03 (t03rcid COUNTER NOT NULL PRIMARY KEY, t03code INTEGER NOT NULL, "
-            "t03cval TEXT(50) NOT NULL, t03numb INTEGER NOT NULL)"));
-        Execute(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith TEXT(20)"));
-        Execute(QStringLiteral("UPDATE a01 SET a01bith = '05.12.1970' WHERE a01clid = 1"));
-        Execute(QStringLiteral("UPDATE v00 SET v00vrid = 2"));
+    void Open(int version) {
+        gDatabase->Close();
+        QFile::remove(Path());
+        test::MakeBook(Path(), version);
+        gDatabase = gWorkspace->OpenDatabase(Path());
     }
 
     void SetVersion(const QString& type, const QStringList& values) {
@@ -56,8 +36,29 @@ protected:
         sqlite3_close(connection);
     }
 
-    QString Version() const { return Row(QStringLiteral("SELECT v00vrid FROM v00")); }
+    /// Starts on the book; these boxes come, and the process ends or goes on.
+    static void Raise(const QStringList& boxes = {}, bool ends = false) {
+        const runtime::EndTrap trap;
+        test::Answers answers;
+        for (const QString& box : boxes)
+            answers.BoxStarting(box, forms::Icon::Critical);
+        bool ended = false;
+        try {
+            General::UpdateBaseIfNeed();
+        } catch (const runtime::ProcessEnded&) {
+            ended = true;
+        }
+        EXPECT_EQ(ended, ends);
+        EXPECT_TRUE(answers.Done());
+        EXPECT_TRUE(gDatabase->IsOpen());
+    }
 
+    QString Version() const { return Row(QStringLiteral("SELECT v00vrid FROM v00")); }
+    static bool Has(const char* table) {
+        return gDatabase->TableNames().contains(QString::fromLatin1(table));
+    }
+    static engine::TableDef Cards() { return gDatabase->TableDefs(QStringLiteral("a01")); }
+    static bool TakesEmptyBirthdays() { return Cards().Fields(QStringLiteral("a01bith")).AllowZeroLength(); }
     QByteArray Bytes() const {
         engine::DBEngine::Commit();
         return test::ReadBytes(Path());
@@ -66,177 +67,111 @@ protected:
 
 } // namespace
 
-TEST_F(Upgrade, AFileOfVersion1ClimbsToTheCurrentOneAndKeepsItsCards) {
-    MakeVersion1();
-    const test::Answers answers;
-    General::UpdateBaseIfNeed();
-
-    EXPECT_EQ(Version(), QStringLiteral("3"));
-    EXPECT_EQ(Rows(QStringLiteral("SELECT a01clid, a01last, a01bith FROM a01 ORDER BY a01clid")),
-              QStringList({QStringLiteral("1|Иванов|NULL"), QStringLiteral("7|Петрова|NULL")}));
-    EXPECT_EQ(Row(QStringLiteral("SELECT a02clid, a02cval FROM a02")), QStringLiteral("7|495"));
-    EXPECT_EQ(Row(QStringLiteral("SELECT (SELECT count(*) FROM t02), (SELECT count(*) FROM t03), "
-                                 "(SELECT count(*) FROM a03)")),
-              QStringLiteral("79|1913|0"));
-    EXPECT_TRUE(
-        gDatabase->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01bith")).AllowZeroLength());
-    EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
-}
-
-TEST_F(Upgrade, AFileOfVersion2GetsEvents) {
-    MakeVersion2();
-    const test::Answers answers;
-    General::UpdateBaseIfNeed();
-    EXPECT_EQ(Version(), QStringLiteral("3"));
-    EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM a03")), QStringLiteral("0"));
-    EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM t02")), QStringLiteral("0"))
-        << "no seed data on this rung";
-    EXPECT_EQ(Row(QStringLiteral("SELECT a01bith FROM a01 WHERE a01clid = 1")), QStringLiteral("05.12.1970"));
-    EXPECT_TRUE(
-        gDatabase->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01bith")).AllowZeroLength())
-        << "the step behind the commit of the first rung is made up for";
-}
-
-TEST_F(Upgrade, ABirthdayOfAnotherTypeDoesNotStopTheSecondRung) {
-    MakeVersion2();
+TEST_F(Upgrade, OldVersionsClimbToTheCurrentOneAndKeepTheirCards) {
+    for (const int version : {1, 2}) {
+        SCOPED_TRACE(version);
+        Open(version);
+        Raise();
+        EXPECT_EQ(Version(), QStringLiteral("3"));
+        EXPECT_EQ(Row("SELECT a01clid, a01last, a01bith FROM a01"), QStringLiteral("7|Иванов|NULL"));
+        EXPECT_EQ(Row("SELECT a02clid, a02cval FROM a02"), QStringLiteral("7|495"));
+        EXPECT_EQ(Row("SELECT (SELECT count(*) FROM t02), (SELECT count(*) FROM t03), count(*) FROM a03"),
+                  version == 1 ? QStringLiteral("79|1913|0") : QStringLiteral("0|0|0"));
+        // The step behind the commit of the first rung is made up for by the second one.
+        EXPECT_TRUE(TakesEmptyBirthdays());
+        EXPECT_EQ(test::Integrity(Path()), QStringLiteral("ok"));
+    }
+    // A birthday of another type stops nothing.
+    Open(2);
     Execute(QStringLiteral("ALTER TABLE a01 DROP COLUMN a01bith"));
     Execute(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith DATETIME"));
-    const test::Answers answers;
-    General::UpdateBaseIfNeed();
+    Raise();
     EXPECT_EQ(Version(), QStringLiteral("3"));
 }
 
-TEST_F(Upgrade, VersionsThatNeedNothingAreOnlyRead) {
-    for (const QString& version : {QStringLiteral("0"), QStringLiteral("3")}) {
-        SetVersion(QStringLiteral("BYTE NOT NULL PRIMARY KEY"), {version});
-        const QByteArray before = Bytes();
-        const test::Answers answers;
-        General::UpdateBaseIfNeed();
-        EXPECT_EQ(Bytes(), before) << version.toStdString();
-        Execute(QStringLiteral("DROP TABLE v00"));
-    }
-}
-
-TEST_F(Upgrade, UnsoundOrTooNewVersionsEndTheProcessAndLeaveTheFile) {
-    const QString byteKey = QStringLiteral("BYTE NOT NULL PRIMARY KEY");
-    const QString broken = QStringLiteral("Нарушена целостность базы данных: в таблице v00 ");
-    const QString useless = QStringLiteral(" Дальнейшая работа программы не возможна.");
+TEST_F(Upgrade, WhatIsNoOldVersionIsLeftAsItIs) {
+    const QString key = QStringLiteral("BYTE NOT NULL PRIMARY KEY");
+    const QString broken = QStringLiteral("Нарушена целостность базы данных: в таблице v00 %1. Дальнейшая "
+                                          "работа программы не возможна.");
+    const QString several = broken.arg(QStringLiteral("более одной записи"));
+    const QString noNumber = broken.arg(QStringLiteral("содержится не числовое значение"));
+    const QString tooNew =
+        QStringLiteral("Данная версия программы может работать только с версией базы меньше либо равной 3. "
+                       "Версия же текущей базы данных: ");
     const struct {
         QString type;
         QStringList values;
-        QString message;
+        QString message; ///< empty: the file is used
     } rows[] = {
-        {byteKey, {}, broken + QStringLiteral("отсутствуют записи.") + useless},
-        {byteKey, {"1", "2"}, broken + QStringLiteral("более одной записи.") + useless},
-        {byteKey, {"3", "4"}, broken + QStringLiteral("более одной записи.") + useless},
-        {QStringLiteral("TEXT(10)"),
-         {QStringLiteral("'три'")},
-         broken + QStringLiteral("содержится не числовое значение.") + useless},
-        {QStringLiteral("BYTE"),
-         {"NULL"},
-         broken + QStringLiteral("содержится не числовое значение.") + useless},
-        {byteKey,
-         {"4"},
-         QStringLiteral(
-             "Данная версия программы может работать только с версией базы меньше либо равной 3. Версия "
-             "же текущей базы данных: 4")},
-        {byteKey,
-         {"255"},
-         QStringLiteral(
-             "Данная версия программы может работать только с версией базы меньше либо равной 3. Версия "
-             "же текущей базы данных: 255")},
+        {key, {"0"}, {}},
+        {key, {"3"}, {}},
+        {key, {}, broken.arg(QStringLiteral("отсутствуют записи"))},
+        {key, {"1", "2"}, several},
+        {key, {"3", "4"}, several},
+        {QStringLiteral("TEXT(10)"), {QStringLiteral("'три'")}, noNumber},
+        {QStringLiteral("BYTE"), {"NULL"}, noNumber},
+        {key, {"4"}, tooNew + u'4'},
+        {key, {"255"}, tooNew + QStringLiteral("255")},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.message.toStdString());
+        SCOPED_TRACE(row.values.join(u' ').toStdString());
         SetVersion(row.type, row.values);
         const QByteArray before = Bytes();
-        {
-            const runtime::EndTrap trap;
-            test::Answers answers;
+        const runtime::EndTrap trap;
+        test::Answers answers;
+        if (row.message.isEmpty()) {
+            General::UpdateBaseIfNeed();
+        } else {
             answers.Box(row.message, forms::Icon::Critical);
             EXPECT_THROW(General::UpdateBaseIfNeed(), runtime::ProcessEnded);
         }
         EXPECT_TRUE(gDatabase->IsOpen());
-        EXPECT_EQ(Bytes(), before);
+        EXPECT_TRUE(Bytes() == before);
         Execute(QStringLiteral("DROP TABLE v00"));
     }
+    // Without a table of versions it is told, and used.
+    Raise({ErrorStart(Head, engine::UnknownTable)});
 }
 
 TEST_F(Upgrade, ARungThatFailsIsUndoneWholeAndTriedAgain) {
-    MakeVersion1();
-    Execute(QStringLiteral("CREATE TABLE t03 (x INTEGER)"));
-    for (int start = 0; start < 2; ++start) {
-        test::Answers answers;
-        answers.BoxStarting(ErrorStart(Head, engine::TableExists), forms::Icon::Critical);
-        General::UpdateBaseIfNeed();
-        EXPECT_EQ(Version(), QStringLiteral("1"));
-        EXPECT_FALSE(gDatabase->TableNames().contains(QStringLiteral("t02")));
-        EXPECT_EQ(gDatabase->TableDefs(QStringLiteral("a01")).FieldsCount(), 5);
+    const struct {
+        int version;
+        const char* inTheWay;
+        const char* left; ///< the version behind it
+    } rows[] = {{1, "t03", "1"}, {1, "a03", "2"}, {2, "a03", "2"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.inTheWay);
+        Open(row.version);
+        const QString table = QString::fromLatin1(row.inTheWay);
+        Execute(QStringLiteral("CREATE TABLE %1 (x INTEGER)").arg(table));
+        Raise({ErrorStart(Head, engine::TableExists)});
+        const QByteArray before = Bytes();
+        Raise({ErrorStart(Head, engine::TableExists)});
+        EXPECT_TRUE(Bytes() == before);
+        EXPECT_EQ(Version(), QString::fromLatin1(row.left));
+        EXPECT_EQ(Has("t02"), *row.left == '2');
+        EXPECT_EQ(Cards().FieldsCount(), *row.left == '2' ? 6 : 5);
+        EXPECT_TRUE(row.version == 1 || !TakesEmptyBirthdays());
+        Execute(QStringLiteral("DROP TABLE ") + table);
+        Raise();
+        EXPECT_EQ(Version(), QStringLiteral("3"));
     }
-    Execute(QStringLiteral("DROP TABLE t03"));
-    const test::Answers answers;
-    General::UpdateBaseIfNeed();
-    EXPECT_NE(Version(), QStringLiteral("1"));
 }
 
 TEST_F(Upgrade, SeedDataThatCannotBeWrittenEndTheProcessWithTheFileAsItWas) {
-    const struct {
-        const char* table; ///< whose counter stands at its end before the table is made
-        QString head;
-        QString message;
-    } rows[] = {
-        {"t02", QStringLiteral("General функция FillRegions:"),
-         QStringLiteral("Невозможно заполнить таблицу t02.")},
-        {"t03", QStringLiteral("General функция FillCity:"),
-         QStringLiteral("Невозможно заполнить таблицу t03.")},
-    };
-    MakeVersion1();
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.message.toStdString());
+    Open(1);
+    for (const char* table : {"t02", "t03"}) { // whose counter stands at its end before the table is made
+        SCOPED_TRACE(table);
         Plant("DELETE FROM sqlite_sequence WHERE name IN ('t02', 't03')");
-        Plant(QByteArrayLiteral("INSERT INTO sqlite_sequence (name, seq) VALUES ('") + row.table +
+        Plant(QByteArrayLiteral("INSERT INTO sqlite_sequence (name, seq) VALUES ('") + table +
               QByteArrayLiteral("', 9223372036854775807)"));
-        {
-            const runtime::EndTrap trap;
-            test::Answers answers;
-            answers.BoxStarting(row.head + QStringLiteral("\r\nпроизошла ошибка №"), forms::Icon::Critical)
-                .Box(row.message, forms::Icon::Critical);
-            EXPECT_THROW(General::UpdateBaseIfNeed(), runtime::ProcessEnded);
-        }
+        const QString name = QString::fromLatin1(table);
+        Raise({QStringLiteral("General функция %1:\r\nпроизошла ошибка №")
+                   .arg(name == u"t02" ? QStringLiteral("FillRegions") : QStringLiteral("FillCity")),
+               QStringLiteral("Невозможно заполнить таблицу %1.").arg(name)},
+              true);
         EXPECT_EQ(Version(), QStringLiteral("1"));
-        EXPECT_FALSE(gDatabase->TableNames().contains(QStringLiteral("t02")));
-        EXPECT_EQ(gDatabase->TableDefs(QStringLiteral("a01")).FieldsCount(), 5);
+        EXPECT_FALSE(Has("t02"));
+        EXPECT_EQ(Cards().FieldsCount(), 5);
     }
-}
-
-TEST_F(Upgrade, TheSecondRungFailsAlone) {
-    MakeVersion1();
-    Execute(QStringLiteral("CREATE TABLE a03 (x INTEGER)"));
-    test::Answers answers;
-    answers.BoxStarting(ErrorStart(Head, engine::TableExists), forms::Icon::Critical);
-    General::UpdateBaseIfNeed();
-    if (!answers.Done())
-        General::UpdateBaseIfNeed();
-    EXPECT_EQ(Version(), QStringLiteral("2"));
-    EXPECT_EQ(Row(QStringLiteral("SELECT count(*) FROM t03")), QStringLiteral("1913"));
-}
-
-TEST_F(Upgrade, ASecondRungThatFailsLeavesTheFileAsItWas) {
-    MakeVersion2();
-    Execute(QStringLiteral("CREATE TABLE a03 (x INTEGER)"));
-    const QByteArray before = Bytes();
-    test::Answers answers;
-    answers.BoxStarting(ErrorStart(Head, engine::TableExists), forms::Icon::Critical);
-    General::UpdateBaseIfNeed();
-    EXPECT_EQ(Bytes(), before);
-    EXPECT_FALSE(
-        gDatabase->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01bith")).AllowZeroLength());
-}
-
-TEST_F(Upgrade, AFileWithoutAVersionTableIsReportedAndUsed) {
-    Execute(QStringLiteral("CREATE TABLE a01 (x INTEGER)"));
-    test::Answers answers;
-    answers.BoxStarting(ErrorStart(Head, engine::UnknownTable), forms::Icon::Critical);
-    General::UpdateBaseIfNeed();
-    EXPECT_TRUE(gDatabase->IsOpen());
 }

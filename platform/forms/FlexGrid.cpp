@@ -187,10 +187,6 @@ int FlexGrid::Row() const {
     return m_row;
 }
 
-int FlexGrid::Col() const {
-    return m_col;
-}
-
 void FlexGrid::SetRow(int row) {
     if (row < 1 || row >= Rows())
         runtime::Raise(ImpossibleRow);

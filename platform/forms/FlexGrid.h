@@ -43,10 +43,9 @@ public:
     /// Empties all cells, the fixed ones too; rows, columns, widths and alignments stay.
     void Clear();
 
-    /// The current row and column, from the first row that is not fixed; both stay over Clear and growth.
+    /// The current row, from the first one that is not fixed; it stays over Clear and growth.
     int Row() const;
     void SetRow(int row);
-    int Col() const;
 
     /// The column that letters typed on the grid are looked for in; -1, as at the start: the current one.
     void SetSearchCol(int col) { m_searchCol = col; }
@@ -80,8 +79,8 @@ public:
     };
 
 Q_SIGNALS:
-    /// Right mouse button down on the grid, or the Menu key or Shift+F10: where a context menu belongs. Row
-    /// and Col have not moved.
+    /// Right mouse button down on the grid, or the Menu key or Shift+F10: where a context menu belongs. The
+    /// current row has not moved.
     void ContextMenuRequested(QPoint screenPosition);
     /// Double click of the left button, also on the header and on empty ground.
     void DblClick();
@@ -105,7 +104,7 @@ private:
     void ApplyColWidth(int col);
     int LeastWidth(int twips) const;
     void ApplyRowHeight();
-    /// Makes the view's current index that of Row and Col again.
+    /// Makes the view's current index that of the current row and column again.
     void ApplyCurrent();
     /// The current column, or the next one if it is hidden: the focus has to be seen and read out.
     int VisibleCol() const;

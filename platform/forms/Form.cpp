@@ -265,11 +265,6 @@ QWidget* Form::OuterWindow() const {
     return m->frame ? m->frame.data() : m_surface.data();
 }
 
-bool Form::Visible() {
-    Load();
-    return IsLoaded() && !OuterWindow()->isHidden();
-}
-
 void Form::SetVisible(bool visible) {
     const std::shared_ptr<Form> self = shared_from_this();
     if (visible) {

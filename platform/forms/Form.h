@@ -50,8 +50,8 @@ bool IsEnter(const QKeyEvent& key);
 /// reference to each loaded form. Load() makes the window and its controls with their design values, hidden,
 /// and runs Form_Load. Unload() runs Form_Unload, takes the window off the screen and drops the table's
 /// reference; the object with its own fields lives on while somebody holds it, and can be loaded again,
-/// blank. When the last reference goes, Form_Terminate runs. Using a property of the window (Tag, Caption,
-/// Visible) while it is not loaded loads it, hidden.
+/// blank. When the last reference goes, Form_Terminate runs. Using a property of the window (Tag, Caption)
+/// while it is not loaded loads it, hidden.
 ///
 /// A form keeps its controls by QPointer: behind Unload they go.
 class Form : public QObject, public std::enable_shared_from_this<Form> {
@@ -95,7 +95,6 @@ public:
     void SetTag(const QString& tag);
     QString Caption();
     void SetCaption(const QString& caption);
-    bool Visible();
     /// Hides or shows a child window with its frame; hiding a modal window ends its modal show.
     void SetVisible(bool visible);
 

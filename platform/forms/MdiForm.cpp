@@ -51,10 +51,6 @@ QMainWindow* MdiForm::Window() const {
     return m_frame ? m_frame->window.data() : nullptr;
 }
 
-QMdiArea* MdiForm::Area() const {
-    return m_frame ? m_frame->area : nullptr;
-}
-
 QWidget* MdiForm::MakeSurface() {
     m_frame = std::make_shared<FrameState>();
     auto* window = new FrameWindow(weak_from_this());

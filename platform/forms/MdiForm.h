@@ -4,7 +4,6 @@
 #include "platform/runtime/Failure.h"
 
 class QMainWindow;
-class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
 
@@ -44,7 +43,6 @@ public:
     void PopupMenu(const QString& name, QPoint screenPosition);
 
     QMainWindow* Window() const;
-    QMdiArea* Area() const;
 
 protected:
     explicit MdiForm(Design design);

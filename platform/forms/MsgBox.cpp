@@ -40,12 +40,13 @@ protected:
     }
 };
 
-/// The text is shown as it is: no markup, no letters underlined.
-Answer ShowBox(const QString& text, Icon icon, Buttons buttons, Answer preselected) {
+/// The text is shown as it is: no markup, no letters underlined. With a button preselected it is a question;
+/// true on Yes.
+bool ShowBox(const QString& text, Icon icon,
+             QMessageBox::StandardButton preselected = QMessageBox::NoButton) {
     constexpr qsizetype MostInBox = 2048; // more characters would not fit on a screen
-    const bool asks = buttons == Buttons::YesNo;
     if (Application::SessionEnds())
-        return asks ? Answer::No : Answer::Ok;
+        return false;
     // The owner may go while the box is up and takes it along: so it is no local object.
     const QPointer<Box> box = new Box(Asking::Owner());
     box->setObjectName(QStringLiteral("MsgBox"));
@@ -53,16 +54,20 @@ Answer ShowBox(const QString& text, Icon icon, Buttons buttons, Answer preselect
     box->setTextFormat(Qt::PlainText);
     box->setText(Shown(text, MostInBox));
     box->setIcon(BoxIcon(icon));
-    box->setStandardButtons(asks ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok);
-    if (asks) {
-        box->setDefaultButton(preselected == Answer::No ? QMessageBox::No : QMessageBox::Yes);
+    box->setStandardButtons(QMessageBox::Ok);
+    if (preselected != QMessageBox::NoButton) {
+        box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box->setDefaultButton(preselected);
         box->setEscapeButton(QMessageBox::No);
     }
     const int pressed = box->exec();
     delete box.data();
-    if (!asks)
-        return Answer::Ok;
-    return pressed == QMessageBox::Yes ? Answer::Yes : Answer::No;
+    return pressed == QMessageBox::Yes;
+}
+
+bool Ask(const QString& text, Icon icon, QMessageBox::StandardButton preselected) {
+    Application::Running().writeToDisk();
+    return ShowBox(text, icon, preselected);
 }
 
 bool IsSame(const runtime::Failure& one, const runtime::Failure& other) {
@@ -81,17 +86,16 @@ std::optional<runtime::Failure> WriteFailure() {
 
 } // namespace
 
-Answer MsgBox(const QString& text, Icon icon, Buttons buttons, Answer preselected) {
-    Application::Running().writeToDisk();
-    return ShowBox(text, icon, buttons, preselected);
+void MsgBox(const QString& text, Icon icon) {
+    Ask(text, icon, QMessageBox::NoButton);
 }
 
 bool AskYes(const QString& text) {
-    return MsgBox(text, Icon::Question, Buttons::YesNo, Answer::Yes) == Answer::Yes;
+    return Ask(text, Icon::Question, QMessageBox::Yes);
 }
 
 bool AskNo(const QString& text, Icon icon) {
-    return MsgBox(text, icon, Buttons::YesNo, Answer::No) == Answer::Yes;
+    return Ask(text, icon, QMessageBox::No);
 }
 
 QString ErrorText(const QString& head, const runtime::Failure& failure) {
@@ -102,9 +106,9 @@ QString ErrorText(const QString& head, const runtime::Failure& failure) {
 
 void ShowErrorBox(const QString& head, const runtime::Failure& failure, Icon icon) {
     const std::optional<runtime::Failure> lost = WriteFailure();
-    ShowBox(ErrorText(head, failure), icon, Buttons::Ok, Answer::Ok);
+    ShowBox(ErrorText(head, failure), icon);
     if (lost && !IsSame(*lost, failure)) // a statement that fails may take the others of its group along
-        ShowBox(ErrorText(head, *lost), icon, Buttons::Ok, Answer::Ok);
+        ShowBox(ErrorText(head, *lost), icon);
 }
 
 } // namespace forms

@@ -9,15 +9,14 @@
 namespace forms {
 
 enum class Icon { Critical, Question, Exclamation, Information };
-enum class Buttons { Ok, YesNo };
-enum class Answer { Ok, Yes, No };
 
-/// Shows a message box over the active window and waits for the answer. What was written is made durable
+/// Shows a message box over the active window and waits until it is closed. What was written is made durable
 /// first; if that fails, the failure is raised and no box is shown, so that no success is reported before the
-/// data is on the disk. In a YesNo box Esc and the close button mean No.
-Answer MsgBox(const QString& text, Icon icon, Buttons buttons = Buttons::Ok, Answer preselected = Answer::Ok);
+/// data is on the disk.
+void MsgBox(const QString& text, Icon icon);
 
-/// Yes-or-no questions. `AskYes` has Yes preselected; `AskNo`, for what can lose data, No. True on Yes.
+/// Yes-or-no questions, in such boxes. `AskYes` has Yes preselected; `AskNo`, for what can lose data, No.
+/// True on Yes; Esc and the close button mean No.
 bool AskYes(const QString& text);
 bool AskNo(const QString& text, Icon icon = Icon::Question);
 

@@ -143,7 +143,7 @@ TEST_F(CityCodes, EveryCriterionCountsAloneAndTogether) {
         if (Box("chkRegion").isChecked() == c.region.isEmpty())
             Click(Box("chkRegion"), QPoint(5, Box("chkRegion").height() / 2));
         Find();
-        EXPECT_FALSE(filter->Visible());
+        EXPECT_FALSE(IsShown(filter));
         EXPECT_EQ(Count(), QString::number(c.count));
         EXPECT_EQ(Grid().Rows(), std::max(c.count, 1) + 1);
         EXPECT_EQ(Found().value(0), c.first);
@@ -171,12 +171,12 @@ TEST_F(CityCodes, EnterSearchesForWhatTheUserSees) {
     Open();
     Fill(Text("txtCity"), QStringLiteral("О'*"));
     Press(Qt::Key_Return);
-    EXPECT_FALSE(filter->Visible());
+    EXPECT_FALSE(IsShown(filter));
     EXPECT_EQ(list->CurrentSQL(),
               QStringLiteral("SELECT * FROM t02, t03 WHERE t02rcid = t03code AND t03cval LIKE "
                              "'О^*' ORDER BY t02cval, t03cval"));
     ShowFilter();
-    EXPECT_TRUE(filter->Visible());
+    EXPECT_TRUE(IsShown(filter));
     EXPECT_EQ(Text("txtCity").text(), QStringLiteral("О^*"));
 }
 
@@ -192,7 +192,7 @@ TEST_F(CityCodes, TheFilterComesBackAsItWasAndGoesWithItsList) {
 
     EXPECT_EQ(Frame().ActiveForm(), filter);
     Press(Qt::Key_Escape);
-    ASSERT_FALSE(filter->Visible());
+    ASSERT_FALSE(IsShown(filter));
     list->FillGrid(QStringLiteral("SELECT * FROM t02, t03"));
     EXPECT_EQ(Count(), QStringLiteral("1")) << "a frozen list takes no fill";
 
@@ -205,7 +205,7 @@ TEST_F(CityCodes, TheFilterComesBackAsItWasAndGoesWithItsList) {
     EXPECT_EQ(Windows("frmTelKod").size(), 1U) << "with the same list";
 
     Find();
-    ASSERT_FALSE(filter->Visible());
+    ASSERT_FALSE(IsShown(filter));
     FrameOf(list).close();
     EXPECT_TRUE(Windows("frmTelKodFilter").empty());
     EXPECT_TRUE(Windows("frmTelKod").empty());
@@ -221,7 +221,7 @@ TEST_F(CityCodes, ABookWithoutRegionsIsTold) {
     }
     const auto failed = Last("frmTelKodFilter");
     EXPECT_EQ(failed->Tag(), QStringLiteral("0"));
-    EXPECT_TRUE(failed->Visible());
+    EXPECT_TRUE(IsShown(failed));
     EXPECT_TRUE(Windows("frmTelKod").empty());
 }
 
@@ -233,7 +233,7 @@ TEST_F(CityCodes, AStatementThatFailsIsToldByTheList) {
     answers.BoxStarting(QStringLiteral("frmTelKod функция FillGrid:\r\nпроизошла ошибка №3078 "),
                         forms::Icon::Critical);
     Find();
-    EXPECT_FALSE(filter->Visible());
+    EXPECT_FALSE(IsShown(filter));
     EXPECT_EQ(Found(), QStringList(QStringLiteral("||")));
 }
 

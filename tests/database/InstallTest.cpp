@@ -133,7 +133,7 @@ TEST_F(Install, AFullDiskLeavesNeitherTheOldNorTheNewFile) {
         Create({path})(*master->Surface());
     }
 
-    EXPECT_TRUE(master->Visible());
+    EXPECT_TRUE(master->IsLoaded() && master->Surface()->isVisible());
     EXPECT_EQ(master->Tag(), QStringLiteral("0"));
     master->Unload();
     EXPECT_FALSE(QFile::exists(path));

@@ -56,9 +56,8 @@ protected:
         TakeTold();
     }
 
-    static std::shared_ptr<SampleForm> Make(const char* name, Kind kind = Kind::Child,
-                                            forms::Border border = forms::Border::Fixed) {
-        return Form::Create<SampleForm>(QString::fromLatin1(name), kind, border);
+    static std::shared_ptr<SampleForm> Make(const char* name, Kind kind = Kind::Child) {
+        return Form::Create<SampleForm>(QString::fromLatin1(name), kind);
     }
     static std::shared_ptr<SampleForm> Open(const char* name, Kind kind = Kind::Child) {
         auto form = Make(name, kind);
@@ -103,24 +102,11 @@ TEST_F(FormTest, LoadedStateAndObjectAreTwoThings) {
     EXPECT_EQ(Heard(true), "a.unload a.terminate");
 }
 
-TEST_F(FormTest, NamesTitlesAndSizesStandOnOrdinaryWidgets) {
-    const auto fixed = Make("frmFixed");
-    const auto sizable = Make("frmSizable", Kind::Child, forms::Border::Sizable);
-    for (const auto& form : {fixed, sizable}) {
-        form->Show();
-        form->SetCaption(QStringLiteral("Новое"));
-        const QMdiSubWindow* window = FrameOf(*form);
-        EXPECT_EQ(window->objectName(), form->Name());
-        EXPECT_EQ(form->Surface()->objectName(), form->Name());
-        EXPECT_EQ(window->windowTitle(), QStringLiteral("Новое"));
-        EXPECT_EQ(form->Surface()->windowTitle(), QStringLiteral("Новое"));
-        EXPECT_EQ(form->Width(), forms::ToTwips(window->width()));
-        EXPECT_EQ(form->Height(), forms::ToTwips(window->height()));
-    }
-    EXPECT_EQ(FrameOf(*sizable)->size(), QSize(400, 300));
-    sizable->SetHeight(forms::ToTwips(350));
-    EXPECT_EQ(FrameOf(*sizable)->height(), 350);
-
+TEST_F(FormTest, AFixedWindowFollowsItsContentAlone) {
+    const auto fixed = Open("frmFixed");
+    fixed->SetCaption(QStringLiteral("Новое"));
+    EXPECT_EQ(FrameOf(*fixed)->windowTitle(), QStringLiteral("Новое"));
+    EXPECT_EQ(fixed->Width(), forms::ToTwips(FrameOf(*fixed)->width()));
     QMdiSubWindow* window = FrameOf(*fixed);
     EXPECT_FALSE(window->windowFlags() & Qt::WindowMinMaxButtonsHint);
     const QSize size = window->size();

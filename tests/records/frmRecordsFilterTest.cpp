@@ -50,10 +50,10 @@ TEST_F(frmRecordsFilterTest, ANameTypedAndEnterFindsTheCards) {
     EXPECT_EQ(FocusName(), "txtLastName");
     Type(QStringLiteral("Ив*"));
     Press(Qt::Key_Return);
-    EXPECT_FALSE(filter->Visible());
+    EXPECT_FALSE(IsShown(filter));
     EXPECT_EQ(Column(list), QStringList({"1", "2"}));
     ShowAgain(list);
-    EXPECT_TRUE(filter->Visible());
+    EXPECT_TRUE(IsShown(filter));
     EXPECT_EQ(Text(filter, "txtLastName"), QStringLiteral("Ив*"));
     EXPECT_EQ(FocusName(), QStringLiteral("txtLastName")) << "where the user left it";
     EXPECT_TRUE(IsTicked(filter, "chkLastName"));
@@ -228,7 +228,7 @@ TEST_F(frmRecordsFilterTest, WithoutPhoneTypesThereIsNoList) {
             forms::Icon::Critical);
         filter->Show();
     }
-    EXPECT_TRUE(filter->Visible());
+    EXPECT_TRUE(IsShown(filter));
     EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
     Find(filter);
     EXPECT_FALSE(filter->IsLoaded());

@@ -89,9 +89,9 @@ TEST_F(frmRecordsTest, ACancelledFilterFreezesTheListUntilRefresh) {
     const auto list = OpenFilledList();
     ChooseInMenu(list, "mnuRecordsFilter");
     const auto filter = Last("frmRecordsFilter");
-    ASSERT_TRUE(filter->Visible());
+    ASSERT_TRUE(IsShown(filter));
     Press(Qt::Key_Escape);
-    EXPECT_FALSE(filter->Visible());
+    EXPECT_FALSE(IsShown(filter));
 
     const auto card = OpenCard(list, Edit);
     Fill(card, "txtLastName", QStringLiteral("Петров"));
@@ -241,7 +241,7 @@ TEST_F(frmRecordsTest, AWrongStatementLeavesTheGridAndFailsAgainOnRefresh) {
         expectBox(answers);
         Find(filter);
     }
-    EXPECT_FALSE(filter->Visible()) << "the filter hides all the same";
+    EXPECT_FALSE(IsShown(filter)) << "the filter hides all the same";
     ChooseInMenu(list, Refresh, expectBox);
     EXPECT_EQ(Column(list), QStringList{QStringLiteral("1")});
 }

@@ -1,12 +1,16 @@
 // The program meets files and paths that nobody would choose: it starts, upgrades, lists and imports, or says
 // what is wrong, and what it refuses stays as it was.
+
 #include "platform/runtime/Files.h"
+#include "platform/runtime/Process.h"
 #include "records/frmRecords.h"
+#include "shell/General.h"
+#include "shell/frmMain.h"
 #include "tests/database/OldVersion.h"
 #include "tests/exchange/ImportMaster.h"
-#include "tests/shell/StartedProgram.h"
 #include "tests/support/Answers.h"
 #include "tests/support/System.h"
+#include "tests/support/WindowTest.h"
 
 #include <QDateTime>
 #include <QDir>

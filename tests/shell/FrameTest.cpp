@@ -2,7 +2,7 @@
 
 #include "platform/forms/MsgBox.h"
 #include "shared/Commands.h"
-#include "tests/shell/StartedProgram.h"
+#include "tests/support/WindowTest.h"
 
 #include <QApplication>
 #include <QLineEdit>

@@ -1,6 +1,6 @@
 #include "platform/engine/EngineError.h"
 #include "platform/runtime/Settings.h"
-#include "tests/shell/StartedProgram.h"
+#include "tests/support/WindowTest.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,4 +1,5 @@
-#include "tests/shell/StartedProgram.h"
+#include "platform/runtime/Process.h"
+#include "tests/support/WindowTest.h"
 
 using forms::Icon;
 

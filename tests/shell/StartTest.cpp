@@ -1,8 +1,11 @@
 // How the program starts and how it ends.
 
 #include "platform/engine/EngineError.h"
+#include "platform/runtime/Process.h"
 #include "platform/runtime/Settings.h"
-#include "tests/shell/StartedProgram.h"
+#include "shell/General.h"
+#include "shell/frmMain.h"
+#include "tests/support/WindowTest.h"
 
 #include <QDir>
 #include <QFile>

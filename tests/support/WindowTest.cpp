@@ -61,7 +61,7 @@ std::shared_ptr<forms::Form> Program::Last(const char* name) {
 QStringList Program::Children() {
     QStringList names;
     for (const auto& form : forms::Form::Loaded()) {
-        if (form.get() != forms::MdiForm::Current() && form->Visible())
+        if (form.get() != forms::MdiForm::Current() && IsShown(form))
             names += form->Name();
     }
     return names;

@@ -4,11 +4,11 @@
 #include "platform/forms/MdiForm.h"
 #include "tests/support/BoundBook.h"
 
+#include <QMainWindow>
 #include <QTest>
 
 #include <stdexcept>
 
-class QMainWindow;
 class QMdiSubWindow;
 
 namespace test {
@@ -34,6 +34,9 @@ protected:
     static std::vector<std::shared_ptr<forms::Form>> Windows(const char* name);
     static std::shared_ptr<forms::Form> Last(const char* name);
     static bool IsOpen(const char* name) { return !Windows(name).empty(); }
+    static bool IsShown(const std::shared_ptr<forms::Form>& window) {
+        return window->IsLoaded() && window->Surface()->isVisible();
+    }
     /// Names of the visible child windows.
     static QStringList Children();
 

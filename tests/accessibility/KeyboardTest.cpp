@@ -53,7 +53,8 @@ TEST_F(KeyboardTest, DateFieldsOpenTheirCalendar) {
         PressInFront(Qt::Key_Right);
         PressInFront(ending);
         EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-        EXPECT_EQ(date.Value(), QDate(2006, 5, day));
+        EXPECT_EQ(date.Value(), QDate(2006, 5, day))
+            << QKeySequence(modifiers | opening).toString().toStdString();
     }
 }
 
@@ -69,7 +70,7 @@ TEST_F(KeyboardTest, TheCalendarGoesByMonthsAndYears) {
     for (const auto& [before, key, modifiers, after] : rows) {
         calendar.SetValue(before);
         Press(key, modifiers);
-        EXPECT_EQ(calendar.Value(), after);
+        EXPECT_EQ(calendar.Value(), after) << QKeySequence(modifiers | key).toString().toStdString();
     }
 }
 

@@ -94,8 +94,8 @@ protected:
             GTEST_SKIP() << "the style " << GetParam() << " is not installed";
         Program().ChooseStyle();
         WindowTest::SetUp();
-        Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst) VALUES (1, 'Белова', 'Анна')"));
-        Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last, a01frst) VALUES (2, 'Воронин', 'Борис')"));
+        AddCard(1, QStringLiteral("Белова"), QStringLiteral("Анна"));
+        AddCard(2, QStringLiteral("Воронин"), QStringLiteral("Борис"));
     }
     void TearDown() override {
         if (!IsSkipped())

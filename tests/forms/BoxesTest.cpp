@@ -92,14 +92,6 @@ TEST_F(MsgBoxTest, TextIsShownAsItIsAndFitsTheBox) {
     forms::MsgBox(text + QString(10'000'000, u'x'), Icon::Critical);
 }
 
-TEST_F(MsgBoxTest, ErrorBox) {
-    const runtime::Failure failure(3044, QStringLiteral("Путь не найден"));
-    answers.Box(QStringLiteral("Глава\r\nпроизошла ошибка №3044 Путь не найден"), Icon::Exclamation)
-        .Box(QStringLiteral("произошла ошибка №3044 Путь не найден"), Icon::Critical);
-    forms::ShowErrorBox(QStringLiteral("Глава"), failure, Icon::Exclamation);
-    forms::ShowErrorBox({}, failure);
-}
-
 TEST_F(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {
     bool full = false;
     const test::FaultyFiles files([&](test::FaultyFiles::Call call) {

@@ -15,21 +15,12 @@ QString TakeTold() {
     return std::exchange(Told(), {}).join(u' ');
 }
 
-namespace {
-
-forms::Design DesignOf(const QString& name, forms::Kind kind, forms::Border border) {
-    return {.name = name,
+SampleForm::SampleForm(const QString& name, forms::Kind kind)
+    : Form({.name = name,
             .caption = QStringLiteral("Окно ") + name,
             .kind = kind,
-            .border = border,
-            .tag = QStringLiteral("0"),
-            .size = QSize(400, 300)};
-}
-
-} // namespace
-
-SampleForm::SampleForm(const QString& name, forms::Kind kind, forms::Border border)
-    : Form(DesignOf(name, kind, border)) {
+            .border = forms::Border::Fixed,
+            .tag = QStringLiteral("0")}) {
 }
 
 void SampleForm::Tell(const QString& what) {

@@ -16,8 +16,7 @@ class SampleForm : public forms::Form {
     Q_OBJECT
 
 public:
-    explicit SampleForm(const QString& name, forms::Kind kind = forms::Kind::Child,
-                        forms::Border border = forms::Border::Fixed);
+    explicit SampleForm(const QString& name, forms::Kind kind);
 
     void Nothing();
     void Fail();

@@ -6,7 +6,6 @@
 #include "platform/forms/ListBox.h"
 #include "platform/forms/Twips.h"
 #include "tests/support/WindowTest.h"
-#include "tests/support/WindowWalk.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -382,8 +381,6 @@ TEST_P(ListFormTest, ResizeRule) {
         EXPECT_GT(count.y(), Grid().geometry().bottom());
         EXPECT_GE(label.width(), label.sizeHint().width());
     }
-    for (const auto& form : {filter, std::shared_ptr<forms::Form>(list)})
-        EXPECT_EQ(test::WindowFaults(*form->Surface()), QStringList());
 }
 
 INSTANTIATE_TEST_SUITE_P(Pairs, ListFormTest, testing::Values(&Records, &Codes),

@@ -90,84 +90,65 @@ sqlite3_file* Real(sqlite3_file* file) {
     return static_cast<File*>(file)->Real();
 }
 
-const sqlite3_io_methods& Methods(sqlite3_file* real) {
-    return *real->pMethods;
+/// A method of the real file.
+template <auto Method, class... Arguments>
+int PassOn(sqlite3_file* file, Arguments... arguments) {
+    return (Real(file)->pMethods->*Method)(Real(file), arguments...);
 }
 
-void Note(sqlite3_file* file, Change change) {
+void Note(sqlite3_file* file, sqlite3_int64 at, const void* from, int size) {
     if (OnDisk* onDisk = static_cast<File*>(file)->onDisk)
-        onDisk->changes.push_back(std::move(change));
+        onDisk->changes.push_back(
+            {static_cast<std::size_t>(at),
+             std::string(static_cast<const char*>(from), static_cast<std::size_t>(size))});
 }
 
-int Close(sqlite3_file* file) {
-    return Methods(Real(file)).xClose(Real(file));
-}
+using Call = FaultyFiles::Call;
+using Methods = sqlite3_io_methods;
+
 int Read(sqlite3_file* file, void* to, int size, sqlite3_int64 at) {
-    const int code = Judge(FaultyFiles::Call::Read);
-    return code != SQLITE_OK ? code : Methods(Real(file)).xRead(Real(file), to, size, at);
+    const int code = Judge(Call::Read);
+    return code != SQLITE_OK ? code : PassOn<&Methods::xRead>(file, to, size, at);
 }
 int Write(sqlite3_file* file, const void* from, int size, sqlite3_int64 at) {
-    if (const int code = Judge(FaultyFiles::Call::Write); code != SQLITE_OK)
+    const int code = Judge(Call::Write);
+    if (code != SQLITE_OK)
         return code;
-    Note(file, {static_cast<std::size_t>(at),
-                std::string(static_cast<const char*>(from), static_cast<std::size_t>(size))});
-    return Methods(Real(file)).xWrite(Real(file), from, size, at);
+    Note(file, at, from, size);
+    return PassOn<&Methods::xWrite>(file, from, size, at);
 }
 int Truncate(sqlite3_file* file, sqlite3_int64 size) {
-    if (const int code = Judge(FaultyFiles::Call::Truncate); code != SQLITE_OK)
+    const int code = Judge(Call::Truncate);
+    if (code != SQLITE_OK)
         return code;
-    Note(file, {static_cast<std::size_t>(size), {}});
-    return Methods(Real(file)).xTruncate(Real(file), size);
+    Note(file, size, "", 0);
+    return PassOn<&Methods::xTruncate>(file, size);
 }
 // The wait for the real disk is spared: what it would hold is known.
 int Sync(sqlite3_file* file, int) {
-    if (const int code = Judge(FaultyFiles::Call::Sync); code != SQLITE_OK)
-        return code;
-    if (OnDisk* onDisk = static_cast<File*>(file)->onDisk)
+    const int code = Judge(Call::Sync);
+    if (OnDisk* onDisk = static_cast<File*>(file)->onDisk; onDisk && code == SQLITE_OK)
         Sync(*onDisk);
-    return SQLITE_OK;
-}
-int FileSize(sqlite3_file* file, sqlite3_int64* size) {
-    return Methods(Real(file)).xFileSize(Real(file), size);
-}
-int Lock(sqlite3_file* file, int level) {
-    return Methods(Real(file)).xLock(Real(file), level);
-}
-int Unlock(sqlite3_file* file, int level) {
-    return Methods(Real(file)).xUnlock(Real(file), level);
-}
-int CheckReservedLock(sqlite3_file* file, int* result) {
-    return Methods(Real(file)).xCheckReservedLock(Real(file), result);
-}
-int FileControl(sqlite3_file* file, int operation, void* argument) {
-    return Methods(Real(file)).xFileControl(Real(file), operation, argument);
-}
-int SectorSize(sqlite3_file* file) {
-    return Methods(Real(file)).xSectorSize(Real(file));
-}
-int DeviceCharacteristics(sqlite3_file* file) {
-    return Methods(Real(file)).xDeviceCharacteristics(Real(file));
+    return code;
 }
 
-const sqlite3_io_methods methods = {1,
-                                    Close,
-                                    Read,
-                                    Write,
-                                    Truncate,
-                                    Sync,
-                                    FileSize,
-                                    Lock,
-                                    Unlock,
-                                    CheckReservedLock,
-                                    FileControl,
-                                    SectorSize,
-                                    DeviceCharacteristics,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr,
-                                    nullptr};
+const Methods methods = [] {
+    Methods own = {};
+    own.iVersion = 1;
+    own.xClose = PassOn<&Methods::xClose>;
+    own.xRead = Read;
+    own.xWrite = Write;
+    own.xTruncate = Truncate;
+    own.xSync = Sync;
+    own.xFileSize = PassOn<&Methods::xFileSize, sqlite3_int64*>;
+    own.xLock = PassOn<&Methods::xLock, int>;
+    own.xUnlock = PassOn<&Methods::xUnlock, int>;
+    own.xCheckReservedLock = PassOn<&Methods::xCheckReservedLock, int*>;
+    own.xFileControl = PassOn<&Methods::xFileControl, int, void*>;
+    own.xSectorSize = PassOn<&Methods::xSectorSize>;
+    own.xDeviceCharacteristics = PassOn<&Methods::xDeviceCharacteristics>;
+    return own;
+}();
 
 /// A file that was there before its first opening counts as safe on the disk.
 OnDisk& FindOnDisk(const char* name) {
@@ -184,7 +165,7 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* room, int flags, int* out
     auto* file = new (room) File;
     file->pMethods = nullptr;
     file->onDisk = nullptr;
-    if (const int code = Judge(FaultyFiles::Call::Open); code != SQLITE_OK)
+    if (const int code = Judge(Call::Open); code != SQLITE_OK)
         return code;
     if (name != nullptr) {
         file->onDisk = &FindOnDisk(name);
@@ -198,11 +179,11 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* room, int flags, int* out
 }
 
 int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
-    if (const int code = Judge(FaultyFiles::Call::Delete); code != SQLITE_OK)
+    if (const int code = Judge(Call::Delete); code != SQLITE_OK)
         return code;
     OnDisk& onDisk = FindOnDisk(name);
     onDisk.changes.clear();
-    const int code = syncFolder != 0 ? Judge(FaultyFiles::Call::SyncFolder) : SQLITE_OK;
+    const int code = syncFolder != 0 ? Judge(Call::SyncFolder) : SQLITE_OK;
     if (syncFolder != 0 && code == SQLITE_OK) {
         onDisk = {};
         renamings.clear();
@@ -233,8 +214,6 @@ std::string KeyOf(const QString& path) {
 
 /// The same faults for the files that the program makes without SQLite.
 class FaultyDisk final : public runtime::Disk {
-    using Call = FaultyFiles::Call;
-
     std::error_code Write(const QString& path, const QByteArray& bytes) override {
         for (const Call call : {Call::Open, Call::Write, Call::Sync})
             if (const auto error = ErrorOf(Judge(call)))

@@ -7,14 +7,14 @@ namespace {
 
 /// A statement that fails so often before it goes through.
 struct Failing {
-    int number;
+    const engine::EngineError& error;
     int times;
     int calls = 0;
 
     int operator()() {
         ++calls;
         if (calls <= times)
-            engine::RaiseEngine(number, QStringLiteral("book.mdb"));
+            engine::RaiseEngine(error, QStringLiteral("book.mdb"));
         return 7;
     }
 };

@@ -99,15 +99,15 @@ TEST_F(MsgBoxTest, AGroupLostOnTheWayToAnErrorBoxIsToldInASecondOne) {
     });
     const auto book = Create(Path());
     book->Execute(QStringLiteral("CREATE TABLE t (a INTEGER)"), engine::dbFailOnError);
-    for (const int told : {3044, 3026}) {
+    for (const engine::EngineError& told : {engine::InvalidPath, engine::DiskFull}) {
         engine::DBEngine::Commit();
         book->Execute(QStringLiteral("INSERT INTO t (a) VALUES (1)"), engine::dbFailOnError);
         full = true;
         answers.Failure(QStringLiteral("Глава"), told);
-        if (told != 3026)
-            answers.Failure(QStringLiteral("Глава"), 3026);
+        if (told != engine::DiskFull)
+            answers.Failure(QStringLiteral("Глава"), engine::DiskFull);
         forms::ShowErrorBox(QStringLiteral("Глава"), runtime::Failure(told, engine::EngineText(told)));
-        EXPECT_TRUE(answers.Done()) << told;
+        EXPECT_TRUE(answers.Done()) << told.number;
         full = false;
     }
     book->Close();

@@ -171,7 +171,7 @@ const ScopeSource& DeleteTarget(Context& context, const Delete& remove, const Sc
 void AddCondition(Context& context, const NodePtr& where, const Scope& scope, BoundChange& bound) {
     if (where)
         bound.conditions.push_back(
-            ExpressionBinder(context, scope, AggregateInWhere).Condition(*where).At(AndPrecedence));
+            ExpressionBinder(context, scope, &AggregateInWhere).Condition(*where).At(AndPrecedence));
 }
 
 } // namespace
@@ -193,7 +193,7 @@ BoundInsert BindInsert(Context& context, const Insert& insert, Plan& plan) {
     if ((bound.from ? bound.from->columns.size() : insert.values.size()) != columns.size())
         RaiseEngine(InsertColumnsDiffer);
     const Scope scope;
-    ExpressionBinder binder(context, scope, AggregateInExpression);
+    ExpressionBinder binder(context, scope, &AggregateInExpression);
     for (std::size_t i = 0; i < columns.size(); ++i)
         bound.row.push_back(bound.from ? Converted(*bound.from, i, table, columns[i])
                                        : Assigned(context, *insert.values[i], binder, table, columns[i]));
@@ -209,7 +209,7 @@ BoundChange BindUpdate(Context& context, Scope& scope, const Update& update, Pla
     const TableInfo& table = *bound.target->table;
     plan.verb = Verb::Update;
     plan.target = table.name;
-    ExpressionBinder binder(context, scope, AggregateInExpression);
+    ExpressionBinder binder(context, scope, &AggregateInExpression);
     for (const Assignment& assignment : update.assignments) {
         const int column = table.Find(assignment.column);
         if (column >= 0) // else told already

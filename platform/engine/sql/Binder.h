@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/engine/EngineError.h"
 #include "platform/engine/sql/Scope.h"
 
 #include <span>
@@ -11,8 +12,8 @@ namespace engine::sql {
 /// `zv_like(q1."a01last", ?1) AND q1."a01clid" <> ?2`. Sub-queries go through QueryBinder.
 class ExpressionBinder {
 public:
-    /// `aggregateFailure`: the failure that an aggregate is in this clause, 0 where it may stand.
-    ExpressionBinder(Context& context, const Scope& scope, int aggregateFailure)
+    /// `aggregateFailure`: the failure that an aggregate is in this clause, null where it may stand.
+    ExpressionBinder(Context& context, const Scope& scope, const EngineError* aggregateFailure)
         : m_context(context)
         , m_scope(scope)
         , m_aggregateFailure(aggregateFailure)
@@ -77,7 +78,7 @@ private:
 
     Context& m_context;
     const Scope& m_scope;
-    int m_aggregateFailure;
+    const EngineError* m_aggregateFailure;
     std::size_t m_first = 0;
     std::size_t m_end = 0; ///< 0: all sources
     std::span<const SelectItem> m_items;

@@ -121,8 +121,8 @@ Bound ExpressionBinder::BindAggregate(const Node& node) {
     const Aggregate& aggregate = *FindAggregate(node.name);
     const bool counts = aggregate.result == Aggregate::Whole;
     ExpectArguments(node, node.all ? counts : node.children.size() == 1);
-    if (m_aggregateFailure != 0)
-        RaiseEngine(m_aggregateFailure, m_context.Text(node).toString());
+    if (m_aggregateFailure != nullptr)
+        RaiseEngine(*m_aggregateFailure, m_context.Text(node).toString());
     m_sawAggregate = true;
     if (node.all)
         return MakeBound(DataType::Long, Filtered(u"count(*)"_s, {}));
@@ -148,7 +148,7 @@ Bound ExpressionBinder::BindAggregate(const Node& node) {
 
 /// The argument of an aggregate.
 Bound ExpressionBinder::BindAggregated(const Node& node) {
-    const int failure = std::exchange(m_aggregateFailure, AggregateInExpression);
+    const EngineError* failure = std::exchange(m_aggregateFailure, &AggregateInExpression);
     const bool own = std::exchange(m_sawOwn, false);
     const bool outer = std::exchange(m_sawOuter, false);
     Bound value = Value(node);

@@ -61,7 +61,7 @@ CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultC
     ResolveFullNames(*criteria, columns);
     const Scope scope{nullptr, {ResultSource(columns)}};
     Context context(scanned, static_cast<int>(columns.size()));
-    const Bound condition = ExpressionBinder(context, scope, AggregateInExpression).Condition(*criteria);
+    const Bound condition = ExpressionBinder(context, scope, &AggregateInExpression).Condition(*criteria);
     context.RaiseMistakes();
     CriteriaPlan plan;
     // The last parameter is named even if nothing else needs it, so that all of them can be bound.

@@ -100,21 +100,21 @@ bool Parser::AtQuery() const {
     return next.Is(u')') || next.IsWord("UNION") || next.IsWord("ORDER");
 }
 
-void Parser::Expect(bool holds, int number) {
+void Parser::Expect(bool holds, const EngineError& error) {
     if (!holds)
-        RaiseEngine(number);
+        RaiseEngine(error);
 }
 
-void Parser::ExpectWord(std::string_view keyword, int number) {
-    Expect(TakeWord(keyword), number);
+void Parser::ExpectWord(std::string_view keyword, const EngineError& error) {
+    Expect(TakeWord(keyword), error);
 }
 
-void Parser::ExpectSign(char16_t sign, int number) {
-    Expect(TakeSign(sign), number);
+void Parser::ExpectSign(char16_t sign, const EngineError& error) {
+    Expect(TakeSign(sign), error);
 }
 
-QString Parser::ExpectName(int number) {
-    Expect(AtName(), number);
+QString Parser::ExpectName(const EngineError& error) {
+    Expect(AtName(), error);
     return Lexer::NameOf(Take()).toString();
 }
 
@@ -133,8 +133,8 @@ void Parser::ExpectClauseEnd() const {
         FailBehindExpression();
 }
 
-void Parser::ExpectStatementEnd(int number) {
-    Expect(AtEnd(), number);
+void Parser::ExpectStatementEnd(const EngineError& error) {
+    Expect(AtEnd(), error);
     TakeSign(u';');
     Expect(Peek().kind == TokenKind::End, TextBehindEnd);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/engine/EngineError.h"
 #include "platform/engine/sql/Tree.h"
 
 #include <QString>
@@ -37,18 +38,18 @@ private:
     bool AtName(std::size_t ahead = 0) const;
     /// Whether a query begins here, and not a sub-query inside a larger expression.
     bool AtQuery() const;
-    /// Failure `number` unless it holds; unless the next token is that word, that sign, a name, the first of
+    /// Failure `error` unless it holds; unless the next token is that word, that sign, a name, the first of
     /// an item in a list.
-    static void Expect(bool holds, int number);
-    void ExpectWord(std::string_view keyword, int number);
-    void ExpectSign(char16_t sign, int number);
-    QString ExpectName(int number);
-    void ExpectItem(int number) const { Expect(!AtClauseEnd() && !Peek().Is(u','), number); }
+    static void Expect(bool holds, const EngineError& error);
+    void ExpectWord(std::string_view keyword, const EngineError& error);
+    void ExpectSign(char16_t sign, const EngineError& error);
+    QString ExpectName(const EngineError& error);
+    void ExpectItem(const EngineError& error) const { Expect(!AtClauseEnd() && !Peek().Is(u','), error); }
     bool AtClauseEnd() const;
     /// Whether the statement ends here, or a word that no expression can hold begins its next clause.
     bool AtNextClause() const;
     void ExpectClauseEnd() const;
-    void ExpectStatementEnd(int number);
+    void ExpectStatementEnd(const EngineError& error);
 
     // Failures
     [[noreturn]] void FailExpression(QStringView reason) const;
@@ -84,8 +85,8 @@ private:
     std::unique_ptr<Select> ParseSelect();
     void ParseTop(Select& select);
     void ParseItems(Select& select);
-    /// Failure `number` where nothing stands.
-    SelectItem ParseItem(int number);
+    /// Failure `error` where nothing stands.
+    SelectItem ParseItem(const EngineError& error);
     void ParseFrom(std::vector<SourcePtr>& from);
     SourcePtr ParseJoins();
     SourcePtr ParseJoinTail(SourcePtr left);
@@ -93,7 +94,7 @@ private:
     SourcePtr ParseBracketQuery();
     QString ParseAlias();
     /// WHERE or HAVING; null if there is none.
-    NodePtr ParseCondition(std::string_view keyword, int number);
+    NodePtr ParseCondition(std::string_view keyword, const EngineError& error);
     void ParseGroupBy(Select& select);
     void ParseOrderBy(Query& query);
 
@@ -113,14 +114,14 @@ private:
     void ParseAlter(SchemaChange& change);
     void ParseAlterAdd(SchemaChange& change);
     void ParseDrop(SchemaChange& change);
-    ColumnInfo ParseColumn(TableInfo& table, int number);
+    ColumnInfo ParseColumn(TableInfo& table, const EngineError& error);
     void ParseColumnType(ColumnInfo& column);
     void ParseColumnConstraint(ColumnInfo& column, TableInfo& table);
     IndexInfo ParseTableConstraint(const TableInfo& table);
     IndexInfo ParseKey(const TableInfo& table);
-    /// Failure `number` unless a name comes that new things may bear; `invalid` if it may not.
-    QString ParseNewName(int number, int invalid);
-    QStringList ParseColumnNames(int number);
+    /// Failure `error` unless a name comes that new things may bear; `invalid` if it may not.
+    QString ParseNewName(const EngineError& error, const EngineError& invalid);
+    QStringList ParseColumnNames(const EngineError& error);
 
     /// Counts how deep the current place is nested; failure 3360 beyond `deepest`.
     class Nesting {

@@ -103,7 +103,7 @@ void Parser::ParseItems(Select& select) {
         FailBehindExpression();
 }
 
-SelectItem Parser::ParseItem(int number) {
+SelectItem Parser::ParseItem(const EngineError& error) {
     SelectItem item;
     if (TakeSign(u'*'))
         return item;
@@ -113,11 +113,11 @@ SelectItem Parser::ParseItem(int number) {
         Skip(2);
         return item;
     }
-    ExpectItem(number);
-    Expect(!IsOneOf(Peek(), {"FROM", "INTO", "AS"}), number);
+    ExpectItem(error);
+    Expect(!IsOneOf(Peek(), {"FROM", "INTO", "AS"}), error);
     item.expression = ParseExpression(Clause::Item);
     if (TakeWord("AS"))
-        item.alias = ExpectName(number);
+        item.alias = ExpectName(error);
     return item;
 }
 
@@ -196,10 +196,10 @@ QString Parser::ParseAlias() {
     return AtName() && !columns ? Lexer::NameOf(Take()).toString() : QString();
 }
 
-NodePtr Parser::ParseCondition(std::string_view keyword, int number) {
+NodePtr Parser::ParseCondition(std::string_view keyword, const EngineError& error) {
     if (!TakeWord(keyword))
         return {};
-    Expect(!AtClauseEnd(), number);
+    Expect(!AtClauseEnd(), error);
     NodePtr condition = ParseExpression(Clause::Condition);
     ExpectClauseEnd();
     return condition;

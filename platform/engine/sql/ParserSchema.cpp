@@ -7,19 +7,19 @@
 
 namespace engine::sql {
 
-QString Parser::ParseNewName(int number, int invalid) {
-    QString name = ExpectName(number);
+QString Parser::ParseNewName(const EngineError& error, const EngineError& invalid) {
+    QString name = ExpectName(error);
     Expect(IsValidName(name), invalid);
     return name;
 }
 
-QStringList Parser::ParseColumnNames(int number) {
+QStringList Parser::ParseColumnNames(const EngineError& error) {
     QStringList names;
-    ExpectSign(u'(', number);
+    ExpectSign(u'(', error);
     do {
-        names.push_back(ExpectName(number));
+        names.push_back(ExpectName(error));
     } while (TakeSign(u','));
-    ExpectSign(u')', number);
+    ExpectSign(u')', error);
     return names;
 }
 
@@ -54,9 +54,9 @@ void Parser::ParseCreateTable(SchemaChange& change) {
 }
 
 /// A column with its type and constraints; its keys join the indexes of `table`.
-ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
+ColumnInfo Parser::ParseColumn(TableInfo& table, const EngineError& error) {
     ColumnInfo column;
-    column.name = ParseNewName(number, SyntaxInColumnDefinition);
+    column.name = ParseNewName(error, SyntaxInColumnDefinition);
     ParseColumnType(column);
     bool nullTold = false;
     for (;;) {
@@ -73,7 +73,7 @@ ColumnInfo Parser::ParseColumn(TableInfo& table, int number) {
             break;
         ParseColumnConstraint(column, table);
     }
-    Expect(Peek().Is(u',') || Peek().Is(u')') || AtEnd(), number);
+    Expect(Peek().Is(u',') || Peek().Is(u')') || AtEnd(), error);
     return column;
 }
 

@@ -180,7 +180,7 @@ private:
         const std::size_t first = m_next;
         TermPtr left = Bind(*join.left);
         TermPtr right = Bind(*join.right);
-        ExpressionBinder binder(m_context, m_scope, AggregateInJoin);
+        ExpressionBinder binder(m_context, m_scope, &AggregateInJoin);
         binder.LimitSources(first, m_next);
         const Bound condition = binder.Condition(*join.on);
         // A right join is a left join seen from the other side, which every SQLite knows.
@@ -316,7 +316,7 @@ BoundSelect QueryBinder::BindSelect(const Select& select, const std::vector<Orde
     bound.oneTable = scope.OneTable();
     BindColumns(select, scope, bound);
     if (select.where)
-        bound.where = ExpressionBinder(m_context, scope, AggregateInWhere).Condition(*select.where).term;
+        bound.where = ExpressionBinder(m_context, scope, &AggregateInWhere).Condition(*select.where).term;
     BindGroups(select, scope, bound);
     BindOrder(select, orderBy, scope, bound);
     // Unknown names are told first.
@@ -351,7 +351,7 @@ void QueryBinder::BindColumns(const Select& select, const Scope& scope, BoundSel
 
 void QueryBinder::BindGroups(const Select& select, const Scope& scope, BoundSelect& bound) {
     bound.groups = !select.groupBy.empty();
-    ExpressionBinder binder(m_context, scope, AggregateInGroupBy);
+    ExpressionBinder binder(m_context, scope, &AggregateInGroupBy);
     for (const auto& group : select.groupBy) {
         const Bound value = binder.Value(*group);
         bound.groupBy.push_back(IsConstant(*group) ? NoPosition(value).term : Folded(value).term);
@@ -370,7 +370,7 @@ void QueryBinder::BindGroups(const Select& select, const Scope& scope, BoundSele
 void QueryBinder::BindOrder(const Select& select, const std::vector<OrderItem>& orderBy, const Scope& scope,
                             BoundSelect& bound) {
     const bool grouped = bound.aggregated || bound.groups;
-    ExpressionBinder binder(m_context, scope, grouped ? 0 : AggregateInOrderBy);
+    ExpressionBinder binder(m_context, scope, grouped ? nullptr : &AggregateInOrderBy);
     for (const OrderItem& item : orderBy) {
         Bound value;
         if (const auto place = PlaceOf(*item.expression, bound.columns.size())) {

@@ -89,7 +89,7 @@ BoundTransform BindTransform(Context& context, const Transform& transform, const
         RaiseEngine(SyntaxInTransform);
     Scope scope;
     BoundSelect bound = QueryBinder(context, nullptr).BindSelect(*select, query.orderBy, scope);
-    ExpressionBinder pivots(context, scope, AggregateInGroupBy);
+    ExpressionBinder pivots(context, scope, &AggregateInGroupBy);
     const Bound pivot = pivots.Value(*transform.pivot);
     ExpressionBinder values(context, scope, 0);
     const Bound value = Delivered(values.Value(*transform.value));

@@ -11,8 +11,8 @@ namespace {
 
 constexpr int cancelledByUser = 32001;
 
-runtime::Failure Engine(int number, const QString& first = {}, const QString& second = {}) {
-    return {number, EngineText(number, first, second)};
+runtime::Failure Engine(const EngineError& error, const QString& first = {}, const QString& second = {}) {
+    return {error, EngineText(error, first, second)};
 }
 
 // The constraints of our tables are named after the column and what it was declared as.

@@ -60,35 +60,27 @@ void Remember(const std::shared_ptr<Connection>& connection) {
 
 } // namespace
 
-struct Workspace::Impl {
-    std::vector<std::weak_ptr<Connection>> connections;
-    int depth = 0;
-    bool closed = false;
-    bool isDefault = false;
-
-    void CheckOpen() const {
-        if (closed)
-            RaiseEngine(ObjectClosed);
-    }
-};
-
-Workspace::Workspace(QString name)
-    : m_name(std::move(name))
-    , m(std::make_unique<Impl>()) {
+Workspace::~Workspace() {
+    RollBackAll();
 }
 
-Workspace::~Workspace() {
-    for (const auto& connection : OpenOnes(m->connections))
-        while (connection->Commits().Depth() > 0)
-            connection->Commits().Rollback();
+void Workspace::CheckOpen() const {
+    if (m_closed)
+        RaiseEngine(ObjectClosed);
+}
+
+void Workspace::CheckTransaction() const {
+    CheckOpen();
+    if (m_depth == 0)
+        RaiseEngine(NoTransaction);
 }
 
 std::shared_ptr<Connection> Workspace::Connect(const QString& path, const QString& file) {
-    m->CheckOpen();
+    CheckOpen();
     auto connection = std::make_shared<Connection>(path, file);
-    for (int level = 0; level < m->depth; ++level)
+    for (int level = 0; level < m_depth; ++level)
         connection->Commits().BeginTrans();
-    m->connections.push_back(connection);
+    m_connections.push_back(connection);
     Remember(connection);
     return connection;
 }
@@ -110,7 +102,7 @@ std::shared_ptr<Database> Workspace::CreateDatabase(const QString& path, const Q
 
 std::shared_ptr<Database> Workspace::PrepareDatabase(const QString& path, const QString&, int options,
                                                      std::shared_ptr<const runtime::OldFile> old) {
-    m->CheckOpen();
+    CheckOpen();
     if (options != dbVersion40)
         RaiseEngine(InvalidArgument);
     auto file = std::make_unique<NewFile>(path, std::move(old));
@@ -124,63 +116,58 @@ void Workspace::Publish(Database& database) {
 }
 
 void Workspace::BeginTrans() {
-    m->CheckOpen();
-    if (m->depth == maxLevels)
+    CheckOpen();
+    if (m_depth == maxLevels)
         RaiseEngine(TooManyTransactions);
-    const auto open = OpenOnes(m->connections);
-    if (m->depth == 0)
+    const auto open = OpenOnes(m_connections);
+    if (m_depth == 0)
         ForEach(open, [](Connection& connection) { connection.Commits().CommitGroup(); });
     for (const auto& connection : open)
         connection->Commits().BeginTrans();
-    ++m->depth;
+    ++m_depth;
 }
 
 void Workspace::CommitTrans() {
-    m->CheckOpen();
-    if (m->depth == 0)
-        RaiseEngine(NoTransaction);
+    CheckTransaction();
     // Those that are committed already stay so if a later one fails: a second call goes on with the rest.
-    for (const auto& connection : OpenOnes(m->connections))
-        if (connection->Commits().Depth() == m->depth)
+    for (const auto& connection : OpenOnes(m_connections))
+        if (connection->Commits().Depth() == m_depth)
             connection->Commits().CommitTrans();
-    --m->depth;
+    --m_depth;
 }
 
 void Workspace::Rollback() {
-    m->CheckOpen();
-    if (m->depth == 0)
-        RaiseEngine(NoTransaction);
-    for (const auto& connection : OpenOnes(m->connections))
-        if (connection->Commits().Depth() == m->depth)
+    CheckTransaction();
+    for (const auto& connection : OpenOnes(m_connections))
+        if (connection->Commits().Depth() == m_depth)
             connection->Commits().Rollback();
-    --m->depth;
+    --m_depth;
+}
+
+void Workspace::RollBackAll() {
+    for (const auto& connection : OpenOnes(m_connections))
+        while (connection->Commits().Depth() > 0)
+            connection->Commits().Rollback();
+    m_depth = 0;
 }
 
 void Workspace::Close() {
-    m->CheckOpen();
-    const auto open = OpenOnes(m->connections);
-    for (const auto& connection : open)
-        while (connection->Commits().Depth() > 0)
-            connection->Commits().Rollback();
-    m->depth = 0;
-    ForEach(open, [](Connection& connection) { connection.Close(); });
-    m->connections.clear();
-    m->closed = !m->isDefault;
+    CheckOpen();
+    RollBackAll();
+    ForEach(OpenOnes(m_connections), [](Connection& connection) { connection.Close(); });
+    m_connections.clear();
+    m_closed = !m_isDefault;
 }
 
 std::shared_ptr<Workspace> DBEngine::Workspaces(int index) {
-    static const std::shared_ptr<Workspace> standard = [] {
-        std::shared_ptr<Workspace> workspace(new Workspace(QStringLiteral("#Default Workspace#")));
-        workspace->m->isDefault = true;
-        return workspace;
-    }();
+    static const std::shared_ptr<Workspace> standard(new Workspace(true));
     if (index != 0)
         RaiseEngine(ItemNotFound);
     return standard;
 }
 
-std::shared_ptr<Workspace> DBEngine::CreateWorkspace(const QString& name, const QString&, const QString&) {
-    return std::shared_ptr<Workspace>(new Workspace(name));
+std::shared_ptr<Workspace> DBEngine::CreateWorkspace(const QString&, const QString&, const QString&) {
+    return std::shared_ptr<Workspace>(new Workspace(false));
 }
 
 void DBEngine::SetLookUps(std::vector<LookUp> lookUps) {
@@ -189,10 +176,6 @@ void DBEngine::SetLookUps(std::vector<LookUp> lookUps) {
 
 void DBEngine::Commit() {
     ForEach(OpenOnes(AllConnections()), [](Connection& connection) { connection.Commits().CommitGroup(); });
-}
-
-void DBEngine::Idle() {
-    Commit();
 }
 
 void DBEngine::KillDatabase(const runtime::OldFile& file) {

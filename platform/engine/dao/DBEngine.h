@@ -16,8 +16,6 @@ public:
     Workspace(const Workspace&) = delete;
     Workspace& operator=(const Workspace&) = delete;
 
-    QString Name() const { return m_name; }
-
     /// Opens an existing file, shared and writable (a read-only file opens, its changes fail later). The file
     /// is checked before this returns. Failures: 3024 file missing, 3044 folder missing or no path at all,
     /// 3051 no right to it, 3343 no database of a known format, 3041 an older format, 3049 damaged,
@@ -52,11 +50,17 @@ public:
 
 private:
     friend class DBEngine;
-    explicit Workspace(QString name);
+    explicit Workspace(bool isDefault)
+        : m_isDefault(isDefault) {}
+    void CheckOpen() const;
+    void CheckTransaction() const;
     std::shared_ptr<Connection> Connect(const QString& path, const QString& file = {});
-    struct Impl;
-    QString m_name;
-    std::unique_ptr<Impl> m;
+    void RollBackAll();
+
+    std::vector<std::weak_ptr<Connection>> m_connections;
+    int m_depth = 0;
+    bool m_closed = false;
+    const bool m_isDefault;
 };
 
 /// The engine of the process.
@@ -64,7 +68,7 @@ class DBEngine {
 public:
     /// The default workspace, number 0; failure 3265 for any other number.
     static std::shared_ptr<Workspace> Workspaces(int index);
-    /// A further workspace; user and password are taken and not looked at.
+    /// A further workspace; name, user and password are taken and not looked at.
     static std::shared_ptr<Workspace> CreateWorkspace(const QString& name, const QString& user,
                                                       const QString& password);
 
@@ -75,9 +79,6 @@ public:
     /// every message box. If a group of statements could not be made durable, or was lost before, its failure
     /// is raised here, once: no success may be reported then.
     static void Commit();
-
-    /// The same when control returns to the event loop; a failure is raised to the dispatcher.
-    static void Idle();
 
     /// Deletes a database file if it still stands at its place, and the journals that a crash may have left
     /// with it. Failures as runtime::OldFile::Delete.

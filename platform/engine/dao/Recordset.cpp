@@ -96,10 +96,6 @@ bool Recordset::EndOfFile() const {
     return Set().Current() == m_set->Count();
 }
 
-bool Recordset::BeginOfFile() const {
-    return Set().Current() < 0 || m_set->Count() == 0;
-}
-
 void Recordset::MoveFirst() {
     Set().MoveTo(0);
 }
@@ -110,10 +106,6 @@ void Recordset::MoveLast() {
 
 void Recordset::MoveNext() {
     Set().MoveTo(m_set->Current() + 1);
-}
-
-void Recordset::MovePrevious() {
-    Set().MoveTo(m_set->Current() - 1);
 }
 
 int Recordset::FieldsCount() const {

@@ -39,14 +39,12 @@ public:
 
     /// Rows reached so far: 0 only if there are none, exact after MoveLast.
     std::int64_t RecordCount() const;
-    bool EndOfFile() const;   ///< EOF: behind the last row, or no rows
-    bool BeginOfFile() const; ///< BOF
+    bool EndOfFile() const; ///< EOF: behind the last row, or no rows
 
-    /// Failure 3021 on an empty set; MoveNext behind the end and MovePrevious before the start too.
+    /// Failure 3021 on an empty set; MoveNext behind the end too.
     void MoveFirst();
     void MoveLast();
     void MoveNext();
-    void MovePrevious();
 
     /// Number of columns.
     int FieldsCount() const;

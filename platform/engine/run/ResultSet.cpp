@@ -42,11 +42,11 @@ void ResultSet::Close() noexcept {
 }
 
 void ResultSet::MoveTo(std::int64_t row) {
-    if (Count() == 0 || row < -1 || row > Count())
+    if (Count() == 0 || row > Count())
         RaiseEngine(NoCurrentRecord);
     m_current = row;
     m_reached = std::max(m_reached, std::min(row + 1, Count()));
-    if (row < 0 || row == Count() || !HasChanged())
+    if (row == Count() || !HasChanged())
         return;
     const auto place = static_cast<std::size_t>(row);
     const std::uint64_t changes = ChangeCount();
@@ -91,7 +91,7 @@ void ResultSet::ReadAgain(std::size_t row) {
 }
 
 Cell ResultSet::CurrentCell(int column) const {
-    if (m_current < 0 || m_current >= Count())
+    if (m_current >= Count())
         RaiseEngine(NoCurrentRecord);
     const auto row = static_cast<std::size_t>(m_current);
     if (m_rows.IsRemoved(row))

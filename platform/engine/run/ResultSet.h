@@ -27,9 +27,10 @@ public:
 
     std::int64_t Count() const { return static_cast<std::int64_t>(m_rows.Rows()); }
     std::int64_t Reached() const { return m_reached; }
-    /// -1 before the first row, Count() behind the last.
+    /// Count() behind the last row.
     std::int64_t Current() const { return m_current; }
-    /// Makes a row current, which then shows what the file holds; failure 3021 outside -1 ... Count().
+    /// Makes a row current, which then shows what the file holds; failure 3021 beyond Count() and if there is
+    /// no row.
     void MoveTo(std::int64_t row);
     /// The same for the first row that meets the criteria; false if there is none.
     bool MoveToFirst(const QString& criteria);

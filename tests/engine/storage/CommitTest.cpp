@@ -28,7 +28,7 @@ TEST_F(Commit, StatementsBecomeDurableInGroups) {
     Insert(1);
     EXPECT_EQ(Disk(), QString());
     EXPECT_EQ(Ask(QStringLiteral("SELECT a01clid FROM a01")), QStringList{QStringLiteral("1")});
-    engine::DBEngine::Idle();
+    engine::DBEngine::Commit();
     EXPECT_EQ(Disk(), QStringLiteral("1"));
     EXPECT_FALSE(QFile::exists(path + QStringLiteral("-journal")));
 

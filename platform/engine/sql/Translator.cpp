@@ -1,14 +1,60 @@
 #include "platform/engine/EngineError.h"
+#include "platform/engine/schema/LookUps.h"
+#include "platform/engine/schema/Names.h"
+#include "platform/engine/schema/Types.h"
 #include "platform/engine/sql/Binder.h"
-#include "platform/engine/sql/Keys.h"
 #include "platform/engine/sql/Parser.h"
 #include "platform/engine/sql/Writer.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace engine::sql {
 
 namespace {
+
+/// The column and the literal of `column = literal`, or of a LIKE without wildcards, if that is what the node
+/// is; a number column against a whole number, or a text column against a text.
+std::optional<KeyCondition> KeyOf(const Node& node, const Scope& scope) {
+    if (node.kind != NodeKind::Binary || node.negated || (node.op != Op::Equal && node.op != Op::Like))
+        return {};
+    const Node* name = node.children[0].get();
+    const Node* literal = node.children[1].get();
+    if (node.op == Op::Equal && name->kind == NodeKind::Literal)
+        std::swap(name, literal);
+    if (name->kind != NodeKind::Name || literal->kind != NodeKind::Literal || literal->literal < 0)
+        return {};
+    const auto place = scope.Find(name->qualifier, name->name);
+    if (!place)
+        return {};
+    const DataType type = scope.Column(*place).value.type;
+    const bool text = literal->token.kind == TokenKind::Text && KindOf(type) == TypeKind::Text;
+    const bool number =
+        literal->token.kind == TokenKind::Integer && IsWholeNumber(type) && node.op == Op::Equal;
+    if (!text && !number)
+        return {};
+    if (node.op == Op::Like && !ExpressionBinder::IsPlainPattern(*literal))
+        return {};
+    return KeyCondition{static_cast<int>(place->column), literal->literal};
+}
+
+/// A further condition for a WHERE over one table that names a value for the first column of a look-up:
+/// `q1."a02clid" = q1."a02clid"`, without which SQLite does not take the look-up's index. Else null.
+TermPtr LookUpTerm(const Node* where, const Scope& scope) {
+    if (where == nullptr || !scope.OneTable())
+        return nullptr;
+    if (where->kind == NodeKind::Binary && where->op == Op::And) {
+        const TermPtr left = LookUpTerm(where->children[0].get(), scope);
+        return left ? left : LookUpTerm(where->children[1].get(), scope);
+    }
+    const auto key = KeyOf(*where, scope);
+    const ScopeSource& source = scope.sources.front();
+    if (!key || !BeginsLookUp(*source.table, source.table->At(key->column)))
+        return nullptr;
+    const TermPtr column = source.columns[static_cast<std::size_t>(key->column)].value.term;
+    return MakeTerm(u"% = %", {column, column}, EqualPrecedence);
+}
 
 /// `SELECT * FROM table`, as which the name of a table alone opens.
 Query WholeTable(const QString& table) {
@@ -97,6 +143,44 @@ void WriteChange(QString (Writer::*write)(const BoundChange&) const, BoundChange
     plan.ignoreText = (Writer(true).*write)(bound);
 }
 
+/// The columns of the result as one source, whose values come as parameters.
+ScopeSource ResultSource(const std::vector<ResultColumn>& columns) {
+    ScopeSource source;
+    for (const ResultColumn& column : columns) {
+        const QString number = QString::number(source.columns.size() + 1);
+        source.columns.push_back({column.name, StoredValue(u'?' + number, column.type)});
+    }
+    return source;
+}
+
+/// A name with a table in front is that of a column of the same full name, or of a column of the plain name.
+void ResolveFullNames(Node& node, const std::vector<ResultColumn>& columns) {
+    if (node.kind == NodeKind::Name && !node.qualifier.isEmpty()) {
+        const QString full = node.qualifier + u'.' + node.name;
+        if (std::ranges::any_of(columns,
+                                [&](const ResultColumn& column) { return SameName(column.name, full); }))
+            node.name = full;
+        node.qualifier.clear();
+    }
+    for (const auto& child : node.children)
+        ResolveFullNames(*child, columns);
+}
+
+bool HasQuery(const Node& node) {
+    return node.query ||
+           std::ranges::any_of(node.children, [](const NodePtr& child) { return HasQuery(*child); });
+}
+
+/// The equalities among the conditions that are joined by AND.
+void CollectEqualities(const Node& node, const Scope& scope, std::vector<KeyCondition>& equalities) {
+    if (node.kind == NodeKind::Binary && node.op == Op::And) {
+        CollectEqualities(*node.children[0], scope, equalities);
+        CollectEqualities(*node.children[1], scope, equalities);
+    } else if (const auto key = KeyOf(node, scope)) {
+        equalities.push_back(*key);
+    }
+}
+
 } // namespace
 
 Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
@@ -135,6 +219,24 @@ Plan Translate(const Scanned& scanned, const Catalog& catalog, Purpose purpose,
     plan.parameters = context.Parameters();
     if (purpose == Purpose::OpenRecordset && plan.verb != Verb::Select)
         RaiseEngine(InvalidOperation);
+    return plan;
+}
+
+CriteriaPlan TranslateCriteria(const Scanned& scanned, const std::vector<ResultColumn>& columns) {
+    const NodePtr criteria = Parser(scanned.text, scanned.cacheable).ParseCriteria();
+    if (HasQuery(*criteria))
+        RaiseEngine(SyntaxInCriteria, u"Ошибка синтаксиса"_s);
+    ResolveFullNames(*criteria, columns);
+    const Scope scope{nullptr, {ResultSource(columns)}};
+    Context context(scanned, static_cast<int>(columns.size()));
+    const Bound condition = ExpressionBinder(context, scope, &AggregateInExpression).Condition(*criteria);
+    context.RaiseMistakes();
+    CriteriaPlan plan;
+    // The last parameter is named even if nothing else needs it, so that all of them can be bound.
+    plan.text = u"SELECT "_s + Writer().Text(condition.term) + u" FROM (SELECT ?"_s +
+                QString::number(context.ParameterCount()) + u')';
+    plan.parameters = context.Parameters();
+    CollectEqualities(*criteria, scope, plan.equalities);
     return plan;
 }
 

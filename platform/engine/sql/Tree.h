@@ -36,7 +36,7 @@ struct Node {
     bool all = false;     ///< Quantified: ALL; Call: the argument is `*`
     int depth = 1;
     int literal = -1;     ///< place among the statement's literals, -1 if its value is written out
-    bool pattern = false; ///< a literal directly behind LIKE, whose shape tells whether it holds wildcards
+    bool pattern = false; ///< a literal directly behind LIKE, on whose wildcards the plan rests
     Token token;          ///< Literal
     QString qualifier;
     QString name; ///< Name, Call

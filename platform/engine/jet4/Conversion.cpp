@@ -17,24 +17,6 @@ namespace engine::jet4 {
 
 namespace {
 
-/// A file that is taken away again unless it has found its place.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(const QString& folder)
-        : m_path(TemporaryName(folder)) {}
-    ~TemporaryFile() {
-        QFile::remove(m_path);
-        RemoveJournals(m_path);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    const QString& Path() const { return m_path; }
-
-private:
-    QString m_path;
-};
-
 QString Resolved(const QString& path) {
     const QString canonical = QFileInfo(path).canonicalFilePath();
     return canonical.isEmpty() ? path : QDir::toNativeSeparators(canonical);
@@ -192,14 +174,13 @@ void Conversion::PlanTables() {
 }
 
 Report Conversion::Run(runtime::Disk& disk) {
-    const TemporaryFile finished(QFileInfo(m_path).absolutePath());
-    WriteEmptyDatabase(finished.Path(), m_path);
-    RowCopy(finished.Path(), *m_reader, m_path).CopyAll(m_tables);
-    RowCopy(finished.Path(), *m_reader, m_path).CompareAll(m_tables);
-    QFile::setPermissions(finished.Path(), QFile::permissions(m_path) | QFile::WriteOwner);
+    const HiddenFile finished(QFileInfo(m_path).absolutePath(), m_path);
+    RowCopy(finished.File(), *m_reader, m_path).CopyAll(m_tables);
+    RowCopy(finished.File(), *m_reader, m_path).CompareAll(m_tables);
+    QFile::setPermissions(finished.File(), QFile::permissions(m_path) | QFile::WriteOwner);
     m_reader.reset();
     CheckUnchanged();
-    m_report.kept = ReplaceKeeping(disk, finished.Path(), m_path);
+    m_report.kept = ReplaceKeeping(disk, finished.File(), m_path);
     return m_report;
 }
 

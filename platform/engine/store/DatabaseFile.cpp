@@ -71,6 +71,28 @@ void RemoveStale(const QDir& folder) {
     }
 }
 
+/// Whether the old file is there to be replaced; failure 3204 if another stands at the path.
+bool Replaces(const runtime::OldFile* old, const QString& path) {
+    const bool replaces = old != nullptr && old->Stands();
+    if (!replaces && runtime::Stands(QFileInfo(path).absoluteFilePath()))
+        RaiseEngine(DatabaseExists, path);
+    return replaces;
+}
+
+/// The folder of a new file, ready for it.
+QString CheckedFolder(const QString& path, const runtime::OldFile* old) {
+    CheckFolder(path);
+    const QString name = QFileInfo(path).absoluteFilePath();
+    Replaces(old, path);
+    std::error_code error;
+    runtime::Stands(name + QStringLiteral("-journal"), error);
+    if (error == std::errc::filename_too_long) // it could never be written to
+        RaiseEngine(InvalidPath, path);
+    QString folder = runtime::FolderOf(name);
+    RemoveStale(QDir(folder));
+    return folder;
+}
+
 // The bytes of an empty database: its one page, in the form that SQLite's documentation of files gives.
 QByteArray EmptyImage() {
     constexpr int pageSize = 4096;
@@ -150,16 +172,6 @@ bool JournalNamesAFile(const QString& journal) {
     return sum == withSign || sum == without;
 }
 
-void WriteEmptyDatabase(const QString& file, const QString& path) {
-    CheckDisk(runtime::Disk::Current().Write(file, EmptyImage()), path);
-}
-
-QString TemporaryName(const QString& folder) {
-    const quint64 number = QRandomGenerator::global()->generate64();
-    return QDir(folder).filePath(
-        QLatin1String(TemporaryFiles).arg(QStringLiteral("%1").arg(number, 16, 16, QLatin1Char('0'))));
-}
-
 bool RemoveJournals(const QString& path, runtime::Disk& disk) {
     for (const char* suffix : {"-journal", "-wal", "-shm"}) {
         const QString file = QFileInfo(path).absoluteFilePath() + QLatin1String(suffix);
@@ -186,55 +198,46 @@ void CheckDisk(const std::error_code& error, const QString& path) {
     RaiseEngine(DiskOrNetworkFailure);
 }
 
-NewFile::NewFile(QString path, std::shared_ptr<const runtime::OldFile> old)
-    : m_path(std::move(path))
-    , m_old(std::move(old)) {
-    CheckFolder(m_path);
-    m_name = QFileInfo(m_path).absoluteFilePath();
-    Replaces();
-    std::error_code error;
-    runtime::Stands(m_name + QStringLiteral("-journal"), error);
-    if (error == std::errc::filename_too_long) // it could never be written to
-        RaiseEngine(InvalidPath, m_path);
-    const QString folder = runtime::FolderOf(m_name);
-    RemoveStale(QDir(folder));
-    m_file = TemporaryName(folder);
-    WriteEmptyDatabase(m_file, m_path);
+HiddenFile::HiddenFile(const QString& folder, const QString& path)
+    : m_hidden(QDir(folder).filePath(QString::fromLatin1(TemporaryFiles)
+                                         .arg(QRandomGenerator::global()->generate64(), 16, 16, QChar(u'0'))))
+    , m_file(m_hidden) {
+    CheckDisk(runtime::Disk::Current().Write(m_file, EmptyImage()), path);
     m_identity = runtime::IdentityOf(m_file).value_or(runtime::FileIdentity());
 }
 
-NewFile::~NewFile() {
-    if (m_file != m_name)
+HiddenFile::~HiddenFile() {
+    if (m_file == m_hidden)
         Remove();
 }
 
-bool NewFile::Replaces() const {
-    const bool replaces = m_old && m_old->Stands();
-    if (!replaces && runtime::Stands(m_name))
-        RaiseEngine(DatabaseExists, m_path);
-    return replaces;
-}
-
-void NewFile::GiveName() {
-    if (m_file == m_name)
-        return;
-    runtime::Disk& disk = runtime::Disk::Current();
-    CheckDisk(disk.Sync(m_file), m_path);
-    const bool replaces = Replaces();
-    if (!RemoveJournals(m_name))
-        RaiseEngine(CannotOpenFile, m_path);
-    if (replaces)
-        m_old->MakeWay();
-    CheckDisk(replaces ? disk.Rename(m_file, m_name) : disk.Name(m_file, m_name), m_path);
-    m_file = m_name;
-    CheckDisk(disk.Sync(runtime::FolderOf(m_name)), m_path);
-}
-
-void NewFile::Remove() noexcept {
+void HiddenFile::Remove() noexcept {
     if (runtime::IdentityOf(m_file) != m_identity)
         return;
     runtime::Disk::Current().Remove(m_file);
     RemoveJournals(m_file);
+}
+
+NewFile::NewFile(const QString& path, std::shared_ptr<const runtime::OldFile> old)
+    : HiddenFile(CheckedFolder(path, old.get()), path)
+    , m_path(path)
+    , m_name(QFileInfo(path).absoluteFilePath())
+    , m_old(std::move(old)) {
+}
+
+void NewFile::GiveName() {
+    if (File() == m_name)
+        return;
+    runtime::Disk& disk = runtime::Disk::Current();
+    CheckDisk(disk.Sync(File()), m_path);
+    const bool replaces = Replaces(m_old.get(), m_path);
+    if (!RemoveJournals(m_name))
+        RaiseEngine(CannotOpenFile, m_path);
+    if (replaces)
+        m_old->MakeWay();
+    CheckDisk(replaces ? disk.Rename(File(), m_name) : disk.Name(File(), m_name), m_path);
+    HasName(m_name);
+    CheckDisk(disk.Sync(runtime::FolderOf(m_name)), m_path);
 }
 
 } // namespace engine

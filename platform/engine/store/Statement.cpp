@@ -110,8 +110,4 @@ QString Statement::Text(int column) const {
     return QStringView(text, sqlite3_column_bytes16(m_statement, column) / 2).toString();
 }
 
-bool Statement::IsNull(int column) const {
-    return sqlite3_column_type(m_statement, column) == SQLITE_NULL;
-}
-
 } // namespace engine

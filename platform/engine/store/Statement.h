@@ -53,7 +53,6 @@ public:
     double Real(int column) const;
     /// Copy of a column's text; numbers as SQLite writes them.
     QString Text(int column) const;
-    bool IsNull(int column) const;
 
 private:
     void CheckBound(int code) const;

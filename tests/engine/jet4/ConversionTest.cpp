@@ -231,7 +231,6 @@ TEST_F(OldFormatConversion, NothingIsLostThatTheNewFileHasNoLikeOf) {
 }
 
 TEST_F(OldFormatConversion, ACopyThatDiffersIsTold) {
-    const QString path = Path(QStringLiteral("copy"));
     const engine::jet4::Reader reader(test::OldFile(QStringLiteral("v1-old.mdb")));
     engine::jet4::CopiedTable table{*reader.Find(u"a02"), {.name = QStringLiteral("a02")}};
     for (const engine::jet4::Column& column : table.source.columns)
@@ -239,8 +238,8 @@ TEST_F(OldFormatConversion, ACopyThatDiffersIsTold) {
     for (const char* change :
          {"", "UPDATE a02 SET a02cval = 'x' WHERE a02rcid = 2", "DELETE FROM a02",
           "UPDATE a02 SET a02code = a02code + 1", "INSERT INTO a02 (a02clid) VALUES (1)"}) {
-        QFile::remove(path);
-        engine::WriteEmptyDatabase(path, path);
+        const engine::HiddenFile file(Path(QString()), QString());
+        const QString& path = file.File();
         engine::jet4::RowCopy(path, reader, path).CopyAll({table});
         sqlite3* db = nullptr;
         sqlite3_open(path.toUtf8().constData(), &db);

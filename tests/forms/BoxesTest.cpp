@@ -231,7 +231,12 @@ TEST_F(CommonDialogTest, WhatMustExistIsAskedForAgain) {
     };
     for (const auto& row : rows) {
         for (const QString& name : row.refused)
-            answers.File(Path(name)).BoxStarting(Path(name), Icon::Exclamation);
+            answers.File(Path(name))
+                .Box(Path(name) +
+                         (name.contains(u'/')
+                              ? QStringLiteral("\r\nТакой папки нет. Проверьте правильность пути.")
+                              : QStringLiteral("\r\nФайл не найден. Проверьте правильность имени файла.")),
+                     Icon::Exclamation);
         answers.File(Path(QString::fromLatin1(row.taken)));
         dialog.Flags = row.flags;
         dialog.FileName.clear();

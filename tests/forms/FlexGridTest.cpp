@@ -34,8 +34,8 @@ protected:
         QObject::connect(&grid, &FlexGrid::DblClick, [this] { ++doubleClicks; });
     }
 
-    void Fill(int rows) {
-        const FlexGrid::Filling filling(grid);
+    void Fill(int rows, std::vector<int> keyColumns = {}) {
+        const FlexGrid::Filling filling(grid, std::move(keyColumns));
         grid.Clear();
         grid.SetRows(rows + 1);
         for (int row = 0; row <= rows; ++row)
@@ -141,8 +141,10 @@ TEST_F(FlexGridTest, RefillKeepsThePlaceOnTheScreen) {
     const QPoint before = place();
     ASSERT_GT(before.x(), 0);
     ASSERT_GT(before.y(), 0);
-    Fill(200);
-    EXPECT_EQ(place(), before);
+    for (const std::vector<int>& keyColumns : {std::vector<int>(), {0}}) {
+        Fill(200, keyColumns);
+        EXPECT_EQ(place(), before) << keyColumns.size() << " key columns";
+    }
 }
 
 TEST_F(FlexGridTest, WidthsAreKeptInTwips) {
@@ -186,7 +188,7 @@ TEST_F(FlexGridTest, ColumnsAreResizedByKeys) {
     EXPECT_GE(grid.columnWidth(0), grid.fontMetrics().horizontalAdvance(text)) << "it fits its texts";
     for (int i = 0; i < 500; ++i)
         change(Qt::Key_Left);
-    EXPECT_GT(grid.ColWidth(0), 0) << "a column does not vanish";
+    EXPECT_GT(grid.columnWidth(0), 0) << "a column does not vanish";
 }
 
 TEST_F(FlexGridTest, Alignment) {

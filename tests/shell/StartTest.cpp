@@ -203,17 +203,12 @@ TEST_F(StartTest, ExitAndCloseBoxUnloadTheChildrenAndLeaveTheFileOpen) {
 TEST_F(StartTest, AnotherBaseIsStoredAndEndsTheProcess) {
     Start();
     const QString other = Path(QStringLiteral("other.mdb"));
-    const QString hidden = Path(QStringLiteral(".hidden.mdb"));
-    for (const QString& path : {other, hidden})
-        test::WriteBytes(path, {});
+    test::WriteBytes(other, {});
     test::Answers answers;
-    answers.Question(NewBase, false, false);
+    answers.Question(NewBase, false, false).Question(NewBase, true, false).File({});
     Choose("mnuBookNewBase");
-    for (const QString& path : {QString(), hidden}) {
-        answers.Question(NewBase, true, false).File(path);
-        Choose("mnuBookNewBase");
-        EXPECT_EQ(Stored(), Path());
-    }
+    Choose("mnuBookNewBase");
+    EXPECT_EQ(Stored(), Path());
     const runtime::EndTrap trap;
     answers.Question(NewBase, true, false).File(other);
     // By its signal: the toolkit's own frames of a trigger are not made for exceptions.

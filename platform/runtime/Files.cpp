@@ -96,10 +96,9 @@ void OldFile::Delete() const {
 
 OpenDatabaseFile::OpenDatabaseFile(const QString& path) {
     using Clock = std::chrono::steady_clock;
-    constexpr auto LongestWait = std::chrono::seconds(5);
     constexpr unsigned long Pause = 20; // ms
     const auto start = Clock::now();
-    while (!(m_granted = Register(path)) && Clock::now() - start < LongestWait)
+    while (!(m_granted = Register(path)) && Clock::now() - start < longestWait)
         QThread::msleep(Pause);
 }
 

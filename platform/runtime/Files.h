@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <memory>
 
 namespace runtime {
@@ -45,7 +46,9 @@ private:
 /// The engine registers a file for as long as it is open. Other programs see it by a mark on the file.
 class OpenDatabaseFile {
 public:
-    /// Waits for about 5 seconds for a program that is about to replace the file.
+    /// How long a program that is about to replace the file is waited for. Tests shorten it.
+    static inline std::chrono::milliseconds longestWait{5000};
+
     explicit OpenDatabaseFile(const QString& path);
     ~OpenDatabaseFile();
     OpenDatabaseFile(const OpenDatabaseFile&) = delete;

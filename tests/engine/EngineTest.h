@@ -36,6 +36,8 @@ protected:
     int FailureOfRun(const QString& statement) const;
     void AllowEmpty(const QString& table, const QStringList& columns) const;
     void Reopen();
+    /// Runs statements of SQLite on the file, as another program may.
+    void RunPlainly(const QByteArray& statements) const;
     /// The tables a01 and a02 of a book, empty.
     void MakeCards() const;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/engine/store/LockWait.h"
+#include "platform/runtime/Files.h"
 
 namespace test {
 
@@ -8,9 +9,9 @@ namespace test {
 class ShortLockWait {
 public:
     explicit ShortLockWait(std::chrono::milliseconds limit = std::chrono::milliseconds(50)) {
-        engine::LockWait::limit = limit;
+        engine::LockWait::limit = runtime::OpenDatabaseFile::longestWait = limit;
     }
-    ~ShortLockWait() { engine::LockWait::limit = m_before; }
+    ~ShortLockWait() { engine::LockWait::limit = runtime::OpenDatabaseFile::longestWait = m_before; }
     ShortLockWait(const ShortLockWait&) = delete;
     ShortLockWait& operator=(const ShortLockWait&) = delete;
 

@@ -1,8 +1,6 @@
 // Tables, columns and indexes: made, changed and taken away.
 #include "tests/engine/EngineTest.h"
 
-#include <sqlite3.h>
-
 namespace {
 
 class Definition : public test::EngineTest {
@@ -21,15 +19,6 @@ protected:
                        (field.AllowZeroLength() ? QStringLiteral("e") : QString());
         }
         return columns.join(u' ');
-    }
-    void ChangePlainly(const char* statements) {
-        database->Close();
-        sqlite3* other = nullptr;
-        ASSERT_EQ(sqlite3_open(path.toUtf8().constData(), &other), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(other, statements, nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(other);
-        sqlite3_close(other);
-        database = workspace->OpenDatabase(path);
     }
 };
 
@@ -197,7 +186,8 @@ TEST_F(Definition, SelectIntoMakesATable) {
 // As this program once laid tables out: YESNO without a value, narrower dates, keys without their names; and
 // one of somebody else.
 TEST_F(Definition, TablesLaidOutBeforeStayInUse) {
-    ChangePlainly(
+    database->Close();
+    RunPlainly(
         "CREATE TABLE \"old\" (\"k\" INTEGER NOT NULL PRIMARY KEY CONSTRAINT \"k BYTE\" CHECK (\"k\" "
         "BETWEEN 0 AND 255), \"y\" INTEGER CONSTRAINT \"y BIT\" CHECK (\"y\" BETWEEN 0 AND 1), \"d\" "
         "REAL CONSTRAINT \"d DATETIME\" CHECK (\"d\" BETWEEN -657434.0 AND 2958466.0)) STRICT; "
@@ -206,6 +196,7 @@ TEST_F(Definition, TablesLaidOutBeforeStayInUse) {
         "922337203685477.5807)) STRICT; "
         "INSERT INTO price VALUES (12.5), (123456789012.3456), (-0.0001), (922337203685477.5807); "
         "CREATE TABLE plain (x, y VARCHAR(20), z INT)");
+    database = workspace->OpenDatabase(path);
     EXPECT_EQ(Columns("old"), QStringLiteral("k:2:0! y:1:0 d:9:0"));
     Check(R"(
         SELECT * FROM sqlite_schema -> #3078

@@ -1,128 +1,258 @@
-#include "tests/engine/storage/StorageTest.h"
+// Groups of statements, transactions, and other connections and programs beside them.
+#include "platform/engine/GroupClock.h"
+#include "tests/engine/EngineTest.h"
 #include "tests/support/FaultyFiles.h"
+
+#include <functional>
+
+using engine::DBEngine;
+using test::FailureOf;
 
 namespace {
 
-class Transaction : public test::Storage {};
+class Transaction : public test::EngineTest {
+protected:
+    Transaction() {
+        MakeCards();
+        DBEngine::Commit();
+    }
+    int Insert(int id, const QString& text = QStringLiteral("Иванов")) const {
+        return FailureOfRun(
+            QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, '%2')").arg(id).arg(text));
+    }
+    QString Ids() const {
+        return Result(QStringLiteral("SELECT a01clid FROM a01 ORDER BY 1")).remove(QStringLiteral("/ "));
+    }
+    QString Disk() const {
+        return test::ReadRows(path, QStringLiteral("SELECT a01clid FROM a01 ORDER BY 1")).join(u' ');
+    }
+};
 
 } // namespace
 
-TEST_F(Transaction, SchemaStatementsTakePart) {
-    MakeCards();
-    Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (1, 'Иванов')"));
-    workspace->BeginTrans();
-    Run(QStringLiteral("CREATE TABLE t03 (t03rcid COUNTER NOT NULL PRIMARY KEY, t03cval TEXT(50) NOT NULL)"));
-    Run(QStringLiteral("INSERT INTO t03 (t03cval) VALUES ('x')"));
-    Run(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith TEXT(20)"));
-    Run(QStringLiteral("UPDATE a01 SET a01bith = '05.12.2006'"));
-    database->TableDefs(QStringLiteral("a01")).Fields(QStringLiteral("a01last")).SetAllowZeroLength(true);
-    Run(QStringLiteral("DROP TABLE a02"));
-    EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM a01")),
-              QStringList{QStringLiteral("1|Иванов|NULL|05.12.2006")});
-    workspace->Rollback();
-    EXPECT_EQ(Ask(QStringLiteral("SELECT * FROM a01")), QStringList{QStringLiteral("1|Иванов|NULL")});
-    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO t03 (t03cval) VALUES ('x')")), 3192);
-    EXPECT_EQ(FailureOfRun(QStringLiteral("UPDATE a01 SET a01last = ''")), 3315);
-    EXPECT_EQ(database->TableNames(), (QStringList{QStringLiteral("a01"), QStringLiteral("a02")}));
+TEST_F(Transaction, StatementsBecomeDurableInGroups) {
+    Insert(1);
+    EXPECT_EQ(Disk(), QString());
+    EXPECT_EQ(Ids(), QStringLiteral("1"));
+    DBEngine::Commit();
+    EXPECT_EQ(Disk(), QStringLiteral("1"));
+    EXPECT_FALSE(QFile::exists(path + QStringLiteral("-journal")));
 
+    Insert(4);
     workspace->BeginTrans();
-    Run(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith TEXT(20)"));
+    EXPECT_EQ(Disk(), QStringLiteral("1 4"));
+    Insert(5);
+    DBEngine::Commit(); // a box inside a transaction changes nothing
+    EXPECT_EQ(Disk(), QStringLiteral("1 4"));
     workspace->CommitTrans();
-    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT * FROM a01")),
-              QStringList{QStringLiteral("1|Иванов|NULL|NULL")});
+    EXPECT_EQ(Disk(), QStringLiteral("1 4 5"));
+
+    // A statement that has failed holds no lock.
+    Check("INSERT INTO a01 (a01clid) VALUES (NULL) -> #3314");
+    const auto other = workspace->OpenDatabase(path);
+    other->Execute(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (6)"), engine::dbFailOnError);
+    other->Close();
+    Insert(7);
+    database->Close();
+    EXPECT_EQ(Disk(), QStringLiteral("1 4 5 6 7"));
 }
 
-TEST_F(Transaction, LevelsNest) {
-    MakeCards();
-    const auto insert = [&](int id) { Run(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (%1)").arg(id)); };
-    const auto ids = [&] {
-        return Ask(QStringLiteral("SELECT a01clid FROM a01 ORDER BY a01clid")).join(u' ');
+// No group lives longer, whatever kind of work follows it.
+TEST_F(Transaction, AnOldGroupIsCommittedOnEveryRoad) {
+    Insert(1);
+    auto set = database->OpenRecordset(QStringLiteral("SELECT * FROM a01"));
+    const std::pair<const char*, std::function<void()>> roads[] = {
+        {"query", [&] { Check("SELECT * FROM a02 ->"); }},
+        {"move", [&] { set.MoveFirst(); }},
+        {"find", [&] { set.FindFirst(QStringLiteral("a01clid = 1")); }},
+        {"tables", [&] { database->TableNames(); }},
+        {"refused action", [&] { Check("DELETE FROM nowhere -> #3078"); }},
+        {"action", [&] { Check("DELETE FROM a02 -> 0"); }},
     };
-    EXPECT_EQ(test::FailureOf([&] { workspace->CommitTrans(); }), 3034);
-    EXPECT_EQ(test::FailureOf([&] { workspace->Rollback(); }), 3034);
-    workspace->BeginTrans(); // 1
-    insert(1);
-    workspace->BeginTrans(); // 2
-    workspace->BeginTrans(); // 3: the first statement inside opens both levels
-    insert(2);
-    workspace->Rollback();
-    EXPECT_EQ(ids(), QStringLiteral("1"));
-    insert(3);
-    workspace->CommitTrans();
-    workspace->BeginTrans();
-    insert(4);
-    workspace->Rollback();
-    EXPECT_EQ(ids(), QStringLiteral("1 3"));
-    workspace->CommitTrans();
-    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT a01clid FROM a01")).join(u' '),
-              QStringLiteral("1 3"));
+    int id = 1;
+    for (const auto& [name, work] : roads) {
+        DBEngine::Commit();
+        Insert(++id);
+        work();
+        EXPECT_FALSE(Disk().endsWith(QString::number(id))) << name;
+        engine::GroupClock::Advance(std::chrono::milliseconds(50));
+        work();
+        EXPECT_TRUE(Disk().endsWith(QString::number(id))) << name;
+    }
+}
 
-    for (int level = 0; level < 5; ++level)
+// Whatever was lost on a disk that is full is told to whoever passes over failures.
+TEST_F(Transaction, ALostGroupIsToldUntilItIsTakenNoteOf) {
+    Insert(1);
+    DBEngine::Commit();
+    Run(QStringLiteral("CREATE TABLE extra (x TEXT(5))"));
+    int failures = 0;
+    {
+        const test::SmallDisk noRoom(QFile(path).size());
+        for (int id = 2; id < 500; ++id) {
+            if (id == 300)
+                engine::GroupClock::Advance(std::chrono::milliseconds(50)); // the group is due
+            failures += Insert(id, QString(50, u'я')) != 0;
+        }
+    }
+    // There is room again, but the rows before the failure are gone: nothing may go on as if they were there.
+    EXPECT_EQ(failures, 200);
+    EXPECT_NE(Insert(6000), 0);
+    EXPECT_EQ(FailureOfRun(QStringLiteral("INSERT INTO extra (x) VALUES ('x')")), Insert(6000));
+    EXPECT_NE(FailureOf([] { DBEngine::Commit(); }), 0);
+    EXPECT_EQ(FailureOf([] { DBEngine::Commit(); }), 0);
+    EXPECT_EQ(Insert(6000), 0);
+    DBEngine::Commit();
+    EXPECT_EQ(Disk(), QStringLiteral("1 6000"));
+    {
+        const test::SmallDisk noRoom(QFile(path).size());
         workspace->BeginTrans();
-    EXPECT_EQ(test::FailureOf([&] { workspace->BeginTrans(); }), 3003);
-    insert(5);
-    for (int level = 0; level < 5; ++level)
+        for (int id = 2; id < 200; ++id)
+            Insert(id, QString(50, u'я'));
+        EXPECT_EQ(FailureOf([&] { workspace->CommitTrans(); }), 3043);
         workspace->Rollback();
-    EXPECT_EQ(ids(), QStringLiteral("1 3"));
+        EXPECT_EQ(FailureOf([&] { workspace->Rollback(); }), 3034);
+    }
+    EXPECT_EQ(Ids(), QStringLiteral("1 6000"));
+    EXPECT_EQ(Insert(2), 0);
+    DBEngine::Commit();
+    EXPECT_EQ(Disk(), QStringLiteral("1 2 6000"));
+    EXPECT_EQ(test::Integrity(path), QStringLiteral("ok"));
 }
 
 // SQLite takes the whole transaction back where the journal cannot be written: what follows would stand
 // alone.
 TEST_F(Transaction, ALossInTheMiddleIsToldUntilItIsTakenBack) {
-    MakeCards();
     database->Close();
     int disk = SQLITE_OK;
     const test::FaultyFiles faulty([&disk](test::FaultyFiles::Call) { return disk; });
     database = workspace->OpenDatabase(path);
-    const auto insert = [&] { return FailureOfRun(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)")); };
     workspace->BeginTrans();
-    EXPECT_EQ(insert(), 0);
+    EXPECT_EQ(Insert(1), 0);
     disk = SQLITE_IOERR_WRITE;
-    EXPECT_EQ(
-        FailureOfRun(QStringLiteral("INSERT INTO a02 (a02clid, a02code, a02cval) SELECT 1, 1, 'x' FROM a01")),
-        3043);
+    Check("INSERT INTO a02 (a02clid, a02code, a02cval) SELECT 1, 1, 'x' FROM a01 -> #3043");
     disk = SQLITE_OK;
-    EXPECT_EQ(insert(), 3043);
-    EXPECT_EQ(test::FailureOf([&] { workspace->CommitTrans(); }), 3043);
+    EXPECT_EQ(Insert(1), 3043);
+    EXPECT_EQ(FailureOf([&] { workspace->CommitTrans(); }), 3043);
     workspace->Rollback();
-    EXPECT_TRUE(Ask(QStringLiteral("SELECT * FROM a01")).isEmpty());
-    EXPECT_EQ(insert(), 0);
+    EXPECT_EQ(Ids(), QString());
+    EXPECT_EQ(Insert(1), 0);
     database->Close();
 }
 
-TEST_F(Transaction, BindsAllDatabasesOfTheWorkspace) {
-    MakeCards();
-    const QString otherPath = folder.Path(QStringLiteral("other.mdb"));
+TEST_F(Transaction, DefinitionsTakePart) {
+    Insert(1);
     workspace->BeginTrans();
-    const auto other = workspace->CreateDatabase(otherPath, {});
+    Check(R"(
+        CREATE TABLE t03 (t03rcid COUNTER NOT NULL PRIMARY KEY, t03cval TEXT(50) NOT NULL)
+        INSERT INTO t03 (t03cval) VALUES ('x')
+        ALTER TABLE a01 ADD COLUMN a01bith TEXT(20)
+        UPDATE a01 SET a01bith = '05.12.2006'
+        DROP TABLE a02
+        SELECT * FROM a01 -> 1|Иванов|NULL|05.12.2006
+    )");
+    AllowEmpty(QStringLiteral("a01"), {QStringLiteral("a01last")});
+    workspace->Rollback();
+    Check(R"(
+        SELECT * FROM a01 -> 1|Иванов|NULL
+        INSERT INTO t03 (t03cval) VALUES ('x') -> #3192
+        UPDATE a01 SET a01last = '' -> #3315
+    )");
+    EXPECT_EQ(database->TableNames(), (QStringList{QStringLiteral("a01"), QStringLiteral("a02")}));
+    workspace->BeginTrans();
+    Run(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith TEXT(20)"));
+    workspace->CommitTrans();
+    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT * FROM a01")),
+              QStringList{QStringLiteral("1|Иванов|NULL|NULL")});
+
+    // All databases of the workspace are bound, also those that come to be within.
+    workspace->BeginTrans();
+    const auto other = workspace->CreateDatabase(folder.Path(QStringLiteral("other.mdb")), {});
     other->Execute(QStringLiteral("CREATE TABLE t (x TEXT(5))"), engine::dbFailOnError);
-    Run(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)"));
+    Insert(2);
     workspace->Rollback();
     EXPECT_TRUE(other->TableNames().isEmpty());
-    EXPECT_TRUE(Ask(QStringLiteral("SELECT * FROM a01")).isEmpty());
+    EXPECT_EQ(Ids(), QStringLiteral("1"));
+}
+
+TEST_F(Transaction, LevelsNest) {
+    EXPECT_EQ(FailureOf([&] { workspace->CommitTrans(); }), 3034);
+    EXPECT_EQ(FailureOf([&] { workspace->Rollback(); }), 3034);
+    workspace->BeginTrans(); // 1
+    Insert(1);
+    workspace->BeginTrans(); // 2
+    workspace->BeginTrans(); // 3: the first statement inside opens both levels
+    Insert(2);
+    workspace->Rollback();
+    EXPECT_EQ(Ids(), QStringLiteral("1"));
+    Insert(3);
+    workspace->CommitTrans();
+    workspace->BeginTrans();
+    Insert(4);
+    workspace->Rollback();
+    workspace->CommitTrans();
+    EXPECT_EQ(Disk(), QStringLiteral("1 3"));
+
+    for (int level = 0; level < 5; ++level)
+        workspace->BeginTrans();
+    EXPECT_EQ(FailureOf([&] { workspace->BeginTrans(); }), 3003);
+    Insert(5);
+    for (int level = 0; level < 5; ++level)
+        workspace->Rollback();
+    EXPECT_EQ(Ids(), QStringLiteral("1 3"));
 }
 
 TEST_F(Transaction, ClosingTheWorkspaceTakesBackWhatIsPending) {
-    MakeCards();
     workspace->BeginTrans();
-    Run(QStringLiteral("INSERT INTO a01 (a01clid) VALUES (1)"));
+    Insert(1);
     auto set = database->OpenRecordset(QStringLiteral("SELECT * FROM a01"));
     workspace->Close();
     EXPECT_FALSE(database->IsOpen());
-    EXPECT_TRUE(test::ReadRows(path, QStringLiteral("SELECT * FROM a01")).isEmpty());
+    EXPECT_EQ(Disk(), QString());
     // Whatever is used after its end says so.
-    EXPECT_EQ(test::FailureOf([&] { set.MoveFirst(); }), 3420);
-    EXPECT_EQ(test::FailureOf([&] { set.Close(); }), 3420);
-    EXPECT_EQ(test::FailureOf([&] { database->Close(); }), 3420);
-    EXPECT_EQ(test::FailureOf([&] { database->OpenRecordset(QStringLiteral("SELECT 1")); }), 3420);
-    EXPECT_EQ(test::FailureOf([&] { workspace->Close(); }), 3420);
-    EXPECT_EQ(test::FailureOf([&] { workspace->OpenDatabase(path); }), 3420);
+    const std::function<void()> uses[] = {
+        [&] { set.MoveFirst(); },    [&] { set.Close(); },
+        [&] { database->Close(); },  [&] { database->OpenRecordset(QStringLiteral("SELECT 1")); },
+        [&] { workspace->Close(); }, [&] { workspace->OpenDatabase(path); },
+    };
+    for (const auto& use : uses)
+        EXPECT_EQ(FailureOf(use), 3420) << &use - uses;
 
-    const auto standard = engine::DBEngine::Workspaces(0);
+    const auto standard = DBEngine::Workspaces(0);
     auto again = standard->OpenDatabase(path);
     standard->Close();
     EXPECT_FALSE(again->IsOpen());
     again = standard->OpenDatabase(path);
     again->Close();
-    EXPECT_EQ(test::FailureOf([&] { engine::DBEngine::Workspaces(1); }), 3265);
+    EXPECT_EQ(FailureOf([] { DBEngine::Workspaces(1); }), 3265);
+}
+
+TEST_F(Transaction, ATableThatAnotherMakesIsFoundAtOnce) {
+    const auto other = workspace->OpenDatabase(path);
+    Check("SELECT * FROM a01 ->");
+    other->Execute(QStringLiteral("CREATE TABLE extra (x TEXT(5))"), engine::dbFailOnError);
+    other->Execute(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith TEXT(20)"), engine::dbFailOnError);
+    DBEngine::Commit();
+    Check(R"(
+        SELECT * FROM extra ->
+        INSERT INTO a01 (a01clid, a01bith) VALUES (1, '05.12.2006') -> 1
+        SELECT * FROM a01 -> 1|NULL|NULL|05.12.2006
+    )");
+}
+
+// Somebody who reads for long does not stop a run; the group is made durable when the reader has gone.
+TEST_F(Transaction, AReaderDelaysTheCommitAndNothingElse) {
+    sqlite3* reader = nullptr;
+    sqlite3_open(path.toUtf8().constData(), &reader);
+    sqlite3_exec(reader, "BEGIN; SELECT * FROM a01", nullptr, nullptr, nullptr);
+    QString cards;
+    for (int card = 1; card <= 20; ++card) {
+        EXPECT_EQ(Insert(card), 0);
+        engine::GroupClock::Advance(std::chrono::milliseconds(50)); // the group is due
+        cards += QStringLiteral("%1 ").arg(card);
+    }
+    sqlite3_exec(reader, "COMMIT", nullptr, nullptr, nullptr);
+    sqlite3_close(reader);
+    EXPECT_EQ(FailureOf([] { DBEngine::Commit(); }), 0);
+    EXPECT_EQ(Disk(), cards.trimmed());
 }

@@ -56,8 +56,10 @@ int main(int count, char** arguments) {
     for (const int signal : {SIGABRT, SIGSEGV, SIGFPE, SIGILL})
         std::signal(signal, Tell);
     std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(arguments[1]))
-        files.push_back(entry.path());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(arguments[1])) {
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+    }
     std::ranges::sort(files);
     std::mt19937 random(20061205); // NOLINT: the same inputs in every run
     for (const auto& path : files) {

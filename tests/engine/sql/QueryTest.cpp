@@ -255,7 +255,8 @@ TEST_F(Query, FindFirst) {
             set.MoveNext();
             const int failure = test::FailureOf([&] { set.FindFirst(one); }, expected.section(u' ', 1));
             const QString found = set.NoMatch() ? QStringLiteral("none") : set.Fields(0).Text();
-            EXPECT_EQ(failure != 0 ? QStringLiteral("#%1").arg(failure) : found, expected.section(u' ', 0, 0));
+            EXPECT_EQ(failure != 0 ? QStringLiteral("#%1").arg(failure) : found,
+                      expected.section(u' ', 0, 0));
             if (failure != 0 || set.NoMatch()) {
                 EXPECT_EQ(set.Fields(0).Text(), QStringLiteral("2"));
             }

@@ -23,71 +23,64 @@ protected:
         return Path(name);
     }
 
-    QString MakePipe(const QString& name) const { return test::MakePipe(Path(name)); }
-
 private:
     QTemporaryDir m_folder;
 };
 
 } // namespace
 
-TEST_F(Files, OnlyPlainFilesAreFound) {
+// What each path is for finding, for reading, for writing anew and for deleting.
+TEST_F(Files, EveryUseNamesWhatIsWrong) {
+    using namespace runtime;
+    constexpr int notAsked = -1;
     QDir().mkdir(Path(QStringLiteral("folder.mdb")));
     const QString plain = Make(QStringLiteral("plain.mdb"));
-    const bool links = test::LinkByName(plain, Path(QStringLiteral("link.mdb")));
-    test::LinkByName(Path(QStringLiteral("gone")), Path(QStringLiteral("dangling.mdb")));
+    const QString odd = Make(test::OddName());
+    const QString link = Path(QStringLiteral("link.mdb"));
+    const QString dangling = Path(QStringLiteral("dangling.mdb"));
+    const bool links =
+        test::LinkByName(plain, link) && test::LinkByName(Path(QStringLiteral("gone")), dangling);
+    const QString locked = Make(QStringLiteral("locked"), "a");
+    const test::Unreadable nobody(locked);
     const struct {
         QString path;
         bool found;
+        int input;
+        int output;
+        int kill;
     } rows[] = {
-        {plain, true},
-        {Path(QStringLiteral("link.mdb")), links},
-        {Make(test::OddName()), true},
-        {Path(QStringLiteral("dangling.mdb")), false},
-        {Path(QStringLiteral("folder.mdb")), false},
-        {Make(QStringLiteral(".hidden.mdb")), false},
-        {MakePipe(QStringLiteral("pipe.mdb")), false},
-        {test::DevicePath(), false},
-        {Path(QStringLiteral("missing")), false},
-        {plain + u'/', false},
-        {Path(QStringLiteral("pl*.mdb")), false},
-        {QString(), false},
-        {plain + QChar(0) + u'x', false},
-        {test::TooLongPath(), false},
-        {plain + QChar(0xD83D), false},
+        {odd, true, 0, FileAlreadyExists, 0},
+        {odd, false, notAsked, notAsked, FileNotFound},
+        {link, links, notAsked, notAsked, links ? PathFileAccess : FileNotFound},
+        {dangling, false, notAsked, links ? PathFileAccess : 0, notAsked},
+        {Path(QStringLiteral("folder.mdb")), false, PathFileAccess, PathFileAccess, PathFileAccess},
+        {Make(QStringLiteral(".hidden.mdb")), false, notAsked, notAsked, notAsked},
+        {test::MakePipe(Path(QStringLiteral("pipe.mdb"))), false, PathFileAccess, PathFileAccess,
+         PathFileAccess},
+        {locked, true, PathFileAccess, notAsked, notAsked},
+        {test::DevicePath(), false, PathFileAccess, PathFileAccess, notAsked},
+        {Path(QStringLiteral("missing")), false, FileNotFound, notAsked, FileNotFound},
+        {Path(QStringLiteral("no/such")), false, notAsked, PathNotFound, FileNotFound},
+        {plain + QStringLiteral("/x.csv"), false, notAsked, PathNotFound, notAsked},
+        {plain + u'/', false, notAsked, notAsked, notAsked},
+        {Path(QStringLiteral("pl*.mdb")), false, notAsked, notAsked, FileNotFound},
+        {QString(), false, BadFileName, BadFileName, BadFileName},
+        {test::TooLongPath(), false, BadFileName, BadFileName, BadFileName},
+        {plain + QChar(0) + u'x', false, notAsked, notAsked, BadFileName},
+        {plain + QChar(0xD83D), false, notAsked, notAsked, notAsked},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(runtime::IsPlainFile(row.path), row.found) << row.path.toStdString();
-}
-
-TEST_F(Files, KillDeletesFilesAndNothingElse) {
-    const QString folder = Path(QStringLiteral("folder"));
-    QDir().mkdir(folder);
-    const QString odd = Make(test::OddName());
-    const QString kept = Make(QStringLiteral("kept"));
-    const QString link = Path(QStringLiteral("link"));
-    const bool links = test::LinkByName(kept, link);
-    const struct {
-        QString path;
-        int failure;
-    } rows[] = {
-        {odd, 0},
-        {odd, runtime::FileNotFound},
-        {link, links ? runtime::PathFileAccess : runtime::FileNotFound},
-        {folder, runtime::PathFileAccess},
-        {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
-        {Path(QStringLiteral("no/such")), runtime::FileNotFound},
-        {Path(QStringLiteral("*")), runtime::FileNotFound},
-        {test::TooLongPath(), runtime::BadFileName},
-        {QString(), runtime::BadFileName},
-        {kept + QChar(0), runtime::BadFileName},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(test::FailureOf([&] { runtime::Kill(row.path); }), row.failure) << row.path.toStdString();
-    EXPECT_TRUE(QFile::exists(kept));
-    EXPECT_TRUE(QFile::exists(folder));
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.path.toStdString());
+        const auto ask = [](int expected, const auto& use) {
+            EXPECT_EQ(expected == notAsked ? expected : test::FailureOf(use), expected);
+        };
+        EXPECT_EQ(IsPlainFile(row.path), row.found);
+        ask(row.input, [&row] { InputFile file(row.path); });
+        ask(row.output, [&row] { OutputFile file(row.path); });
+        ask(row.kill, [&row] { Kill(row.path); });
+    }
+    EXPECT_TRUE(QFile::exists(plain) && QFile::exists(Path(QStringLiteral("folder.mdb"))));
     EXPECT_FALSE(QFile::exists(odd));
-    EXPECT_EQ(QFile::exists(link), links);
 }
 
 TEST_F(Files, AnOpenDatabaseIsNotDeletedUnderAnyName) {
@@ -117,28 +110,6 @@ TEST_F(Files, OutputIsWrittenInTheCodePageWithBothLineEnds) {
     file.Close();
     file.Close();
     EXPECT_EQ(test::ReadBytes(path), QByteArrayLiteral("\xC8\xEC\xFF;\xB9\r\n?\nx\r\n"));
-}
-
-TEST_F(Files, OutputNamesWhatIsWrong) {
-    QDir().mkdir(Path(QStringLiteral("folder")));
-    const QString link = Path(QStringLiteral("link"));
-    const bool links = test::LinkByName(Path(QStringLiteral("nowhere")), link);
-    const struct {
-        QString path;
-        int failure;
-    } rows[] = {
-        {Path(QStringLiteral("folder")), runtime::PathFileAccess},
-        {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
-        {test::DevicePath(), runtime::PathFileAccess},
-        {Make(QStringLiteral("somebody's")), runtime::FileAlreadyExists},
-        {link, links ? runtime::PathFileAccess : 0},
-        {Path(QStringLiteral("no/such.csv")), runtime::PathNotFound},
-        {Make(QStringLiteral("file")) + QStringLiteral("/x.csv"), runtime::PathNotFound},
-        {test::TooLongPath(), runtime::BadFileName},
-        {QString(), runtime::BadFileName},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(test::FailureOf([&] { OutputFile file(row.path); }), row.failure) << row.path.toStdString();
 }
 
 TEST_F(Files, AFullDiskIsReportedAtTheLatestOnClosing) {
@@ -187,26 +158,6 @@ TEST_F(Files, InputSplitsLinesAtCarriageReturns) {
         EXPECT_EQ(lines, row.lines) << row.content.left(40).toStdString();
         EXPECT_EQ(test::FailureOf([&] { file.LineInput(); }), runtime::InputPastEnd);
     }
-}
-
-TEST_F(Files, InputNamesWhatIsWrong) {
-    QDir().mkdir(Path(QStringLiteral("folder")));
-    const QString locked = Make(QStringLiteral("locked"), "a");
-    const test::Unreadable nobody(locked);
-    const struct {
-        QString path;
-        int failure;
-    } rows[] = {
-        {Path(QStringLiteral("missing")), runtime::FileNotFound},
-        {Path(QStringLiteral("folder")), runtime::PathFileAccess},
-        {MakePipe(QStringLiteral("pipe")), runtime::PathFileAccess},
-        {locked, runtime::PathFileAccess},
-        {test::DevicePath(), runtime::PathFileAccess},
-        {test::TooLongPath(), runtime::BadFileName},
-        {QString(), runtime::BadFileName},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(test::FailureOf([&] { InputFile file(row.path); }), row.failure) << row.path.toStdString();
 }
 
 TEST_F(Files, ALineLargerThanTheMemoryIsRefused) {

@@ -6,43 +6,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 using engine::Value;
 using engine::jet4::Reader;
 using engine::jet4::Table;
 
 namespace {
-
-/// All rows of a table, in ascending order of its first column.
-std::vector<std::vector<Value>> SortedRows(const Reader& reader, const Table& table) {
-    std::vector<std::vector<Value>> rows;
-    reader.ForEachRow(table, [&](const std::vector<Value>& values) { rows.push_back(values); });
-    std::stable_sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
-        const auto* first = a.front().template As<std::int64_t>();
-        const auto* second = b.front().template As<std::int64_t>();
-        return first && second && *first < *second;
-    });
-    return rows;
-}
-
-void ExpectRows(const Reader& reader, const Table& table, const QJsonObject& expected) {
-    const QJsonArray columns = expected[QLatin1String("columns")].toArray();
-    ASSERT_EQ(columns.size(), static_cast<qsizetype>(table.columns.size()));
-    QJsonArray rows;
-    for (const auto& row : SortedRows(reader, table)) {
-        QJsonArray values;
-        for (const auto& column : columns) {
-            const int place = table.Find(column.toString());
-            ASSERT_GE(place, 0) << column.toString().toStdString();
-            values.append(test::JsonOf(row[static_cast<std::size_t>(place)],
-                                       table.columns[static_cast<std::size_t>(place)].type));
-        }
-        rows.append(values);
-    }
-    EXPECT_EQ(QJsonDocument(rows).toJson().toStdString(),
-              QJsonDocument(expected[QLatin1String("rows")].toArray()).toJson().toStdString());
-}
 
 void ReadAll(const Reader& reader) {
     for (const Table& table : reader.Tables()) {
@@ -53,63 +21,6 @@ void ReadAll(const Reader& reader) {
 }
 
 } // namespace
-
-TEST(OldFormatReader, ReadsEveryRowOfTheSoundFiles) {
-    const QJsonObject expected = test::ExpectedRows();
-    const struct {
-        const char* file;
-        const char* rows; ///< the file that lists its rows
-    } files[] = {
-        {"v3-small.mdb", "v3-small.mdb"},
-        {"v1-old.mdb", "v1-old.mdb"},
-        {"v2-old.mdb", "v2-old.mdb"},
-        {"v3-upgraded.mdb", "v3-upgraded.mdb"},
-        {"foreign.mdb", "foreign.mdb"},
-        {"v1-encoded.mdb", "v1-old.mdb"},
-        // The spoilt block belongs to properties, which tell nothing of the rows.
-        {"broken-property-loop.mdb", "v1-old.mdb"},
-    };
-    for (const auto& file : files) {
-        SCOPED_TRACE(file.file);
-        const QString path = test::OldFile(QString::fromUtf8(file.file));
-        EXPECT_TRUE(Reader::IsOldFormat(path));
-        const Reader reader(path);
-        const QJsonObject tables = expected[QString::fromUtf8(file.rows)].toObject();
-        EXPECT_EQ(reader.Tables().size(), static_cast<std::size_t>(tables.size()));
-        for (auto it = tables.begin(); it != tables.end(); ++it) {
-            SCOPED_TRACE(it.key().toStdString());
-            const Table* table = reader.Find(it.key());
-            ASSERT_NE(table, nullptr);
-            if (it.value().isObject())
-                ExpectRows(reader, *table, it.value().toObject());
-            else
-                EXPECT_EQ(table->rowCount, it.key() == u"t02" ? 79U : 1913U);
-        }
-    }
-}
-
-TEST(OldFormatReader, KnowsTheColumns) {
-    using enum engine::DataType;
-    const Reader reader(test::OldFile(QStringLiteral("v3-small.mdb")));
-    const struct {
-        const char* table;
-        const char* column;
-        engine::DataType type;
-        int size;
-    } rows[] = {
-        {"a01", "a01clid", Long, 0},  {"a01", "a01memo", Text, 100}, {"A02", "A02RCID", Counter, 0},
-        {"a02", "a02code", Short, 0}, {"t01", "t01type", Byte, 0},   {"a03", "a03evdt", Text, 20},
-    };
-    for (const auto& row : rows) {
-        const Table* table = reader.Find(QString::fromUtf8(row.table));
-        ASSERT_NE(table, nullptr) << row.table;
-        const int place = table->Find(QString::fromUtf8(row.column));
-        ASSERT_GE(place, 0) << row.column;
-        EXPECT_EQ(table->columns[static_cast<std::size_t>(place)].type, row.type) << row.column;
-        EXPECT_EQ(table->columns[static_cast<std::size_t>(place)].size, row.size) << row.column;
-    }
-    EXPECT_TRUE(reader.OtherObjects().isEmpty());
-}
 
 TEST(OldFormatReader, NamesWhatItRefuses) {
     const struct {

@@ -66,7 +66,7 @@ TEST_F(Definition, ChangesKeepRowsRulesAndCounters) {
         INSERT INTO x1 (a, must) VALUES (2, 1) -> #3314 Поле 'x1.d'
         INSERT INTO x1 (a, b, z, d, must) VALUES (1, 'Q', '', '1234567', 1) -> #3022
         INSERT INTO x1 (a, b, z, d, must) VALUES (1, 'r', '', '1234567', 1) -> 1
-        SELECT a, b, z, d, e, must FROM x1 WHERE id > 3 -> 1|r||1234567|NULL|1
+        SELECT a, b, z, d, e, must FROM x1 WHERE id > 4 -> 1|r||1234567|NULL|1
         ALTER TABLE x1 DROP COLUMN must
         ALTER TABLE x1 ALTER COLUMN d TEXT(10)
     )");

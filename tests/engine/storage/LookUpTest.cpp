@@ -56,25 +56,16 @@ protected:
 
 TEST_F(LookUps, ServeEqualityAlone) {
     EXPECT_EQ(Kept(), both);
-    for (const auto& [statements, index] : test::Lines(R"(
-        SELECT * FROM a01 WHERE a01frst LIKE 'пётр' AND a01last = 'ИВАНОВ' -> a01..a01last
-        SELECT * FROM a01 WHERE a01last = 'Иванов' AND a01clid > 3 ORDER BY a01frst -> a01..a01last
-        SELECT * FROM a02 WHERE a02clid = 7 ; DELETE FROM a02 WHERE a02clid = 7 AND a02code = 1 -> a02..a02clid
-        UPDATE a02 SET a02cval = 'x' WHERE a02clid = 7 AND a02code = 1 -> a02..a02clid
-        SELECT * FROM a01 WHERE a01last = 'Иванов' OR a01frst = 'Пётр' ; SELECT * FROM a01 WHERE a01last LIKE 'Ив*' -> none
-        SELECT * FROM a01 WHERE a01frst = 'Пётр' ; SELECT a02clid FROM a02 ; SELECT DISTINCT a02code FROM a02 -> none
-        SELECT a02clid FROM a02 WHERE a02clid > 3 ; SELECT a01last, a01frst FROM a01 WHERE a01last IS NOT NULL -> none
-        SELECT a02code, count(*) FROM a02 WHERE a02clid = 7 GROUP BY a02code ; SELECT TOP 1 a02code FROM a02 WHERE a02clid = 7 -> none
-        SELECT a02code FROM a02 WHERE a02clid = 7 UNION ALL SELECT a02code FROM a02 -> none
+    for (const auto& [statement, index] : test::Lines(R"(
+        SELECT * FROM a01 WHERE a01frst LIKE 'пётр' AND a01last = 'ИВАНОВ' ORDER BY a01frst -> a01..a01last
+        DELETE FROM a02 WHERE a02clid = 7 AND a02code = 1 -> a02code=?
+        SELECT DISTINCT a02code FROM a02 -> none
         SELECT * FROM a01, a02 WHERE a01clid = a02clid AND a02clid = 7 AND a02code = 1 -> none
-        SELECT * FROM a01 WHERE a01clid = (SELECT max(a02code) FROM a02 WHERE a02clid = 7) -> none
     )"))
-        for (const QString& statement : statements.split(QStringLiteral(" ; "))) {
-            const QString way = WayOf(statement);
-            EXPECT_TRUE(index == u"none" ? !way.contains(QStringLiteral("..")) : way.contains(index))
-                << statement.toStdString() << '\n'
-                << way.toStdString();
-        }
+        EXPECT_EQ(WayOf(statement).contains(index == u"none" ? QStringLiteral("..") : index),
+                  index != u"none")
+            << statement.toStdString() << '\n'
+            << WayOf(statement).toStdString();
 }
 
 // The order of rows does not tell that there is an index.

@@ -171,7 +171,7 @@ std::shared_ptr<Workspace> DBEngine::CreateWorkspace(const QString&, const QStri
 }
 
 void DBEngine::SetLookUps(std::vector<LookUp> lookUps) {
-    engine::SetLookUps(std::move(lookUps));
+    LookUps() = std::move(lookUps);
 }
 
 void DBEngine::Commit() {

@@ -37,7 +37,6 @@ void ResultSet::Close() noexcept {
     std::exchange(m_connection, nullptr)->Unregister(this);
     m_finder.reset();
     m_rows = {};
-    m_readAgain.clear();
     m_bound = {};
 }
 
@@ -46,14 +45,8 @@ void ResultSet::MoveTo(std::int64_t row) {
         RaiseEngine(NoCurrentRecord);
     m_current = row;
     m_reached = std::max(m_reached, std::min(row + 1, Count()));
-    if (row == Count() || !HasChanged())
-        return;
-    const auto place = static_cast<std::size_t>(row);
-    const std::uint64_t changes = ChangeCount();
-    if (const auto known = m_readAgain.find(place); known != m_readAgain.end() && known->second == changes)
-        return;
-    ReadAgain(place);
-    m_readAgain[place] = changes;
+    if (row < Count() && HasChanged())
+        ReadAgain(static_cast<std::size_t>(row));
 }
 
 bool ResultSet::MoveToFirst(const QString& criteria) {
@@ -61,7 +54,6 @@ bool ResultSet::MoveToFirst(const QString& criteria) {
         const std::uint64_t changes = ChangeCount();
         for (std::size_t row = 0; row < m_rows.Rows(); ++row)
             ReadAgain(row);
-        m_readAgain.clear();
         m_changes = changes;
     }
     const auto row = m_connection->Commits().Account([&] { return m_finder->First(criteria); });

@@ -4,8 +4,6 @@
 #include "platform/engine/run/Finder.h"
 #include "platform/engine/run/Runner.h"
 
-#include <unordered_map>
-
 namespace engine {
 
 /// What stands behind a Recordset: its rows, the current one, and the way to read a changed row again.
@@ -53,8 +51,7 @@ private:
     std::optional<Finder> m_finder;
     std::int64_t m_current = 0;
     std::int64_t m_reached = 0;
-    std::uint64_t m_changes;                                    ///< at which all rows were true
-    std::unordered_map<std::size_t, std::uint64_t> m_readAgain; ///< rows read since, and when
+    std::uint64_t m_changes; ///< at which all rows were true
 };
 
 } // namespace engine

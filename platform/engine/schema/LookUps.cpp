@@ -8,11 +8,6 @@ namespace engine {
 
 namespace {
 
-std::vector<LookUp>& AllLookUps() {
-    static std::vector<LookUp> lookUps;
-    return lookUps;
-}
-
 /// Two points: no index of the dialect bears such a name.
 QString NamePrefix(QStringView table) {
     return table.toString() + QLatin1String("..");
@@ -38,16 +33,13 @@ QString LookUp::CreateText(const TableInfo& of) const {
         .arg(QuoteName(IndexName(of)), QuoteName(of.name), QuoteNames(names), QuoteName(names.front()));
 }
 
-void SetLookUps(std::vector<LookUp> lookUps) {
-    AllLookUps() = std::move(lookUps);
-}
-
-const std::vector<LookUp>& LookUps() {
-    return AllLookUps();
+std::vector<LookUp>& LookUps() {
+    static std::vector<LookUp> lookUps;
+    return lookUps;
 }
 
 bool BeginsLookUp(const TableInfo& table, const ColumnInfo& column) {
-    return std::ranges::any_of(AllLookUps(), [&](const LookUp& lookUp) {
+    return std::ranges::any_of(LookUps(), [&](const LookUp& lookUp) {
         return SameName(lookUp.table, table.name) && SameName(lookUp.columns.front(), column.name);
     });
 }

@@ -20,9 +20,8 @@ struct LookUp {
     QString CreateText(const TableInfo& of) const;
 };
 
-/// What every file is given from now on.
-void SetLookUps(std::vector<LookUp> lookUps);
-const std::vector<LookUp>& LookUps();
+/// What every file is given.
+std::vector<LookUp>& LookUps();
 
 /// Whether the column is the first of a look-up.
 bool BeginsLookUp(const TableInfo& table, const ColumnInfo& column);

@@ -15,7 +15,7 @@ class Retries {
 public:
     static constexpr int AtMost = 50;
     /// Between two tries, so that whatever stands in the way has time to go.
-    static constexpr unsigned long PauseMs = 20;
+    static inline unsigned long pauseMs = 20; ///< tests shorten it
 
     /// `onFailure` runs at every failure, before it is decided whether to try again.
     explicit Retries(std::function<void()> onFailure)
@@ -32,7 +32,7 @@ public:
                     throw;
                 ++m_spent;
             }
-            QThread::msleep(PauseMs);
+            QThread::msleep(pauseMs);
         }
     }
 

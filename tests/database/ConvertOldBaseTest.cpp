@@ -1,12 +1,9 @@
 #include "database/ConvertOldBase.h"
 
-#include "database/SeedData.h"
 #include "database/frmInstall.h"
 #include "platform/engine/EngineError.h"
-#include "platform/runtime/Process.h"
 #include "tests/database/BoundBase.h"
 #include "tests/engine/jet4/OldFiles.h"
-#include "tests/support/Keys.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -16,21 +13,8 @@
 #include <functional>
 
 using forms::Icon;
-using test::ErrorStart;
 
 namespace {
-
-QString Question(const QString& path, const QString& name) {
-    return QStringLiteral("Файл ") + path +
-           QStringLiteral(" создан прежней версией программы. Преобразовать его в новый формат? Прежний файл "
-                          "сохранится рядом под именем ") +
-           name + u'.';
-}
-
-QString Success(const QString& path, const QString& name) {
-    return QStringLiteral("Файл ") + path +
-           QStringLiteral(" преобразован в новый формат. Прежний файл сохранён под именем ") + name + u'.';
-}
 
 class OldBase : public test::Unbound {
 protected:
@@ -43,11 +27,23 @@ protected:
 
     QString Kept() const { return Path(QStringLiteral("book.jet4.mdb")); }
 
+    /// The question, and what is told behind a yes.
+    test::Answers& Expect(test::Answers& answers, bool yes) const {
+        answers.Question(QStringLiteral("Файл %1 создан прежней версией программы. Преобразовать его в новый "
+                                        "формат? Прежний файл сохранится рядом под именем book.jet4.mdb.")
+                             .arg(Path()),
+                         yes, true);
+        if (yes)
+            answers.Box(QStringLiteral("Файл %1 преобразован в новый формат. Прежний файл сохранён под "
+                                       "именем book.jet4.mdb.")
+                            .arg(Path()),
+                        Icon::Information);
+        return answers;
+    }
     /// Converts the book; the user agrees.
     void Convert() const {
         test::Answers answers;
-        answers.Question(Question(Path(), QStringLiteral("book.jet4.mdb")), true, true)
-            .Box(Success(Path(), QStringLiteral("book.jet4.mdb")), Icon::Information);
+        Expect(answers, true);
         EXPECT_TRUE(OfferConversion(Path()));
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     }
@@ -214,7 +210,7 @@ TEST_F(OldBase, OnNoNothingChanges) {
     Copy("v1-old.mdb");
     const QByteArray before = test::ReadBytes(Path());
     test::Answers answers;
-    answers.Question(Question(Path(), QStringLiteral("book.jet4.mdb")), false, true);
+    Expect(answers, false);
     EXPECT_FALSE(OfferConversion(Path()));
     EXPECT_EQ(test::ReadBytes(Path()), before);
     EXPECT_EQ(Files(), QStringList{QStringLiteral("book.mdb")});
@@ -249,14 +245,10 @@ TEST_F(OldBase, TheMasterTakesAnOldFile) {
         EXPECT_FALSE(window.isVisible());
     });
     answers.File(damaged)
-        .BoxStarting(
-            ErrorStart(QStringLiteral("frmInstall функция cmdSelect_Click:"), engine::CannotOpenDatabase),
-            Icon::Critical)
-        .File(Path())
-        .Question(Question(Path(), QStringLiteral("book.jet4.mdb")), false, true)
-        .File(Path())
-        .Question(Question(Path(), QStringLiteral("book.jet4.mdb")), true, true)
-        .Box(Success(Path(), QStringLiteral("book.jet4.mdb")), Icon::Information);
+        .Failure(QStringLiteral("frmInstall функция cmdSelect_Click:"), engine::CannotOpenDatabase)
+        .File(Path());
+    Expect(answers, false).File(Path());
+    Expect(answers, true);
     const std::shared_ptr<frmInstall> master = forms::Form::Default<frmInstall>();
     master->Show(true);
     EXPECT_EQ(master->Tag(), QStringLiteral("1"));

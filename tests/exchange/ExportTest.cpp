@@ -111,7 +111,7 @@ TEST_F(ExportTest, Bytes) {
     // A row for each phone that the list shows.
     const auto shown = QStringLiteral("SELECT * FROM a01, a02, t01 WHERE a01clid = a02clid AND t01type = 0 "
                                       "AND t01code = a02code AND a02cval LIKE '*р*'");
-    EXPECT_EQ(Export(OkWith({5}), 2, shown), runtime::To1251(u"Home Phone\r\nпервый\r\nпервый\r\n"));
+    EXPECT_EQ(Export(OkWith({5}), 3, shown), "Home Phone\r\n" + runtime::To1251(u"первый\r\n").repeated(3));
 }
 
 TEST_F(ExportTest, ChosenColumnsAndDelimiter) {

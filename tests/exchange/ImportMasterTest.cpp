@@ -52,8 +52,12 @@ TEST_F(ImportMasterTest, TheFileHasToBeKnown) {
     const QString choose =
         "Сначала необходимо выбрать файл из которого будут импортироваться данные (шаг первый).";
     const QString missing = "Выбранного Вами файла не существует.";
-    const QPair<QString, QString> cases[] = {
-        {"", choose}, {"   ", choose}, {path, missing}, {QFileInfo(bookPath).path(), missing}};
+    const QPair<QString, QString> cases[] = {{"", choose},
+                                             {"   ", choose},
+                                             {path, missing},
+                                             {QFileInfo(bookPath).path(), missing},
+                                             {test::MakePipe(Beside("pipe")), missing},
+                                             {test::DevicePath(), missing}};
     for (const auto& [file, message] : cases) {
         for (const int step : {1, 2}) {
             master.TypeFile(file);
@@ -130,12 +134,21 @@ TEST_F(ImportMasterTest, TheHeader) {
         EXPECT_TRUE(master.Ticked().isEmpty());
         EXPECT_FALSE(master.Import().isEnabled());
     }
-    Write(u"");
-    master.Go(0);
-    test::Answers answers;
-    answers.Failure(TabHead, 62);
-    master.Go(2);
-    EXPECT_TRUE(master.Items().isEmpty());
+    const QString hole = Beside("hole.csv");
+    const QString locked = Beside("locked.csv");
+    for (const QString& file : {path, hole, locked})
+        test::WriteBytes(file, {});
+    QFile::resize(hole, qint64{1} << 40);
+    const test::Unreadable nobody(locked);
+    const QPair<QString, int> failures[] = {{path, 62}, {hole, 7}, {locked, 75}};
+    for (const auto& [file, number] : failures) {
+        master.Go(0);
+        master.TypeFile(file);
+        test::Answers answers;
+        answers.Failure(TabHead, number);
+        master.Go(2);
+        EXPECT_TRUE(master.Items().isEmpty());
+    }
 }
 
 TEST_F(ImportMasterTest, NameAndFirstNameExcludeEachOther) {

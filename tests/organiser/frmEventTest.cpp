@@ -1,5 +1,6 @@
 #include "organiser/frmEvent.h"
 
+#include "database/Schema.h"
 #include "platform/forms/DTPicker.h"
 #include "tests/organiser/OrganiserTest.h"
 
@@ -8,181 +9,170 @@
 #include <QPushButton>
 #include <QRadioButton>
 
+using forms::Icon;
+
 namespace {
+
+const QString Added = QStringLiteral("Событие успешно добавлено.");
+const QString Updated = QStringLiteral("Событие успешно обновлено.");
+const QString SaveHead = QStringLiteral("frmEvent функция cmdSaveEvent_Click:");
+const QString LoadHead = QStringLiteral("frmEvent функция Form_Load:");
 
 class frmEventTest : public OrganiserTest {
 protected:
-    /// Shows the dialog on 14.05.2006 and lets `act` use and end it; boxes come before it or while it is
-    /// used.
-    static void WithDialog(int id, const std::function<void(QWidget&)>& act,
-                           const std::function<void(test::Answers&)>& after = {},
-                           const std::function<void(test::Answers&)>& before = {}) {
-        test::Answers answers;
-        if (before)
-            before(answers);
-        answers.Modal(QStringLiteral("frmEvent"), act);
-        if (after)
-            after(answers);
-        General::ShowEventDialog(QStringLiteral("Событие"), QDate(2006, 5, 14), id);
+    static QLineEdit& Name(const QWidget& dialog) { return ControlOf<QLineEdit>(dialog, "txtEventName"); }
+    static QDateEdit& Date(const QWidget& dialog) { return ControlOf<QDateEdit>(dialog, "dtpEventDate"); }
+    static void Save(const QWidget& dialog) { Click(ControlOf<QPushButton>(dialog, "cmdSaveEvent")); }
+    static void Pick(const QWidget& dialog, const char* period) {
+        Click(ControlOf<QRadioButton>(dialog, period), QPoint(8, 8));
     }
-    static void Leave(QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }
-    static QLineEdit& Name(QWidget& dialog) { return ControlOf<QLineEdit>(dialog, "txtEventName"); }
-    static QDateEdit& Date(QWidget& dialog) { return ControlOf<QDateEdit>(dialog, "dtpEventDate"); }
-    static bool IsOneOff(QWidget& dialog) {
+    /// Date, name and whether it is yearly.
+    static QString Shown(const QWidget& dialog) {
         const bool oneOff = ControlOf<QRadioButton>(dialog, "optEventPeriod_0").isChecked();
         EXPECT_NE(ControlOf<QRadioButton>(dialog, "optEventPeriod_1").isChecked(), oneOff);
-        return oneOff;
-    }
-    QStringList Events() const {
-        return Rows(QStringLiteral("SELECT a03evid, a03evnm, a03evdt, a03evpr FROM a03 ORDER BY a03evid"));
+        return Date(dialog).date().toString(QStringLiteral("dd.MM.yyyy|")) + Name(dialog).text() +
+               (oneOff ? QStringLiteral("|0") : QStringLiteral("|1"));
     }
 };
 
-TEST_F(frmEventTest, ANewEventIsYearlyAndStoredTrimmed) {
-    WithDialog(
-        -1,
-        [](QWidget& dialog) {
-            EXPECT_EQ(Date(dialog).date(), QDate(2006, 5, 14));
-            EXPECT_EQ(Name(dialog).text(), QString());
+} // namespace
+
+TEST_F(frmEventTest, EventsAreAddedAndChanged) {
+    const auto fill = [](const char* name) {
+        return [name](QWidget& dialog) {
+            Fill(Name(dialog), QString::fromUtf8(name));
+            Press(Qt::Key_Return);
+        };
+    };
+    const QString fresh = QStringLiteral("14.05.2006||1");
+    const struct {
+        const char* what;
+        QStringList before; ///< name, date, period
+        int id;
+        QString shown;
+        std::function<void(QWidget&)> act;
+        QString box;      ///< behind that
+        QStringList left; ///< the first event in the file
+        bool loads = true;
+    } rows[] = {
+        {"a new one is yearly and stored trimmed",
+         {},
+         -1,
+         fresh,
+         fill("  Праздник  "),
+         Added,
+         {"Праздник|14.05.2006|1"}},
+        {"a date typed over February is taken by Enter",
+         {},
+         -1,
+         fresh,
+         [](QWidget& dialog) {
+             Fill(Name(dialog), QStringLiteral("Разовое"));
+             Pick(dialog, "optEventPeriod_0");
+             ControlOf<forms::DTPicker>(dialog, "dtpEventDate").SetValue(QDate(2005, 2, 28));
+             Date(dialog).setFocus();
+             Press(Qt::Key_Home);
+             Type(QStringLiteral("31.12.99"));
+             Press(Qt::Key_Return);
+         },
+         Added,
+         {"Разовое|31.12.1999|0"}},
+        {"a blank name",
+         {},
+         -1,
+         fresh,
+         [](QWidget& dialog) {
+             Fill(Name(dialog), QStringLiteral("   "));
+             Date(dialog).setFocus();
+             Save(dialog);
+             EXPECT_EQ(dialog.focusWidget(), &Name(dialog));
+         },
+         QStringLiteral("Необходимо задать поле 'Название события'"),
+         {}},
+        {"an apostrophe ends in the box and keeps the input",
+         {},
+         -1,
+         fresh,
+         [&](QWidget& dialog) {
+             fill("О'Нил")(dialog);
+             EXPECT_EQ(Name(dialog).text(), QStringLiteral("О'Нил"));
+         },
+         test::ErrorStart(SaveHead, 3075),
+         {}},
+        {"any period but 0 is yearly; cancelled",
+         {"Прочее", "01.01.2001", "7"},
+         1,
+         QStringLiteral("01.01.2001|Прочее|1"),
+         [](QWidget& dialog) {
+             Fill(Name(dialog), QStringLiteral("Брошенное"));
+             Click(ControlOf<QPushButton>(dialog, "cmdCancelEvent"));
+         },
+         {},
+         {"Прочее|01.01.2001|7"}},
+        {"changed",
+         {"Разовое", "5 декабря 2006", "0"},
+         1,
+         QStringLiteral("05.12.2006|Разовое|0"),
+         [](QWidget& dialog) {
+             Pick(dialog, "optEventPeriod_1");
+             Save(dialog);
+         },
+         Updated,
+         {"Разовое|05.12.2006|1"}},
+        {"one that is gone is updated without effect", {}, 5, fresh, fill("Имя"), Updated, {}},
+        {"loading ends at a date that is none",
+         {"Событие", "когда-то", "0"},
+         1,
+         fresh,
+         [](QWidget&) {},
+         test::ErrorStart(LoadHead, 13) + QStringLiteral("Несоответствие типа"),
+         {"Событие|когда-то|0"},
+         false},
+        {"or one that the field cannot take",
+         {"Событие", "01.01.1700", "0"},
+         1,
+         fresh,
+         [](QWidget&) {},
+         test::ErrorStart(LoadHead, 35773),
+         {"Событие|01.01.1700|0"},
+         false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Run(QStringLiteral("DROP TABLE a03"));
+        Run(schema::CreateA03());
+        if (!row.before.isEmpty())
+            AddEvent(row.before[0], row.before[1], row.before[2].toInt());
+        const bool done = row.box == Added || row.box == Updated;
+        test::Answers answers;
+        const auto box = [&](bool comes) {
+            if (comes && !row.box.isEmpty())
+                answers.BoxStarting(row.box, done                                ? Icon::Information
+                                             : row.box.startsWith(u"Необходимо") ? Icon::Exclamation
+                                                                                 : Icon::Critical);
+        };
+        box(!row.loads);
+        answers.Modal(QStringLiteral("frmEvent"), [&](QWidget& dialog) {
             EXPECT_EQ(Name(dialog).maxLength(), 50);
-            EXPECT_FALSE(IsOneOff(dialog));
-            Fill(Name(dialog), QStringLiteral("  Праздник  "));
-            Press(Qt::Key_Return);
-        },
-        [](test::Answers& answers) {
-            answers.Box(QStringLiteral("Событие успешно добавлено."), forms::Icon::Information);
+            EXPECT_EQ(Shown(dialog), row.shown);
+            row.act(dialog);
+            EXPECT_EQ(dialog.isVisible(), !done && !row.box.isEmpty());
+            if (dialog.isVisible())
+                QTest::keyClick(&dialog, Qt::Key_Escape);
         });
-    EXPECT_EQ(Events(), QStringList(QStringLiteral("1|Праздник|14.05.2006|1")));
-}
-
-TEST_F(frmEventTest, ADateTypedOverFebruaryIsTakenByEnter) {
-    WithDialog(
-        -1,
-        [](QWidget& dialog) {
-            Fill(Name(dialog), QStringLiteral("Разовое"));
-            Click(ControlOf<QRadioButton>(dialog, "optEventPeriod_0"), QPoint(8, 8));
-            ControlOf<forms::DTPicker>(dialog, "dtpEventDate").SetValue(QDate(2005, 2, 28));
-            Date(dialog).setFocus();
-            Press(Qt::Key_Home);
-            Type(QStringLiteral("31.12.99"));
-            Press(Qt::Key_Return);
-        },
-        [](test::Answers& answers) {
-            answers.Box(QStringLiteral("Событие успешно добавлено."), forms::Icon::Information);
-        });
-    EXPECT_EQ(Events(), QStringList(QStringLiteral("1|Разовое|31.12.1999|0")));
-}
-
-TEST_F(frmEventTest, ABlankNameIsRefused) {
-    WithDialog(
-        -1,
-        [](QWidget& dialog) {
-            Fill(Name(dialog), QStringLiteral("   "));
-            Date(dialog).setFocus();
-            Click(ControlOf<QPushButton>(dialog, "cmdSaveEvent"));
-            EXPECT_TRUE(dialog.isVisible());
-            EXPECT_EQ(dialog.focusWidget(), &Name(dialog));
-            Leave(dialog);
-        },
-        [](test::Answers& answers) {
-            answers.Box(QStringLiteral("Необходимо задать поле 'Название события'"),
-                        forms::Icon::Exclamation);
-        });
-    EXPECT_EQ(Events(), QStringList());
-}
-
-TEST_F(frmEventTest, AnApostropheEndsInTheBoxAndKeepsTheInput) {
-    WithDialog(
-        -1,
-        [](QWidget& dialog) {
-            Fill(Name(dialog), QStringLiteral("О'Нил"));
-            Press(Qt::Key_Return);
-            EXPECT_TRUE(dialog.isVisible());
-            EXPECT_EQ(Name(dialog).text(), QStringLiteral("О'Нил"));
-            Leave(dialog);
-        },
-        [](test::Answers& answers) {
-            answers.BoxStarting(
-                QStringLiteral("frmEvent функция cmdSaveEvent_Click:\r\nпроизошла ошибка №3075 "),
-                forms::Icon::Critical);
-        });
-    EXPECT_EQ(Events(), QStringList());
-}
-
-TEST_F(frmEventTest, AnEventIsLoadedAndChanged) {
-    AddEvent(QStringLiteral("Разовое"), QStringLiteral("5 декабря 2006"), 0);
-    AddEvent(QStringLiteral("Прочее"), QStringLiteral("01.01.2001"), 7);
-    WithDialog(2, [](QWidget& dialog) {
-        EXPECT_FALSE(IsOneOff(dialog)) << "any period but 0 is yearly";
-        Fill(Name(dialog), QStringLiteral("Брошенное"));
-        Click(ControlOf<QPushButton>(dialog, "cmdCancelEvent"));
-    });
-    WithDialog(
-        1,
-        [](QWidget& dialog) {
-            EXPECT_EQ(Date(dialog).date(), QDate(2006, 12, 5));
-            EXPECT_EQ(Name(dialog).text(), QStringLiteral("Разовое"));
-            EXPECT_TRUE(IsOneOff(dialog));
-            Click(ControlOf<QRadioButton>(dialog, "optEventPeriod_1"), QPoint(8, 8));
-            Click(ControlOf<QPushButton>(dialog, "cmdSaveEvent"));
-        },
-        [](test::Answers& answers) {
-            answers.Box(QStringLiteral("Событие успешно обновлено."), forms::Icon::Information);
-        });
-    EXPECT_EQ(Events(), QStringList({QStringLiteral("1|Разовое|05.12.2006|1"),
-                                     QStringLiteral("2|Прочее|01.01.2001|7")}));
+        box(row.loads);
+        General::ShowEventDialog(QStringLiteral("Событие"), QDate(2006, 5, 14), row.id);
+        EXPECT_TRUE(answers.Done());
+        EXPECT_EQ(Rows(QStringLiteral("SELECT a03evnm, a03evdt, a03evpr FROM a03")), row.left);
+    }
 }
 
 TEST_F(frmEventTest, ANameTooLongToBeSeenStaysInTheFile) {
     Run(QStringLiteral("ALTER TABLE a03 ALTER COLUMN a03evnm LONGTEXT"));
     AddEvent(QString(100'000, u'ж'), QStringLiteral("01.01.2001"), 0);
-    WithDialog(
-        1, [](QWidget& dialog) { Click(ControlOf<QPushButton>(dialog, "cmdSaveEvent")); },
-        [](test::Answers& answers) {
-            answers.Box(QStringLiteral("Событие успешно обновлено."), forms::Icon::Information);
-        });
+    test::Answers answers;
+    answers.Modal(QStringLiteral("frmEvent"), [](QWidget& dialog) { Save(dialog); })
+        .Box(Updated, Icon::Information);
+    General::ShowEventDialog(QStringLiteral("Событие"), QDate(2006, 5, 14), 1);
     EXPECT_EQ(Rows(QStringLiteral("SELECT length(a03evnm) FROM a03")), QStringList{"100000"});
 }
-
-TEST_F(frmEventTest, AnEventThatIsGoneIsUpdatedWithoutEffect) {
-    WithDialog(
-        5,
-        [](QWidget& dialog) {
-            EXPECT_EQ(Date(dialog).date(), QDate(2006, 5, 14));
-            EXPECT_EQ(Name(dialog).text(), QString());
-            EXPECT_FALSE(IsOneOff(dialog));
-            Fill(Name(dialog), QStringLiteral("Имя"));
-            Press(Qt::Key_Return);
-        },
-        [](test::Answers& answers) {
-            answers.Box(QStringLiteral("Событие успешно обновлено."), forms::Icon::Information);
-        });
-    EXPECT_EQ(Events(), QStringList());
-}
-
-TEST_F(frmEventTest, ADateThatTheFieldCannotTakeIsTold) {
-    struct Case {
-        QString date;
-        QString number;
-    };
-    int id = 0;
-    for (const Case& c : {Case{QStringLiteral("когда-то"), QStringLiteral("13 Несоответствие типа")},
-                          Case{QStringLiteral("01.01.1700"), QStringLiteral("35773 ")}}) {
-        AddEvent(QStringLiteral("Событие"), c.date, 0);
-        WithDialog(
-            ++id,
-            [](QWidget& dialog) {
-                EXPECT_EQ(Date(dialog).date(), QDate(2006, 5, 14));
-                EXPECT_EQ(Name(dialog).text(), QString()) << "loading ends at the date";
-                Leave(dialog);
-            },
-            {},
-            [&](test::Answers& answers) {
-                answers.BoxStarting(QStringLiteral("frmEvent функция Form_Load:\r\nпроизошла ошибка №") +
-                                        c.number,
-                                    forms::Icon::Critical);
-            });
-    }
-}
-
-} // namespace

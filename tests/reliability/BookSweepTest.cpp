@@ -1,11 +1,10 @@
-// Cards, phone types and events are saved, cards imported and extracted through the windows, on disks that
+// Cards and events are saved, cards imported and extracted through the windows, on disks that
 // fail, under locks of another program, in a process that is killed.
 
 #include "organiser/frmEvent.h"
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/ListBox.h"
 #include "platform/runtime/Codec1251.h"
-#include "records/frmEditTelefonType.h"
 #include "tests/exchange/ImportMaster.h"
 #include "tests/reliability/Sweep.h"
 
@@ -23,7 +22,6 @@ class BookWork : public test::WindowTest, public test::Work {
 protected:
     void SetUp() override {
         WindowTest::SetUp();
-        Run(QStringLiteral("INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, 10, 'Дача')"));
         for (const char* card : {"1, 'А'", "2, 'Б'", "3, 'В'"})
             Run(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1)").arg(card));
         for (const char* phone : {"1, 1, '11'", "2, 1, '21'", "2, 3, '23'"})
@@ -266,7 +264,7 @@ protected:
         EXPECT_EQ(
             test::ReadRows(Target(), QStringLiteral("SELECT (SELECT count(*) FROM t01), (SELECT count(*) "
                                                     "FROM t03), v00vrid FROM v00")),
-            QStringList{"5|1913|3"});
+            QStringList{"4|1913|3"});
     }
 
     QByteArray replaced;
@@ -298,50 +296,6 @@ class Export : public BookWork {
                   runtime::To1251(u"First Name,Last Name,Middle Name,Name,Home Phone,Mobile Phone,Business "
                                   u"Phone,Notes\r\n,А,,А  ,11,,,\r\n,Б,,Б  ,21,,23,\r\n,В,,В  ,,,,\r\n"));
     }
-};
-
-/// A type is renamed: no box tells the success.
-class RenamedType : public BookWork {
-    void Begin() override {
-        BookWork::Begin();
-        types = forms::Form::Create<frmEditTelefonType>();
-        types->Show();
-    }
-    void Act() override {
-        List().SetListIndex(4);
-        Click(Control<QPushButton>(types, "cmdEdit"));
-    }
-    void Answer(QWidget& dialog) override {
-        ControlOf<QLineEdit>(dialog, "txtNewValue").setText(QStringLiteral("Сад"));
-        Click(ControlOf<QPushButton>(dialog, "cmdSave"));
-    }
-    bool WasReported(const QStringList& boxes) const override { return boxes.isEmpty(); }
-    void CheckFiles(bool reported) override {
-        BookWork::CheckFiles(reported);
-        EXPECT_TRUE(!reported || InFile() == u"Сад");
-        if (types && List().ListCount() > 0) { // it can be that the list alone could not be read
-            EXPECT_EQ(List().List(4), InFile());
-        }
-    }
-    void ActAgain() override {
-        types->Unload();
-        types->Show();
-        Act();
-    }
-    void Leave() override {
-        types.reset();
-        BookWork::Leave();
-    }
-    void CheckEnd() override {
-        BookWork::CheckEnd();
-        EXPECT_EQ(InFile(), QStringLiteral("Сад"));
-    }
-
-    forms::ListBox& List() { return Control<forms::ListBox>(types, "lstTelefonType"); }
-    QString InFile() const {
-        return test::ReadRows(Path(), QStringLiteral("SELECT t01cval FROM t01 WHERE t01code = 10")).value(0);
-    }
-    std::shared_ptr<forms::Form> types;
 };
 
 /// The dialog stays behind a failure, and its second try makes the same event, not another one.
@@ -386,10 +340,6 @@ TEST_P(Card, UnderALock) {
 
 TEST_P(Card, Killed) {
     test::SweepKills(*this, GetParam().name, {2ms, 10ms});
-}
-
-TEST_F(RenamedType, OnADiskThatFails) {
-    test::SweepDisk(*this, "renamed type", 1);
 }
 
 TEST_F(AddedEvent, OnADiskThatFails) {

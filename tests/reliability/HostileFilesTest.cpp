@@ -69,7 +69,12 @@ protected:
             const auto list = forms::Form::Create<frmRecords>();
             list->Show();
             list->FillGrid({});
-            Import(Write("good.csv", "Last Name,Home Phone\r\nNew,5\r\n"));
+            const test::ImportMaster master;
+            master.TypeFile(Write("good.csv", "Last Name,Home Phone\r\nNew,5\r\n"));
+            master.Go(2);
+            master.Tick({"Last Name", "Home Phone"});
+            master.PressImport();
+            master.form->Unload();
             list->FillGrid({});
             forms::MdiForm::Current()->Unload();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -77,17 +82,6 @@ protected:
         gDatabase.reset();
         gWorkspace.reset();
         return m_boxes.Take();
-    }
-
-    void Import(const QString& path) {
-        const test::ImportMaster master;
-        master.TypeFile(path);
-        master.Go(2);
-        if (master.Tabs().currentIndex() == 2 && master.Items().contains("Last Name")) {
-            master.Tick({"Last Name", "Home Phone"});
-            master.PressImport();
-        }
-        master.form->Unload();
     }
 
     test::Boxes m_boxes{[](QWidget& master) { master.close(); }};
@@ -137,26 +131,24 @@ TEST_F(HostileFiles, StartOnAnyPath) {
     }
 }
 
-// One damage for each kind of place, in the book of each version: the window of cards, the import and the
-// upgrade bear what opening has let through.
+// One damage for each kind of place: the upgrade, the window of cards and the import bear what opening has
+// let through.
 TEST_F(HostileFiles, StartOnDamagedBooks) {
     constexpr qsizetype pageSize = 4096;
+    const QByteArray sound = Book(1);
     int used = 0;
-    for (const int version : {1, 3}) {
-        const QByteArray sound = Book(version);
-        for (qsizetype page = 0; page < sound.size() / pageSize; ++page) {
-            for (const qsizetype place : {qsizetype{page == 0 ? 100 : 0}, pageSize - 60}) {
-                SCOPED_TRACE(testing::Message() << version << ' ' << page << ' ' << place);
-                QByteArray bytes = sound;
-                bytes.replace(page * pageSize + place, 5, "\xff\x01\x7f\0\5", 5);
-                const QString path = Write("damaged.mdb", bytes);
-                const Trace before = TraceOf(path);
-                bool started = false;
-                Store(path);
-                Use(started);
-                used += started ? 1 : 0;
-                EXPECT_TRUE(started || TraceOf(path) == before) << "written to";
-            }
+    for (qsizetype page = 0; page < sound.size() / pageSize; ++page) {
+        for (const qsizetype place : {qsizetype{page == 0 ? 100 : 0}, pageSize - 60}) {
+            SCOPED_TRACE(testing::Message() << page << ' ' << place);
+            QByteArray bytes = sound;
+            bytes.replace(page * pageSize + place, 5, "\xff\x01\x7f\0\5", 5);
+            const QString path = Write("damaged.mdb", bytes);
+            const Trace before = TraceOf(path);
+            bool started = false;
+            Store(path);
+            Use(started);
+            used += started ? 1 : 0;
+            EXPECT_TRUE(started || TraceOf(path) == before) << "written to";
         }
     }
     EXPECT_GT(used, 0); // damage inside a text cannot be told
@@ -198,43 +190,6 @@ TEST_F(HostileFiles, UpgradeOfStrangeBooks) {
         EXPECT_EQ(test::ReadRows(path, "SELECT v00vrid FROM v00"),
                   QStringList{QString::number(row.failure == 0 ? 3 : row.version)});
         EXPECT_TRUE(test::ReadRows(path, "SELECT a01last FROM a01").contains("Иванов"));
-    }
-}
-
-TEST_F(HostileFiles, ImportFromAnyPath) {
-    Book();
-    const QString missing = QStringLiteral("Выбранного Вами файла не существует.");
-    const QString select = QStringLiteral("frmImportMasterStep1 функция tabImport_Click:");
-    const QString hole = Write("hole.csv", {});
-    QFile::resize(hole, qint64{1} << 40);
-    const QString locked = Write("locked.csv", "Last Name,Home Phone\r\nA,1\r\n");
-    const QByteArray sound = "Last Name,Home Phone\r\nA,1\r\n";
-    const struct {
-        QString path;
-        QString box;
-    } cases[] = {
-        {Path("folder"), missing},
-        {Path("pipe"), missing},
-        {test::DevicePath(), missing},
-        {Path(QString(5000, u'x')), missing},
-        {Path("missing.csv"), missing},
-        {locked, FailureBox(select, 75)},
-        {Write("empty.csv", {}), FailureBox(select, 62)},
-        {hole, FailureBox(select, 7)},
-        {Path("sound.mdb"), {}}, // bytes like any other, and none of them a header
-        {Write(test::OddName() + QStringLiteral("#%00.csv"), sound), test::ImportedAll(0, 1)},
-    };
-    gWorkspace = engine::DBEngine::Workspaces(0);
-    gDatabase = gWorkspace->OpenDatabase(Path("sound.mdb"));
-    const auto frame = forms::Form::Default<frmMain>();
-    frame->Show();
-    const test::Unreadable nobody(locked);
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.path.left(200).toStdString());
-        Import(row.path);
-        const QStringList boxes = m_boxes.Take();
-        EXPECT_EQ(boxes.size(), row.box.isEmpty() ? 0 : 1);
-        EXPECT_TRUE(boxes.value(0).startsWith(row.box)) << boxes.value(0).toStdString();
     }
 }
 

@@ -7,11 +7,11 @@
 #include <QLineEdit>
 #include <QListWidget>
 
-#include <limits>
-
 namespace {
 
 constexpr auto Dialog = "frmEditTelefonTypeDialog";
+const QString Absent = QStringLiteral(
+    "Нарушена целостность базы данных:\r\nв базе отсутствуют записи типов телефонных номеров.");
 const QString TypesInFile = QStringLiteral("SELECT t01code, t01cval FROM t01 ORDER BY t01ctid");
 
 class frmEditTelefonTypeTest : public RecordsTest {
@@ -37,25 +37,6 @@ protected:
                 .arg(code)
                 .arg(name));
     }
-    /// Presses the button, types the name into the dialog and ends it by the key.
-    void Change(const char* button, const QString& name, Qt::Key end,
-                const std::function<void(test::Answers&)>& expect = {}) {
-        test::Answers answers;
-        answers.Modal(QLatin1String(Dialog), [&](QWidget&) {
-            Press(Qt::Key_Home);
-            Press(Qt::Key_End, Qt::ShiftModifier);
-            Type(name);
-            Press(end);
-        });
-        if (expect)
-            expect(answers);
-        ClickButton(m_form, button);
-        EXPECT_FALSE(IsOpen(Dialog));
-    }
-    void Add(const QString& name, const std::function<void(test::Answers&)>& expect = {}) {
-        Change("cmdAdd", name, Qt::Key_Return, expect);
-    }
-
     std::shared_ptr<forms::Form> m_form;
     const QStringList m_starting{QStringLiteral("1|Домашний телефон"), QStringLiteral("2|Мобильный телефон"),
                                  QStringLiteral("3|Рабочий телефон"), QStringLiteral("4|Основной телефон")};
@@ -85,13 +66,72 @@ TEST_F(frmEditTelefonTypeTest, TheListStaysOffTheButtonsInANarrowTile) {
     EXPECT_FALSE(Control<QListWidget>(m_form, "lstTelefonType").geometry().intersects(button.geometry()));
 }
 
-TEST_F(frmEditTelefonTypeTest, NewTypesGetCodesFromTenUpAndTheirTextAsTyped) {
-    Open();
-    Add(QStringLiteral("Дача"));
-    Add(QStringLiteral(" Д'Артаньян "));
-    EXPECT_EQ(Rows(TypesInFile), m_starting + QStringList({"10|Дача", "11| Д^Артаньян "}));
-    EXPECT_EQ(Listed().mid(4), QStringList({"Дача", " Д^Артаньян "}));
-    EXPECT_FALSE(IsEnabled("cmdEdit")) << "the first entry is selected again";
+TEST_F(frmEditTelefonTypeTest, TypesAreAddedAndRenamed) {
+    const QString duplicate = engine::EngineText(engine::DuplicateKey);
+    const QString addHead = QStringLiteral("frmEditTelefonType функция cmdAdd_Click:");
+    const QString editHead = QStringLiteral("frmEditTelefonType функция cmdEdit_Click:");
+    constexpr auto closeBox = Qt::Key_unknown;
+    const struct {
+        const char* button;
+        const char* typed;
+        Qt::Key end;  ///< of the dialog
+        QString last; ///< type in the file behind it
+        QString box = {};
+        int code = 10;       ///< of the type that is there before, and selected
+        bool isGone = false; ///< by then
+    } rows[] = {
+        {"cmdAdd", "Сад", Qt::Key_Return, "11|Сад"},
+        {"cmdAdd", " Д'Артаньян ", Qt::Key_Return, "11| Д^Артаньян "},
+        {"cmdAdd", "ДАЧА", Qt::Key_Return, "10|Дача", ErrorText(addHead, engine::DuplicateKey, duplicate)},
+        {"cmdAdd", "Сад", Qt::Key_Return, "32767|Дача",
+         ErrorText(addHead, engine::NumberOutOfRange, engine::EngineText(engine::NumberOutOfRange)), 32767},
+        {"cmdAdd", "Сад", closeBox, "10|Дача",
+         ErrorText(addHead, runtime::TypeMismatch, runtime::RuntimeText(runtime::TypeMismatch))},
+        {"cmdEdit", "Сад", Qt::Key_Return, "10|Сад"},
+        {"cmdEdit", "Сад", Qt::Key_Escape, "10|Дача"},
+        {"cmdEdit", "Сад", closeBox, "10|Дача"},
+        {"cmdEdit", "рабочий телефон", Qt::Key_Return, "10|Дача",
+         ErrorText(editHead, engine::DuplicateKey, duplicate)},
+        {"cmdEdit", "Сад", Qt::Key_Return, "4|Основной телефон", Absent, 10, true},
+        {"cmdDelete", nullptr, Qt::Key_Return, "4|Основной телефон", Absent, 10, true},
+    };
+    AddCard(1, QStringLiteral("Иванов"));
+    AddPhone(1, 10, QStringLiteral("111"));
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.button << ' ' << row.last.toStdString() << ' ' << row.end);
+        Run(QStringLiteral("DELETE FROM t01 WHERE t01code > 4"));
+        AddType(row.code, QStringLiteral("Дача"));
+        Open();
+        Select(4);
+        if (row.isGone)
+            Run(QStringLiteral("DELETE FROM t01 WHERE t01code > 4"));
+        {
+            test::Answers answers;
+            if (row.typed)
+                answers.Modal(QLatin1String(Dialog), [&](QWidget& window) {
+                    Press(Qt::Key_Home);
+                    Press(Qt::Key_End, Qt::ShiftModifier);
+                    Type(QString::fromUtf8(row.typed));
+                    row.end == closeBox ? static_cast<void>(window.close()) : Press(row.end);
+                });
+            if (!row.box.isEmpty())
+                answers.Box(row.box, forms::Icon::Critical);
+            ClickButton(m_form, row.button);
+        }
+        EXPECT_FALSE(IsOpen(Dialog));
+        EXPECT_EQ(Rows(TypesInFile).mid(0, 4), m_starting);
+        EXPECT_EQ(Rows(TypesInFile).last(), row.last);
+        EXPECT_EQ(Listed().last(), row.last.section(u'|', 1)) << "the list shows what there is";
+        if (row.last == u"10|Сад") {
+            TakeKeyboard();
+            EXPECT_EQ(FocusName(), QStringLiteral("lstTelefonType"));
+        }
+        if (row.last.startsWith(u"11")) {
+            EXPECT_FALSE(IsEnabled("cmdEdit")) << "the first entry is selected again";
+        }
+        m_form->Unload();
+    }
+    EXPECT_EQ(Rows(QStringLiteral("SELECT a02code FROM a02")), QStringList{"10"});
 }
 
 TEST_F(frmEditTelefonTypeTest, TheDialogRefusesBlanksAndTakesAtMost50Characters) {
@@ -113,100 +153,6 @@ TEST_F(frmEditTelefonTypeTest, TheDialogRefusesBlanksAndTakesAtMost50Characters)
         forms::Icon::Exclamation);
     ClickButton(m_form, "cmdAdd");
     EXPECT_EQ(Rows(TypesInFile), m_starting);
-}
-
-TEST_F(frmEditTelefonTypeTest, ANameThatExistsInAnotherCaseIsRefusedByTheEngine) {
-    AddType(10, QStringLiteral("Дача"));
-    Open();
-    const QString text = engine::EngineText(engine::DuplicateKey);
-    Add(QStringLiteral("ДАЧА"), [&](test::Answers& answers) {
-        answers.Box(
-            ErrorText(QStringLiteral("frmEditTelefonType функция cmdAdd_Click:"), engine::DuplicateKey, text),
-            forms::Icon::Critical);
-    });
-    Select(4);
-    Change("cmdEdit", QStringLiteral("рабочий телефон"), Qt::Key_Return, [&](test::Answers& answers) {
-        answers.Box(ErrorText(QStringLiteral("frmEditTelefonType функция cmdEdit_Click:"),
-                              engine::DuplicateKey, text),
-                    forms::Icon::Critical);
-    });
-    EXPECT_EQ(Rows(TypesInFile), m_starting + QStringList{"10|Дача"});
-}
-
-TEST_F(frmEditTelefonTypeTest, ACodePast16BitsIsRefused) {
-    AddType(std::numeric_limits<std::int16_t>::max(), QStringLiteral("Последний"));
-    Open();
-    Add(QStringLiteral("Лишний"), [](test::Answers& answers) {
-        answers.Box(ErrorText(QStringLiteral("frmEditTelefonType функция cmdAdd_Click:"),
-                              engine::NumberOutOfRange, engine::EngineText(engine::NumberOutOfRange)),
-                    forms::Icon::Critical);
-    });
-    EXPECT_EQ(Rows(TypesInFile), m_starting + QStringList{"32767|Последний"});
-}
-
-TEST_F(frmEditTelefonTypeTest, EditRenamesAndCancelDoesNot) {
-    AddCard(1, QStringLiteral("Иванов"));
-    AddType(10, QStringLiteral("Дача"));
-    AddPhone(1, 10, QStringLiteral("111"));
-    Open();
-    Select(4);
-    Change("cmdEdit", QStringLiteral("Сад"), Qt::Key_Escape);
-    EXPECT_EQ(Rows(TypesInFile).last(), QStringLiteral("10|Дача"));
-    Change("cmdEdit", QStringLiteral("Сад"), Qt::Key_Return);
-    EXPECT_EQ(Rows(TypesInFile).last(), QStringLiteral("10|Сад"));
-    EXPECT_EQ(Listed().last(), QStringLiteral("Сад"));
-    TakeKeyboard();
-    EXPECT_EQ(QApplication::focusWidget(), &Control<QWidget>(m_form, "lstTelefonType"));
-    EXPECT_EQ(Rows(QStringLiteral("SELECT a02code FROM a02")), QStringList{"10"});
-}
-
-TEST_F(frmEditTelefonTypeTest, ATypeThatIsGoneIsTold) {
-    const auto expectBox = [](test::Answers& answers) {
-        answers.Box(QStringLiteral("Нарушена целостность базы данных:\r\n"
-                                   "в базе отсутствуют записи типов телефонных номеров."),
-                    forms::Icon::Critical);
-    };
-    for (const bool edits : {true, false}) {
-        AddType(10, QStringLiteral("Дача"));
-        m_form.reset();
-        Open();
-        Select(4);
-        Run(QStringLiteral("DELETE FROM t01 WHERE t01code = 10"));
-        if (edits) {
-            Change("cmdEdit", QStringLiteral("Сад"), Qt::Key_Return, expectBox);
-        } else {
-            test::Answers answers;
-            expectBox(answers);
-            ClickButton(m_form, "cmdDelete");
-        }
-        EXPECT_EQ(Listed().size(), 4) << "the list shows what there is";
-        m_form->Unload();
-    }
-}
-
-TEST_F(frmEditTelefonTypeTest, TheDialogsCloseBoxLeavesAnEmptyAnswer) {
-    AddType(10, QStringLiteral("Дача"));
-    Open();
-    Select(4);
-    const auto closeBox = [](QWidget& window) {
-        Type(QStringLiteral("x"));
-        window.close();
-    };
-    {
-        test::Answers answers;
-        answers.Modal(QLatin1String(Dialog), closeBox);
-        ClickButton(m_form, "cmdEdit");
-    }
-    {
-        test::Answers answers;
-        answers.Modal(QLatin1String(Dialog), closeBox);
-        answers.Box(ErrorText(QStringLiteral("frmEditTelefonType функция cmdAdd_Click:"),
-                              runtime::TypeMismatch, runtime::RuntimeText(runtime::TypeMismatch)),
-                    forms::Icon::Critical);
-        ClickButton(m_form, "cmdAdd");
-    }
-    EXPECT_FALSE(IsOpen(Dialog));
-    EXPECT_EQ(Rows(TypesInFile), m_starting + QStringList{"10|Дача"});
 }
 
 TEST_F(frmEditTelefonTypeTest, DeletingATypeTakesItsPhonesAfterOneQuestion) {
@@ -247,9 +193,7 @@ TEST_F(frmEditTelefonTypeTest, ATableWithoutTypesIsToldAndTheFirstOneGetsTen) {
     RemoveTypes();
     {
         test::Answers answers;
-        answers.Box(QStringLiteral("Нарушена целостность базы данных:\r\n"
-                                   "в базе отсутствуют записи типов телефонных номеров."),
-                    forms::Icon::Critical);
+        answers.Box(Absent, forms::Icon::Critical);
         answers.Box(ErrorText(QStringLiteral("frmEditTelefonType функция FillList:"),
                               runtime::InvalidPropertyValue,
                               runtime::RuntimeText(runtime::InvalidPropertyValue)),
@@ -258,7 +202,14 @@ TEST_F(frmEditTelefonTypeTest, ATableWithoutTypesIsToldAndTheFirstOneGetsTen) {
     }
     EXPECT_FALSE(IsEnabled("cmdDelete"));
     EXPECT_FALSE(IsEnabled("cmdEdit"));
-    Add(QStringLiteral("Дача"));
+    {
+        test::Answers answers;
+        answers.Modal(QLatin1String(Dialog), [](QWidget&) {
+            Type(QStringLiteral("Дача"));
+            Press(Qt::Key_Return);
+        });
+        ClickButton(m_form, "cmdAdd");
+    }
     EXPECT_EQ(Rows(TypesInFile), QStringList{"10|Дача"});
     EXPECT_FALSE(IsEnabled("cmdDelete")) << "an only entry is a first one";
 }

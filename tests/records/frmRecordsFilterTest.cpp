@@ -2,10 +2,8 @@
 
 #include "tests/records/RecordsTest.h"
 
-#include <QCheckBox>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMdiSubWindow>
 #include <QTabWidget>
 
 #include <utility>
@@ -17,16 +15,6 @@ constexpr auto Filter = "frmRecordsFilter";
 
 class frmRecordsFilterTest : public RecordsTest {
 protected:
-    static bool IsTicked(const std::shared_ptr<forms::Form>& filter, const char* box) {
-        return Control<QCheckBox>(filter, box).isChecked();
-    }
-    static QString Text(const std::shared_ptr<forms::Form>& filter, const char* field) {
-        return Control<QLineEdit>(filter, field).text();
-    }
-    static bool IsWhite(const std::shared_ptr<forms::Form>& filter, const char* field) {
-        const auto& widget = Control<QWidget>(filter, field);
-        return widget.palette().color(QPalette::Base) == QColor(Qt::white);
-    }
     static void ShowPage(const std::shared_ptr<forms::Form>& filter, int page) {
         Control<QTabWidget>(filter, "SSTab1").setCurrentIndex(page);
     }
@@ -35,29 +23,9 @@ protected:
         auto& list = Control<QListWidget>(filter, "lstTelefonType");
         QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(list.item(row)).center());
     }
-    void ShowAgain(const std::shared_ptr<ListForm>& list) { ChooseInMenu(list, "mnuRecordsFilter"); }
 };
 
 } // namespace
-
-TEST_F(frmRecordsFilterTest, ANameTypedAndEnterFindsTheCards) {
-    AddCard(1, QStringLiteral("Иванов"));
-    AddCard(2, QStringLiteral("ИВАНЦОВА"));
-    AddCard(3, QStringLiteral("Петров"));
-    const auto list = OpenPair();
-    const auto filter = Last(Filter);
-    ASSERT_NE(QApplication::focusWidget(), nullptr);
-    EXPECT_EQ(FocusName(), "txtLastName");
-    Type(QStringLiteral("Ив*"));
-    Press(Qt::Key_Return);
-    EXPECT_FALSE(IsShown(filter));
-    EXPECT_EQ(Column(list), QStringList({"1", "2"}));
-    ShowAgain(list);
-    EXPECT_TRUE(IsShown(filter));
-    EXPECT_EQ(Text(filter, "txtLastName"), QStringLiteral("Ив*"));
-    EXPECT_EQ(FocusName(), QStringLiteral("txtLastName")) << "where the user left it";
-    EXPECT_TRUE(IsTicked(filter, "chkLastName"));
-}
 
 TEST_F(frmRecordsFilterTest, CriteriaAndWhatTheyFind) {
     AddCard(1, QStringLiteral("Иванов"), QStringLiteral("Иван"), QStringLiteral("Ильич"),
@@ -139,109 +107,4 @@ TEST_F(frmRecordsFilterTest, CriteriaAndWhatTheyFind) {
         EXPECT_EQ(Column(list), c.found);
         list->Unload();
     }
-}
-
-TEST_F(frmRecordsFilterTest, TheBoxAloneDecidesAndItsColourShowsIt) {
-    AddCard(1, QStringLiteral("Иванов"));
-    AddCard(2, QStringLiteral(""));
-    const auto list = OpenPair();
-    const auto filter = Last(Filter);
-    constexpr auto box = "chkLastName";
-    constexpr auto field = "txtLastName";
-    EXPECT_FALSE(IsWhite(filter, field));
-    Fill(filter, field, QStringLiteral("Иванов"));
-    EXPECT_TRUE(IsTicked(filter, box));
-    EXPECT_TRUE(IsWhite(filter, field));
-
-    ClickButton(filter, box);
-    EXPECT_FALSE(IsWhite(filter, field));
-    EXPECT_EQ(Text(filter, field), QStringLiteral("Иванов"));
-    Find(filter);
-    EXPECT_EQ(Column(list), QStringList({"2", "1"})) << "an unticked criterion does not count";
-
-    ShowAgain(list);
-    Fill(filter, field, QString());
-    EXPECT_FALSE(IsTicked(filter, box)) << "emptying the field unticks";
-    ClickButton(filter, box);
-    Find(filter);
-    EXPECT_EQ(Column(list), QStringList{"2"}) << "a ticked box over an empty field finds the empty text";
-}
-
-TEST_F(frmRecordsFilterTest, ATickedTypeWithoutASelectionFindsNothing) {
-    AddCard(1, QStringLiteral("Иванов"));
-    AddPhone(1, 1, QStringLiteral("111"));
-    const auto list = OpenPair();
-    const auto filter = Last(Filter);
-    ShowPage(filter, 1);
-    auto& types = Control<QListWidget>(filter, "lstTelefonType");
-    EXPECT_EQ(types.count(), 4);
-    types.setFocus(Qt::TabFocusReason);
-    EXPECT_FALSE(IsTicked(filter, "chkTelefonType")) << "reaching the list picks nothing";
-    ClickButton(filter, "chkTelefonType");
-    Find(filter);
-    EXPECT_EQ(Column(list), QStringList{QString()});
-    EXPECT_EQ(Grid(list).Tag(), QStringLiteral("0"));
-    ShowAgain(list);
-    PickType(filter, 0);
-    Find(filter);
-    EXPECT_EQ(Column(list), QStringList{"1"});
-}
-
-TEST_F(frmRecordsFilterTest, EnterReplacesApostrophesBeforeTheSearch) {
-    AddCard(1, QStringLiteral("О^Нил"));
-    for (const char* field : {"txtLastName", "txtFirstName", "txtMiddleName", "txtRemark", "txtBith"}) {
-        const auto list = OpenPair();
-        const auto filter = Last(Filter);
-        Fill(filter, field, QStringLiteral("О'*'"));
-        Press(Qt::Key_Return);
-        EXPECT_TRUE(list->CurrentSQL().contains(QStringLiteral("LIKE 'О^*^'"))) << field;
-        EXPECT_EQ(Text(filter, field), QStringLiteral("О^*^"));
-        list->Unload();
-    }
-}
-
-TEST_F(frmRecordsFilterTest, AClosedFilterComesBackBlankOverTheSameList) {
-    AddCard(1, QStringLiteral("Иванов"));
-    AddCard(2, QStringLiteral("Петров"));
-    const auto list = OpenPair();
-    const auto filter = Last(Filter);
-    Fill(filter, "txtLastName", QStringLiteral("Иванов"));
-    FrameOf(filter).close();
-    EXPECT_FALSE(IsOpen(Filter));
-    ShowAgain(list);
-    ASSERT_EQ(Windows(Filter).size(), 1u);
-    EXPECT_EQ(Last(Filter), filter);
-    EXPECT_EQ(Windows("frmRecords").size(), 1u);
-    EXPECT_EQ(Text(filter, "txtLastName"), QString());
-    EXPECT_EQ(Control<QListWidget>(filter, "lstTelefonType").count(), 4);
-    Find(filter);
-    EXPECT_EQ(Column(list), QStringList({"1", "2"}));
-}
-
-TEST_F(frmRecordsFilterTest, WithoutPhoneTypesThereIsNoList) {
-    RemoveTypes();
-    const auto filter = forms::Form::Create<frmRecordsFilter>();
-    {
-        test::Answers answers;
-        answers.Box(
-            QStringLiteral("Нарушена целостность базы данных: в таблице t01 типы телефонных номеров."),
-            forms::Icon::Critical);
-        filter->Show();
-    }
-    EXPECT_TRUE(IsShown(filter));
-    EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
-    Find(filter);
-    EXPECT_FALSE(filter->IsLoaded());
-    EXPECT_FALSE(IsOpen("frmRecords"));
-}
-
-TEST_F(frmRecordsFilterTest, AFailedLoadIsToldAndLeavesTheFilterUnattached) {
-    Run(QStringLiteral("DROP TABLE t01"));
-    const auto filter = forms::Form::Create<frmRecordsFilter>();
-    test::Answers answers;
-    answers.BoxStarting(QStringLiteral("frmRecordsFilter функция Form_Load:\r\nпроизошла ошибка №3078 "),
-                        forms::Icon::Critical);
-    filter->Show();
-    EXPECT_EQ(filter->Tag(), QStringLiteral("0"));
-    EXPECT_FALSE(IsOpen("frmRecords"));
 }

@@ -139,7 +139,7 @@ protected:
     void On(Sender* sender, Signal signal, Handler handler, const QString& head = {}) {
         QWidget* const surface = m_surface;
         QObject::connect(sender, signal, surface,
-                         [weak = weak_from_this(), surface, sender, handler, head](auto&&... arguments) {
+                         [weak = weak_from_this(), surface, handler, head](auto&&... arguments) {
                              const std::shared_ptr<Form> form = weak.lock();
                              if (!form || form->m_surface != surface)
                                  return;

@@ -58,6 +58,9 @@ TEST_F(Definition, ChangesKeepRowsRulesAndCounters) {
         ALTER TABLE x1 ADD e SHORT
         ALTER TABLE x1 ADD COLUMN must SHORT NOT NULL
         SELECT * FROM x1 -> 1|1|q|NULL|NULL|NULL|NULL|NULL / 3|1|NULL|NULL|NULL|NULL|NULL|NULL
+        INSERT INTO x1 (a, must, d) VALUES (9, 1, 'x') -> 1
+        SELECT id FROM x1 WHERE a = 9 -> 5
+        DELETE FROM x1 WHERE a = 9 -> 1
         INSERT INTO x1 (a) VALUES (2) -> #3314 Поле 'x1.must'
         INSERT INTO x1 (a, must, d) VALUES (2, 1, '') -> #3315 Поле 'x1.d'
         ALTER TABLE x1 ALTER COLUMN d TEXT(10) NOT NULL

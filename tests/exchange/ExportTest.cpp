@@ -83,7 +83,7 @@ protected:
     /// The bytes of a successful export of so many rows.
     QByteArray Export(const Dialog& dialog, int count, const QString& sql = AllCards) {
         Run(path, dialog, Done(count), {}, sql);
-        const QByteArray bytes = test::ReadBytes(path);
+        QByteArray bytes = test::ReadBytes(path);
         QFile::remove(path);
         return bytes;
     }

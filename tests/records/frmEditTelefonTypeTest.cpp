@@ -82,6 +82,7 @@ TEST_F(frmEditTelefonTypeTest, TypesAreAddedAndRenamed) {
     } rows[] = {
         {"cmdAdd", "Сад", Qt::Key_Return, "11|Сад"},
         {"cmdAdd", " Д'Артаньян ", Qt::Key_Return, "11| Д^Артаньян "},
+        {"cmdAdd", "Сад", Qt::Key_Return, "10|Сад", {}, 6}, // the first of the user's own codes
         {"cmdAdd", "ДАЧА", Qt::Key_Return, "10|Дача", ErrorText(addHead, engine::DuplicateKey, duplicate)},
         {"cmdAdd", "Сад", Qt::Key_Return, "32767|Дача",
          ErrorText(addHead, engine::NumberOutOfRange, engine::EngineText(engine::NumberOutOfRange)), 32767},

@@ -168,7 +168,8 @@ private:
     int m_count = 1;
     std::array<char, 5> m_name{"fuzz"};
     std::array<char*, 2> m_arguments{m_name.data(), nullptr};
-    forms::Application m_application{m_count, m_arguments.data(), ThisProgram()};
+    /// Never deleted: at the end of the process the toolkit's own objects go first.
+    forms::Application& m_application = *new forms::Application(m_count, m_arguments.data(), ThisProgram());
     BoxCloser m_closer;
     QTemporaryDir m_folder;
     QString m_path;

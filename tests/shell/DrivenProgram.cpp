@@ -1,47 +1,32 @@
-// Somebody at work in the started program: adds a card and leaves at once. What the boxes say goes to stdout.
-// With ZAVELIK_FULL_DISK, a folder, nothing can be written there once the card has been added.
+// Somebody at work in the started program: writes a row and leaves at once. What the boxes say goes to stdout.
+// With ZAVELIK_FULL_DISK nothing can be written any more once the row has been added.
 
 #include "platform/forms/MdiForm.h"
 #include "shared/Declaration.h"
 #include "tests/support/Answers.h"
-#include "tests/support/FaultyCalls.h"
 
 #include <QCoreApplication>
 #include <QMainWindow>
 #include <QTimer>
 
-#include <cerrno>
 #include <iostream>
-#include <optional>
 
 namespace {
 
-bool diskIsFull = false;
-
-int Judge(test::FaultyCalls::Call call, const std::string&) {
-    return diskIsFull && call == test::FaultyCalls::Call::Write ? ENOSPC : 0;
-}
-
 void WorkAndLeave() {
-    gDatabase->Execute(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (1, 'Яя')"),
-                       engine::dbFailOnError);
-    diskIsFull = true;
-    forms::MdiForm::Current()->Window()->close();
-}
-
-void Begin() {
-    static test::Boxes* boxes = nullptr;
-    static std::optional<test::FaultyCalls> disk;
-    if (const QByteArray folder = qgetenv("ZAVELIK_FULL_DISK"); !folder.isEmpty())
-        disk.emplace(folder.toStdString(), Judge);
-    QTimer::singleShot(0, [] {
-        boxes = new test::Boxes;
-        WorkAndLeave();
-    });
+    static auto* boxes = new test::Boxes;
     qAddPostRoutine([] {
         std::cout << boxes->Take().join(u'\n').toStdString() << std::flush;
         delete boxes;
     });
+    gDatabase->Execute(QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (1)"), engine::dbFailOnError);
+    if (qEnvironmentVariableIsSet("ZAVELIK_FULL_DISK"))
+        new test::SmallDisk(1);
+    forms::MdiForm::Current()->Window()->close();
+}
+
+void Begin() {
+    QTimer::singleShot(0, WorkAndLeave);
 }
 
 } // namespace

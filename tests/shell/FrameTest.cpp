@@ -6,7 +6,6 @@
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QScreen>
 #include <QVBoxLayout>
 
@@ -31,20 +30,10 @@ public:
                 .tag = {},
                 .size = QSize(400, 300)}) {}
     std::function<void()> inDelete;
-    std::function<void()> inUnload;
 
     void DoNotFillGrid(bool bNeedFill) override { Tell(QStringLiteral("DoNotFillGrid(%1)").arg(bNeedFill)); }
     void FillGrid(const QString& strSQL) override { Tell(QStringLiteral("FillGrid(%1)").arg(strSQL)); }
-    void ShowFilter() override { Tell(QStringLiteral("ShowFilter")); }
-    void EditRecord(int nAction) override { Tell(QStringLiteral("EditRecord(%1)").arg(nAction)); }
-    void ExtractToAnotherDB() override { Tell(QStringLiteral("ExtractToAnotherDB")); }
-    void ExtractToCSV() override { Tell(QStringLiteral("ExtractToCSV")); }
-    void EditEvent(int nType) override { Tell(QStringLiteral("EditEvent(%1)").arg(nType)); }
-    void DeleteEvent() override {
-        Tell(QStringLiteral("DeleteEvent"));
-        if (inDelete)
-            inDelete();
-    }
+    void DeleteEvent() override { inDelete(); }
 
 protected:
     void CreateControls(QWidget* surface) override {
@@ -53,12 +42,6 @@ protected:
         (new QVBoxLayout(surface))->addWidget(field);
     }
     void Form_Activate() override { Tell(QStringLiteral("activate")); }
-    void Form_Unload() override {
-        Tell(QStringLiteral("unload"));
-        if (inUnload)
-            inUnload();
-    }
-    void Form_Terminate() override { Tell(QStringLiteral("terminate")); }
 
 private:
     void Tell(const QString& what) const { told += Name() + u'.' + what; }
@@ -89,41 +72,9 @@ protected:
                 entries.append(entry->isChecked() ? u'*' + entry->text() : entry->text());
         return entries;
     }
-    static QAction& Entry(qsizetype number) {
-        const qsizetype listed = WindowList().size();
-        const QList<QAction*> entries = WindowMenu().actions();
-        return *entries.at(entries.size() - listed + number);
-    }
 };
 
 } // namespace
-
-TEST_F(FrameTest, MenusSayWhatTheyDo) {
-    const std::pair<const char*, const char*> menus[] = {
-        {"mnuBook", "Книга: Записи...; Органайзер...; Коды городов...; ; Выбрать другую базу...; ; "
-                    "Импорт книги из CSV файла...; ; Выход"},
-        {"mnuSettings", "Настройки: Типы телефонных номеров...; SQL наблюдатель..."},
-        {"mnuRecords", "Меню записей: Обновить; ; Фильтр; ; Добавить запись; Изменить запись; "
-                       "Посмотреть запись; ; Извлечь в другую базу; ; Импортировать из CSV файла; "
-                       "Извлечь в CSV файл"},
-        {"mnuCalendar", "Меню органайзера: Добавить...; Редактировать; Удалить"},
-        {"mnuTelKod", "Меню кодов городов: Фильтр"},
-        {"mnuWindows", "Окна: Каскад; По горизонтали; По вертикали"},
-        {"mnuHelp", "Помощь: О программе..."},
-    };
-    for (const auto& [name, said] : menus) {
-        const auto& menu = ControlOf<QMenu>(Window(), name);
-        QStringList captions;
-        for (const QAction* action : menu.actions())
-            captions += action->isSeparator() ? QString() : action->text();
-        EXPECT_EQ(menu.title() + QStringLiteral(": ") + captions.join(QStringLiteral("; ")),
-                  QString::fromUtf8(said));
-    }
-    QStringList bar;
-    for (const QAction* action : Window().menuBar()->actions())
-        bar += action->menu()->objectName();
-    EXPECT_EQ(bar.join(u' '), QStringLiteral("mnuBook mnuSettings mnuWindows mnuHelp"));
-}
 
 TEST_F(FrameTest, ItFitsTheScreenAndNamesTheFile) {
     const int screen = QGuiApplication::primaryScreen()->availableSize().width();
@@ -138,23 +89,8 @@ TEST_F(FrameTest, CommandsReachTheActiveChildAndNoOther) {
     Choose("mnuRecordsRefresh"); // no child: nothing
     Open("a");
     Open("b");
-    const std::pair<const char*, const char*> rows[] = {
-        {"mnuRecordsRefresh", "b.DoNotFillGrid(1) b.FillGrid()"},
-        {"mnuRecordsFilter", "b.ShowFilter"},
-        {"mnuRecordsAdd", "b.EditRecord(1)"},
-        {"mnuRecordsEdit", "b.EditRecord(0)"},
-        {"mnuRecordsView", "b.EditRecord(2)"},
-        {"mnuRecordsExtractToEnotherDB", "b.ExtractToAnotherDB"},
-        {"mnuRecordsExtractToCSV", "b.ExtractToCSV"},
-        {"mnuCalendarAddEvent", "b.EditEvent(1)"},
-        {"mnuCalendarEditEvent", "b.EditEvent(0)"},
-        {"mnuCalendarRemoveEvent", "b.DeleteEvent"},
-        {"mnuTelKodFilter", "b.ShowFilter"},
-    };
-    for (const auto& [command, calls] : rows) {
-        Choose(command);
-        EXPECT_EQ(Take(), QString::fromLatin1(calls)) << command;
-    }
+    Choose("mnuRecordsRefresh");
+    EXPECT_EQ(Take(), QStringLiteral("b.DoNotFillGrid(1) b.FillGrid()"));
     Choose("mnuHelpAbout");
     test::Answers answers;
     answers.BoxStarting(QStringLiteral("произошла ошибка №438 "), forms::Icon::Critical);
@@ -162,18 +98,9 @@ TEST_F(FrameTest, CommandsReachTheActiveChildAndNoOther) {
 }
 
 TEST_F(FrameTest, EachLaunchOpensAWindowOfItsOwnAndOneAboutBox) {
-    QStringList expected;
-    for (const auto& [command, window] : {std::pair("mnuBookImport", "frmImportMasterStep1"),
-                                          {"mnuRecordsImportFromCSV", "frmImportMasterStep1"},
-                                          {"mnuSettingsSQLVIEW", "frmUserEditor"},
-                                          {"mnuSettingsSQLVIEW", "frmUserEditor"},
-                                          {"mnuHelpAbout", "frmAbout"}}) {
+    for (const char* command : {"mnuSettingsSQLVIEW", "mnuHelpAbout", "mnuSettingsSQLVIEW", "mnuHelpAbout"})
         Choose(command);
-        expected += QString::fromLatin1(window);
-        EXPECT_EQ(Children(), expected);
-    }
-    Choose("mnuHelpAbout");
-    EXPECT_EQ(Children(), expected);
+    EXPECT_EQ(Children(), QStringList({"frmUserEditor", "frmAbout", "frmUserEditor"}));
 }
 
 TEST_F(FrameTest, WindowListFollowsTheChildren) {
@@ -184,23 +111,17 @@ TEST_F(FrameTest, WindowListFollowsTheChildren) {
     hidden->SetVisible(false);
     first->SetCaption(QStringLiteral("Окно A&B"));
     EXPECT_EQ(WindowList(), QStringList({QStringLiteral("Окно A&&B"), QStringLiteral("*Окно b")}));
-    EXPECT_TRUE(WindowMenu().actions().at(own)->isSeparator());
     Take();
-    Entry(0).trigger();
+    Choose("mnuWindowsList_0");
     EXPECT_EQ(Take(), QStringLiteral("a.activate"));
-    EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно A&&B"), QStringLiteral("Окно b")}));
-
     FrameOf(second).showMinimized();
-    Entry(1).trigger();
+    WindowList();
+    Choose("mnuWindowsList_1");
     EXPECT_FALSE(second->IsMinimised()) << "choosing a minimised child restores it";
     FrameOf(second).showMinimized();
-    first->Show();
-    Activate(second); // as a click does
-    EXPECT_EQ(Frame().ActiveForm(), second);
     hidden->Show();
     hidden->SetVisible(false);
     EXPECT_EQ(Frame().ActiveForm(), first) << "a minimised child comes last";
-
     first->SetCaption(second->Caption());
     EXPECT_EQ(WindowList(), QStringList({QStringLiteral("*Окно b (1)"), QStringLiteral("Окно b (2)")}));
     for (const auto& form : {first, second, hidden})
@@ -215,8 +136,7 @@ TEST_F(FrameTest, Arrangements) {
     constexpr auto SideBySide = "mnuWindowVertical";
     Window().resize(900, 1000);
     QTest::qWait(0);
-    for (const char* command : {Cascade, UnderEachOther, SideBySide})
-        Choose(command); // without a child: nothing
+    Choose(Cascade); // without a child: nothing
     const auto a = Open("a");
     const auto fixed = Open("b", Border::Fixed);
     const auto c = Open("c");
@@ -263,17 +183,6 @@ TEST_F(FrameTest, Arrangements) {
             EXPECT_TRUE(ground.contains(place(form))) << "with its close box";
         EXPECT_EQ(place(a).bottomRight(), ground.bottomRight());
     }
-
-    const auto big = Open("h", Border::Fixed);
-    const QSize edges = FrameOf(big).size() - big->Surface()->size();
-    const QSize size = ground.size() + QSize(-1, 1); // too wide beside the bar that it brings
-    big->Surface()->setMinimumSize(size - edges);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return FrameOf(big).size() == size; }));
-    Choose(UnderEachOther);
-    const auto room = [] { return Area().viewport()->rect(); };
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return room().width() < ground.width() && room().height() < ground.height(); }));
-    EXPECT_EQ(place(a).bottomRight(), room().bottomRight()) << "beside both scroll bars";
 }
 
 TEST_F(FrameTest, BoxesStandOverTheChildThatAsks) {
@@ -293,25 +202,4 @@ TEST_F(FrameTest, BoxesStandOverTheChildThatAsks) {
         const QWidget& child = FrameOf(form);
         EXPECT_LE((centre - child.mapToGlobal(child.rect().center())).manhattanLength(), 4);
     }
-}
-
-TEST_F(FrameTest, ClosingItUnloadsEveryChildFirst) {
-    Open("a");
-    const auto b = Open("b");
-    b->SetVisible(false);
-    Open("c");
-    Take();
-    Window().close();
-    EXPECT_EQ(Take(), QStringLiteral("a.unload a.terminate b.unload c.unload c.terminate"))
-        << "hidden ones too, and none is activated on the way";
-    EXPECT_TRUE(forms::Form::Loaded().empty());
-}
-
-TEST_F(FrameTest, ItMayBeClosedWhileAChildGoes) {
-    const auto a = Open("a");
-    Open("b");
-    a->inUnload = [] { Window().close(); };
-    a->Unload();
-    EXPECT_EQ(Take(), QStringLiteral("a.unload b.unload b.terminate"));
-    EXPECT_TRUE(forms::Form::Loaded().empty());
 }

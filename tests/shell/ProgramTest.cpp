@@ -2,44 +2,35 @@
 #include "platform/runtime/Settings.h"
 #include "tests/support/WindowTest.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
 
 namespace {
 
+class ProgramEnd : public test::Program {};
+
 /// The program as the system starts it.
-class ProgramEnd : public test::Program {
-protected:
-    /// What its boxes said, once it has ended well.
-    QString Run(const QString& fullDisk) const {
+TEST_F(ProgramEnd, WhatCannotBeWrittenAnyMoreIsTold) {
+    MakeBook();
+    QDir().mkpath(Path(QStringLiteral("zavelik")));
+    runtime::UseSettingsFile(Path(QStringLiteral("zavelik/settings.ini")));
+    Store(Path());
+    const QString told = QStringLiteral("произошла ошибка №%1 ").arg(engine::DiskOrNetworkFailure) +
+                         engine::EngineText(engine::DiskOrNetworkFailure);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Path(QString()));
+    environment.insert(QStringLiteral("ZAVELIK_FULL_DISK"), QStringLiteral("1"));
+    for (const auto& [said, rows] : {std::pair(told, QStringList{"3"}), {QString(), {"1", "3"}}}) {
         QProcess program;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), Path(QStringLiteral("config")));
-        environment.insert(QStringLiteral("ZAVELIK_FULL_DISK"), fullDisk);
         program.setProcessEnvironment(environment);
         program.start(QCoreApplication::applicationDirPath() + QStringLiteral("/driven_program"), {});
         EXPECT_TRUE(program.waitForFinished());
         EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(program.exitCode(), 0);
-        return QString::fromUtf8(program.readAllStandardOutput());
+        EXPECT_EQ(QString::fromUtf8(program.readAllStandardOutput()), said);
+        EXPECT_EQ(test::ReadRows(Path(), QStringLiteral("SELECT v00vrid FROM v00 ORDER BY 1")), rows);
+        environment.remove(QStringLiteral("ZAVELIK_FULL_DISK"));
     }
-};
-
-TEST_F(ProgramEnd, WhatCannotBeWrittenAnyMoreIsTold) {
-    MakeBook();
-    engine::DBEngine::Workspaces(0)->OpenDatabase(Path())->Execute(
-        QStringLiteral("CREATE TABLE a01 (a01clid INTEGER NOT NULL PRIMARY KEY, a01last TEXT(50))"));
-    engine::DBEngine::Commit();
-    QDir().mkpath(Path(QStringLiteral("config/zavelik")));
-    runtime::UseSettingsFile(Path(QStringLiteral("config/zavelik/settings.ini")));
-    Store(Path());
-    const QString folder = QFileInfo(Path()).path();
-    EXPECT_EQ(Run(folder), QStringLiteral("произошла ошибка №%1 ").arg(engine::DiskFull) +
-                               engine::EngineText(engine::DiskFull));
-    EXPECT_EQ(test::ReadRows(Path(), QStringLiteral("SELECT a01last FROM a01")), QStringList());
-    EXPECT_EQ(Run({}), QString());
-    EXPECT_EQ(test::ReadRows(Path(), QStringLiteral("SELECT a01last FROM a01")), QStringList{"Яя"});
 }
 
 } // namespace

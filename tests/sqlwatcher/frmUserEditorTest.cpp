@@ -2,7 +2,6 @@
 #include "platform/forms/Twips.h"
 #include "tests/support/WindowTest.h"
 
-#include <QLabel>
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QTimer>
@@ -16,17 +15,13 @@ class frmUserEditorTest : public test::WindowTest {
 protected:
     void SetUp() override {
         WindowTest::SetUp();
-        Open();
-    }
-    void Open() {
         Choose("mnuSettingsSQLVIEW");
         window = Last("frmUserEditor");
     }
     QPlainTextEdit& Editor() { return Control<QPlainTextEdit>(window, "txtSQLEditor"); }
     forms::FlexGrid& Grid() { return Control<forms::FlexGrid>(window, "gridSQLEditor"); }
-    void Write(const QString& text) { Fill(*Editor().viewport(), text); }
     void RunText(const QString& text) {
-        Write(text);
+        Fill(*Editor().viewport(), text);
         Press(Qt::Key_F9);
     }
     /// The rows parted by " / ", the header first.
@@ -40,15 +35,8 @@ protected:
     std::shared_ptr<forms::Form> window;
 };
 
-TEST_F(frmUserEditorTest, OpensEmptyWithAFixedWidthFont) {
-    EXPECT_EQ(window->Caption(), QStringLiteral("SQL наблюдатель"));
-    EXPECT_EQ(Grid().Cols(), 0);
-    EXPECT_EQ(Grid().Rows(), 2);
-    const QFontMetrics font(Editor().font());
-    EXPECT_EQ(font.horizontalAdvance(QStringLiteral("iiii")), font.horizontalAdvance(QStringLiteral("WWЩЩ")));
-}
-
 TEST_F(frmUserEditorTest, ShowsNamesRowsAndBlanksForNull) {
+    EXPECT_EQ(Result(), QStringLiteral(" / ")) << "no column before the first statement";
     AddCard(7, QStringLiteral("Ёлкин"), QStringLiteral(""));
     const std::pair<const char*, const char*> rows[] = {
         {"SELECT a01clid, A01LAST, a01frst, a01midl, a01clid + 1 FROM a01",
@@ -56,8 +44,7 @@ TEST_F(frmUserEditorTest, ShowsNamesRowsAndBlanksForNull) {
         {"SELECT t01cval FROM t01 WHERE t01code > 2 ORDER BY t01code DESC",
          "t01cval / Основной телефон / Рабочий телефон"},
         {"SELECT * FROM a03", "a03evid|a03evnm|a03evdt|a03evpr / |||"},
-        {"v00", "v00vrid / 3"},
-        {"SELECT 'О''Нил', 'а\u00a0б' FROM v00", "Expr1000|Expr1001 / О'Нил|а\u00a0б"},
+        {"SELECT 'а\u00a0б' FROM v00", "Expr1000 / а\u00a0б"},
     };
     for (const auto& [text, result] : rows) {
         RunText(QString::fromUtf8(text));
@@ -68,38 +55,17 @@ TEST_F(frmUserEditorTest, ShowsNamesRowsAndBlanksForNull) {
     EXPECT_NE(Grid().TextMatrix(40000, 1), QString());
 }
 
-TEST_F(frmUserEditorTest, F9RunsFromAnywhereWithAnyShiftState) {
-    for (const auto modifiers :
-         {Qt::KeyboardModifiers(Qt::NoModifier), Qt::ControlModifier | Qt::AltModifier}) {
-        Write(QStringLiteral("SELECT 1 FROM v00"));
-        Press(Qt::Key_F9, modifiers);
-        EXPECT_EQ(Grid().Cols(), 1);
-        Write(QStringLiteral("SELECT 1, 2 FROM v00"));
-        Grid().setFocus();
-        Press(Qt::Key_F9, modifiers);
-        EXPECT_EQ(Grid().Cols(), 2);
-    }
-    Write(QStringLiteral("SELECT 5 FROM v00"));
-    Press(Qt::Key_F8);
-    EXPECT_EQ(Grid().Cols(), 2);
-}
-
-TEST_F(frmUserEditorTest, ASelectionRunsAlone) {
-    Write(QStringLiteral("SELECT 'все' FROM v00;SELECT v00vrid"));
+TEST_F(frmUserEditorTest, ASelectionRunsAloneFromAnywhere) {
+    Fill(*Editor().viewport(), QStringLiteral("SELECT 'все' FROM v00;SELECT v00vrid"));
     Press(Qt::Key_Return);
     Type(QStringLiteral("FROM v00"));
     auto cursor = Editor().textCursor();
     cursor.setPosition(static_cast<int>(Editor().toPlainText().indexOf(u';')) + 1);
     cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
     Editor().setTextCursor(cursor);
-    Press(Qt::Key_F9);
+    Grid().setFocus();
+    Press(Qt::Key_F9, Qt::ControlModifier | Qt::AltModifier);
     EXPECT_EQ(Result(), QStringLiteral("v00vrid / 3"));
-
-    Write(QStringLiteral("SELECT 1 FROM v00   "));
-    Press(Qt::Key_Left, Qt::ShiftModifier); // a blank, which is no statement
-    test::Answers answers;
-    answers.Failure(Head, 3078, forms::Icon::Exclamation);
-    Press(Qt::Key_F9);
 }
 
 TEST_F(frmUserEditorTest, WhatCannotRunIsToldAndLeavesTheOldResult) {
@@ -107,9 +73,7 @@ TEST_F(frmUserEditorTest, WhatCannotRunIsToldAndLeavesTheOldResult) {
     const QString old = Result();
     const std::pair<QString, int> cases[] = {
         {QString(), 3078},
-        {QStringLiteral("SELEC 1"), 3078},
         {QStringLiteral("SELECT a99 FROM a01"), 3061},
-        {QStringLiteral("INSERT INTO a03 (a03evnm, a03evdt, a03evpr) VALUES ('А', '01.01.2001', 0)"), 3219},
         {QStringLiteral("DROP TABLE t03"), 3219},
     };
     for (const auto& [text, number] : cases) {
@@ -120,61 +84,44 @@ TEST_F(frmUserEditorTest, WhatCannotRunIsToldAndLeavesTheOldResult) {
         EXPECT_EQ(Result(), old);
         EXPECT_EQ(Editor().toPlainText(), text);
     }
-    EXPECT_EQ(Row(QStringLiteral("SELECT (SELECT COUNT(*) FROM a03), (SELECT COUNT(*) FROM t03)")),
-              QStringLiteral("0|1913"));
+    EXPECT_EQ(Row(QStringLiteral("SELECT COUNT(*) FROM t03")), QStringLiteral("1913"));
 }
 
 // Esc that comes while a statement runs ends it. Nothing else that comes meanwhile does anything.
 TEST_F(frmUserEditorTest, EscStopsARunningStatement) {
     RunText(QStringLiteral("SELECT v00vrid FROM v00"));
     const QString old = Result();
-    for (const char* list : {"COUNT(*) %1", "x.t03cval %1 ORDER BY y.t03cval", "x.t03rcid %1"}) {
-        const QString text = QStringLiteral("SELECT ") +
-                             QString::fromUtf8(list).arg(QStringLiteral("FROM t03 AS x, t03 AS y, t03 AS z"));
-        SCOPED_TRACE(text.toStdString());
-        Write(text);
-        QWidget* const field = QApplication::focusWidget();
-        const auto post = [](QObject* receiver, int key, const QString& typed = {}) {
-            QCoreApplication::postEvent(receiver,
-                                        new QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, typed));
-        };
-        post(field, Qt::Key_Z, QStringLiteral("z"));
-        post(field, Qt::Key_F9);
-        QCoreApplication::postEvent(&FrameOf(window), new QCloseEvent);
-        bool ranMeanwhile = false;
-        QTimer::singleShot(1, &Editor(),
-                           [&] { ranMeanwhile = QApplication::activeModalWidget() == nullptr; });
-        post(field->window()->windowHandle(), Qt::Key_Escape);
+    const QString text =
+        QStringLiteral("SELECT x.t03cval FROM t03 AS x, t03 AS y, t03 AS z ORDER BY y.t03cval");
+    Fill(*Editor().viewport(), text);
+    QWidget* const field = QApplication::focusWidget();
+    const auto post = [](QObject* receiver, int key, const QString& typed = {}) {
+        QCoreApplication::postEvent(receiver, new QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, typed));
+    };
+    post(field, Qt::Key_Z, QStringLiteral("z"));
+    post(field, Qt::Key_F9);
+    QCoreApplication::postEvent(&FrameOf(window), new QCloseEvent);
+    bool ranMeanwhile = false;
+    QTimer::singleShot(1, &Editor(), [&] { ranMeanwhile = QApplication::activeModalWidget() == nullptr; });
+    post(field->window()->windowHandle(), Qt::Key_Escape);
 
-        test::Answers answers;
-        answers.BoxStarting(test::ErrorStart(Head, 32001) + QStringLiteral("Операция отменена пользователем"),
-                            forms::Icon::Exclamation);
-        QTest::keyClick(field, Qt::Key_F9);
-        EXPECT_FALSE(ranMeanwhile);
-        ASSERT_TRUE(window->IsLoaded());
-        EXPECT_EQ(Result(), old);
-        EXPECT_EQ(Editor().toPlainText(), text);
-    }
-    RunText(QStringLiteral("SELECT 1 FROM v00"));
-    EXPECT_EQ(Result(), QStringLiteral("Expr1000 / 1"));
+    test::Answers answers;
+    answers.BoxStarting(test::ErrorStart(Head, 32001) + QStringLiteral("Операция отменена пользователем"),
+                        forms::Icon::Exclamation);
+    QTest::keyClick(field, Qt::Key_F9);
+    EXPECT_FALSE(ranMeanwhile);
+    ASSERT_TRUE(window->IsLoaded());
+    EXPECT_EQ(Result(), old);
+    EXPECT_EQ(Editor().toPlainText(), text);
 }
 
 TEST_F(frmUserEditorTest, TheResizeRule) {
-    const auto left = [this] { return window->Width() - 390 - 400; };
     FrameOf(window).resize(800, 600); // no column yet: no harm
     EXPECT_EQ(forms::ToTwips(Grid().width()), window->Width() - 390);
     EXPECT_EQ(forms::ToTwips(Grid().height()), window->Height() - 2910);
     EXPECT_EQ(Editor().width(), Grid().width());
-    EXPECT_EQ(Control<QLabel>(window, "Label3").geometry().right(), Grid().geometry().right());
-    RunText(QStringLiteral("SELECT v00vrid FROM v00"));
-    EXPECT_EQ(Grid().ColWidth(0), left());
     RunText(QStringLiteral("SELECT 1, 2, 3 FROM v00"));
-    EXPECT_EQ(Grid().ColWidth(0), left()) << "a column keeps the width that it has";
-
-    Open();
-    FrameOf(window).resize(800, 600);
-    RunText(QStringLiteral("SELECT 1, 2, 3 FROM v00"));
-    const int last = left() - 2 * forms::FlexGrid::DefaultColWidth;
+    const int last = window->Width() - 390 - 400 - 2 * forms::FlexGrid::DefaultColWidth;
     EXPECT_EQ(Grid().ColWidth(2), last);
     FrameOf(window).resize(120, 50);
     EXPECT_NEAR(window->Height(), 4000, forms::TwipsPerPixel);

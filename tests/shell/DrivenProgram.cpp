@@ -1,5 +1,5 @@
-// Somebody at work in the started program: writes a row and leaves at once. What the boxes say goes to stdout.
-// With ZAVELIK_FULL_DISK nothing can be written any more once the row has been added.
+// Somebody at work in the started program: writes a row and leaves at once. What the boxes say goes to
+// stdout. With ZAVELIK_FULL_DISK nothing can be written any more once the row has been added.
 
 #include "platform/forms/MdiForm.h"
 #include "shared/Declaration.h"

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/engine/Value.h"
 #include "platform/engine/jet4/Reader.h"
-#include "platform/runtime/Dates.h"
 #include "tests/support/Expect.h"
 
 #include <QHash>
@@ -108,27 +106,6 @@ public:
         page.replace(sized(column), sized(name));
         m_bytes.replace(Definition(table), pageSize, page.append(pageSize, '\0').first(pageSize));
     }
-    /// A variable column of texts that no row knows, behind three that were taken away.
-    void AddColumn(const char16_t* table, const QString& name) {
-        const engine::jet4::Table& known = Table(table);
-        const auto count = static_cast<qsizetype>(known.columns.size());
-        const qsizetype last = 63 + 12 * qsizetype{known.indexCount} + 25 * (count - 1);
-        const qsizetype start = Definition(table);
-        QByteArray page = m_bytes.mid(start, pageSize);
-        QByteArray entry = page.mid(last, 25);
-        qToLittleEndian(static_cast<std::uint16_t>(count + 3), entry.data() + 5);
-        qToLittleEndian(known.variableColumns, entry.data() + 7);
-        qsizetype names = last + 25;
-        for (qsizetype i = 0; i < count; ++i)
-            names += 2 + qFromLittleEndian<std::uint16_t>(page.data() + names);
-        const QByteArray form = Form(name, false);
-        page.insert(names, QByteArray(1, static_cast<char>(form.size())) + QByteArray(1, '\0') + form);
-        page.insert(last + 25, entry);
-        m_bytes.replace(start, pageSize, page.first(pageSize));
-        Put(start + 41, static_cast<std::uint16_t>(count + 4));
-        Add(start + 43, 1);
-        Add(start + 45, 1);
-    }
 
 private:
     static constexpr qsizetype pageSize = 4096;
@@ -149,20 +126,5 @@ private:
     engine::jet4::Reader m_sound;
     mutable QHash<qsizetype, qsizetype> m_rowEnds;
 };
-
-/// The wording of the list of expected rows: money and dates are texts there.
-inline QJsonValue JsonOf(const engine::Value& value, engine::DataType type) {
-    if (value.IsNull())
-        return QJsonValue::Null;
-    if (const auto* truth = value.As<bool>())
-        return *truth;
-    if (value.As<QString>())
-        return value.Text();
-    if (type == engine::DataType::Currency)
-        return QString::number(value.Number(), 'f', 2);
-    if (type == engine::DataType::Date)
-        return runtime::DateFromNumber(value.Number()).toString(QStringLiteral("yyyy-MM-ddTHH:mm"));
-    return value.Number();
-}
 
 } // namespace test

@@ -21,15 +21,3 @@ TEST(ProcessDeathTest, EndRunsTheLastRoutinesAndNoDestructor) {
     };
     EXPECT_EXIT(end(), testing::ExitedWithCode(0), "^\\[first\\]\\[second\\]$");
 }
-
-TEST(Process, ATrapTurnsTheEndIntoAnExceptionThatNoHandlerOfFailuresTakes) {
-    const runtime::EndTrap trap;
-    const auto end = [] {
-        try {
-            runtime::End();
-        } catch (const runtime::Failure&) {
-            ADD_FAILURE() << "taken for a failure";
-        }
-    };
-    EXPECT_THROW(end(), runtime::ProcessEnded);
-}

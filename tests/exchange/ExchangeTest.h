@@ -19,31 +19,17 @@ protected:
         list->Show();
     }
 
-    /// A file in the folder of the book.
-    QString Beside(const QString& name) const { return Path(name); }
-
     /// Texts without a value are empty.
-    static void AddCard(int id, const QString& last, const QString& first = QStringLiteral(""),
-                        const QString& middle = QStringLiteral(""),
-                        const QString& memo = QStringLiteral("")) {
+    static void AddCard(int id, const QString& last, const QString& first = "", const QString& middle = "",
+                        const QString& memo = "") {
         WindowTest::AddCard(id, last, first, middle, memo);
     }
 
-    /// That many cards without names, numbered from 1.
-    static void AddManyCards(int count) {
-        gWorkspace->BeginTrans();
-        for (int id = 1; id <= count; ++id)
-            Execute(QStringLiteral("INSERT INTO a01 (a01clid, a01last) VALUES (%1, 'Ц')").arg(id));
-        gWorkspace->CommitTrans();
-    }
-
     QStringList Cards() const {
-        return Rows(QStringLiteral("SELECT a01clid, a01last, a01frst, a01midl, a01memo, a01bith FROM a01 "
-                                   "ORDER BY a01clid"));
+        return Rows("SELECT a01clid, a01last, a01frst, a01midl, a01memo, a01bith FROM a01 ORDER BY a01clid");
     }
     QStringList Phones() const {
-        return Rows(QStringLiteral("SELECT a02clid, a02code, a02cval FROM a02 ORDER BY a02clid, a02code, "
-                                   "a02rcid"));
+        return Rows("SELECT a02clid, a02code, a02cval FROM a02 ORDER BY a02clid, a02code, a02rcid");
     }
 
     QString bookPath = Path();

@@ -23,33 +23,25 @@ TEST(Retries, OnlyADatabaseThatCannotBeOpenedIsTriedAgain) {
     for (const auto& statement : statements) {
         int calls = 0;
         failures = 0;
-        const int raised = test::FailureOf([&] {
-            EXPECT_EQ(retries.Run([&] {
-                if (++calls <= statement.times)
-                    engine::RaiseEngine(statement.error, QStringLiteral("book.mdb"));
-                return 7;
-            }),
-                      7);
-        });
-        EXPECT_EQ(raised, statement.raised);
+        const auto run = [&] {
+            if (++calls <= statement.times)
+                engine::RaiseEngine(statement.error, "book.mdb");
+            return 7;
+        };
+        EXPECT_EQ(test::FailureOf([&] { EXPECT_EQ(retries.Run(run), 7); }), statement.raised);
         EXPECT_EQ(calls, statement.calls);
-        EXPECT_EQ(failures, calls - (raised == 0 ? 1 : 0));
+        EXPECT_EQ(failures, calls - (statement.raised == 0 ? 1 : 0));
     }
 }
 
 TEST(RowLoop, SixteenBits) {
-    const struct {
-        std::int64_t count;
-        int calls;
-        int failure;
-    } cases[] = {{0, 0, 0}, {1, 1, 0}, {32766, 32766, 0}, {32767, 32767, 6}, {32768, 0, 6}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.count);
+    const std::tuple<int, int, int> cases[] = {
+        {0, 0, 0}, {32766, 32766, 0}, {32767, 32767, 6}, {32768, 0, 6}};
+    for (const auto& [count, expected, failure] : cases) {
         int calls = 0;
-        EXPECT_EQ(test::FailureOf(
-                      [&] { exchange::ForEachRow(c.count, [&](int row) { EXPECT_EQ(row, ++calls); }); }),
-                  c.failure);
-        EXPECT_EQ(calls, c.calls);
+        const auto each = [&](int row) { EXPECT_EQ(row, ++calls); };
+        EXPECT_EQ(test::FailureOf([&, rows = count] { exchange::ForEachRow(rows, each); }), failure) << count;
+        EXPECT_EQ(calls, expected) << count;
     }
 }
 

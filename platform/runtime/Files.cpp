@@ -197,6 +197,8 @@ InputFile::InputFile(const QString& path)
     if (!info.exists())
         Raise(FileNotFound);
     CheckRegular(info);
+    if (OpenDatabaseFile::Holds(path)) // closing it here would drop SQLite's locks
+        Raise(PermissionDenied);
     m->file.setFileName(path);
     if (!m->file.open(QFile::ReadOnly))
         Raise(PathFileAccess);

@@ -92,7 +92,8 @@ private:
 /// the file.
 class InputFile {
 public:
-    /// Failures: 53 missing, 75 a folder or no right to read, 52 malformed path.
+    /// Failures: 53 missing, 75 a folder or no right to read, 52 malformed path, 70 open as a database in
+    /// this program.
     explicit InputFile(const QString& path);
     ~InputFile();
     InputFile(const InputFile&) = delete;

@@ -76,7 +76,7 @@ TEST_F(Files, EveryUseNamesWhatIsWrong) {
     EXPECT_FALSE(QFile::exists(odd));
 }
 
-TEST_F(Files, AnOpenDatabaseIsNotDeletedUnderAnyName) {
+TEST_F(Files, AnOpenDatabaseIsNeitherDeletedNorReadAsTextUnderAnyName) {
     const QString book = Make(QStringLiteral("book.mdb"), "cards");
     const QString link = Path(QStringLiteral("link.mdb"));
     const QString hardLink = Path(QStringLiteral("hard.mdb"));
@@ -85,8 +85,10 @@ TEST_F(Files, AnOpenDatabaseIsNotDeletedUnderAnyName) {
     QDir().mkdir(Path(QStringLiteral("sub")));
     {
         const runtime::OpenDatabaseFile open(book);
-        for (const QString& path : {book, link, hardLink, Path(QStringLiteral("sub/../book.mdb"))})
+        for (const QString& path : {book, link, hardLink, Path(QStringLiteral("sub/../book.mdb"))}) {
             EXPECT_EQ(test::FailureOf([&] { runtime::Kill(path); }), runtime::PermissionDenied);
+            EXPECT_EQ(test::FailureOf([&] { InputFile file(path); }), runtime::PermissionDenied);
+        }
         EXPECT_EQ(test::ReadBytes(book), "cards");
     }
     EXPECT_EQ(test::FailureOf([&] { runtime::Kill(book); }), 0);

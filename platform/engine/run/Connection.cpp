@@ -46,10 +46,12 @@ private:
     sqlite3* m_db;
 };
 
-// The check of a file tells in words alone that a page could not be read; anything else that it finds is
-// damage.
+// The check of a file tells in words alone that a page could not be read, of free pages and long values even
+// without a code; anything else that it finds is damage.
 int CodeIn(const QString& finding) {
     constexpr auto mark = QLatin1String("error code=");
+    if (finding.contains(QLatin1String("failed to get page")))
+        return SQLITE_IOERR_READ;
     const qsizetype place = finding.indexOf(mark);
     const QStringView code = QStringView(finding).mid(place + mark.size());
     const auto end = std::ranges::find_if_not(code, [](QChar character) { return character.isDigit(); });

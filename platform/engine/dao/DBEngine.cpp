@@ -2,7 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/run/Connection.h"
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/NewFile.h"
 #include "platform/engine/store/Transactions.h"
 #include "platform/runtime/Process.h"
 

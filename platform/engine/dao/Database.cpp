@@ -3,7 +3,7 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/run/Connection.h"
 #include "platform/engine/schema/FileCatalog.h"
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/NewFile.h"
 
 namespace engine {
 

@@ -4,7 +4,7 @@
 #include "platform/engine/jet4/RowCheck.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/sql/Plan.h"
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/NewFile.h"
 
 #include <QDir>
 #include <QFile>

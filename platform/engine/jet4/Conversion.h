@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/engine/jet4/Reader.h"
-#include "platform/engine/jet4/Replacement.h"
 #include "platform/engine/jet4/RowCopy.h"
+#include "platform/engine/store/Replacement.h"
 
 #include <QDateTime>
 #include <QString>

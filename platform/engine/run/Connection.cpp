@@ -7,7 +7,7 @@
 #include "platform/engine/schema/FileCatalog.h"
 #include "platform/engine/schema/Names.h"
 #include "platform/engine/schema/SchemaEditor.h"
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/FileCheck.h"
 #include "platform/runtime/Files.h"
 
 #include <QFileInfo>
@@ -46,19 +46,6 @@ private:
     sqlite3* m_db;
 };
 
-// The check of a file tells in words alone that a page could not be read, of free pages and long values even
-// without a code; anything else that it finds is damage.
-int CodeIn(const QString& finding) {
-    constexpr auto mark = QLatin1String("error code=");
-    if (finding.contains(QLatin1String("failed to get page")))
-        return SQLITE_IOERR_READ;
-    const qsizetype place = finding.indexOf(mark);
-    const QStringView code = QStringView(finding).mid(place + mark.size());
-    const auto end = std::ranges::find_if_not(code, [](QChar character) { return character.isDigit(); });
-    const int number = place < 0 ? 0 : code.left(end - code.begin()).toInt();
-    return (number & 0xff) == SQLITE_IOERR ? number : SQLITE_CORRUPT;
-}
-
 /// The journal of a file; failure 3049 if it names another file.
 QString SafeJournal(const QString& file, const QString& path) {
     QString journal = QFileInfo(file).canonicalFilePath() + QStringLiteral("-journal");
@@ -90,7 +77,6 @@ auto WithMemory(Work work) {
 /// What lives while the file is open.
 struct Connection::Session {
     Session(Connection& owner, const QString& file, const QString& path);
-    void CheckSound(const QString& file, const QString& path);
 
     const QString journal;
     const std::optional<runtime::FileIdentity> identity;
@@ -123,31 +109,12 @@ Connection::Session::Session(Connection& owner, const QString& file, const QStri
            "PRAGMA synchronous = EXTRA",
            Doing::Open);
     readOnly = db.IsReadOnly();
-    CheckSound(file, path);
+    CheckSound(db, file, path);
+    for (const QString& table : catalog.TableNames())
+        catalog.FindTable(table);
     // Not before: it writes to a file that other means have set to a write-ahead log.
     db.Run("PRAGMA journal_mode = DELETE", Doing::Open);
     watch.emplace(db, file, journal, identity);
-}
-
-void Connection::Session::CheckSound(const QString& file, const QString& path) {
-    if (db.Number("PRAGMA application_id") != applicationId)
-        RaiseEngine(UnrecognisedFormat, path);
-    // SQLite takes what is missing of the last page for zeros.
-    const std::int64_t whole = db.Number("PRAGMA page_count") * db.Number("PRAGMA page_size");
-    if (QFileInfo(file).size() < whole) // looked at last: others may let it grow meanwhile
-        RaiseEngine(CannotOpenDatabase, path);
-    // Columns that are worked out one from the other can keep any reader busy for ever.
-    if (db.Number("SELECT count(*) FROM sqlite_schema AS s, pragma_table_xinfo(s.name) AS c WHERE s.type "
-                  "= 'table' AND s.rootpage <> 0 AND c.hidden > 1") != 0)
-        RaiseEngine(UnrecognisedFormat, path);
-    // Rows older than a rule may break it, and the file is sound all the same.
-    db.Run("PRAGMA ignore_check_constraints = ON", Doing::Open);
-    Statement check(db, u"PRAGMA quick_check(1)", Doing::Open);
-    if (const QString finding = check.Next() ? check.Text(0) : QString(); finding != QLatin1String("ok"))
-        throw db.FailureOf(CodeIn(finding), Doing::Open);
-    db.Run("PRAGMA ignore_check_constraints = OFF", Doing::Open);
-    for (const QString& table : catalog.TableNames())
-        catalog.FindTable(table);
 }
 
 Connection::Connection(const QString& path, const QString& file)

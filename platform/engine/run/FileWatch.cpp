@@ -1,6 +1,6 @@
 #include "platform/engine/run/FileWatch.h"
 
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/FileCheck.h"
 #include "platform/engine/store/LockWait.h"
 #include "platform/runtime/Files.h"
 

@@ -2,7 +2,7 @@
 
 #include "platform/engine/EngineError.h"
 #include "platform/engine/dao/DBEngine.h"
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/NewFile.h"
 #include "tests/engine/jet4/OldFiles.h"
 #include "tests/support/System.h"
 #include "tests/support/TestBook.h"

@@ -1,6 +1,7 @@
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/NewFile.h"
 
 #include "platform/engine/EngineError.h"
+#include "platform/engine/store/FileCheck.h"
 #include "platform/runtime/DiskSync.h"
 #include "platform/runtime/System.h"
 
@@ -12,48 +13,11 @@
 #include <QtEndian>
 #include <sqlite3.h>
 
-#include <array>
-#include <filesystem>
 #include <system_error>
 
 namespace engine {
 
 namespace {
-
-constexpr int applicationIdOffset = 68;
-constexpr auto sqliteMagic = QByteArrayView("SQLite format 3\0", 16);
-
-std::filesystem::path FilePath(const QString& path) {
-    return {path.toStdU16String()};
-}
-
-void CheckFolder(const QString& path) {
-    if (path.trimmed().isEmpty() || path.contains(QChar::Null))
-        RaiseEngine(InvalidPath, path);
-    std::error_code error;
-    const auto folder = std::filesystem::absolute(FilePath(path), error).parent_path();
-    if (error || !std::filesystem::is_directory(folder, error)) {
-        if (error == std::errc::permission_denied)
-            RaiseEngine(CannotOpenFile, path);
-        RaiseEngine(InvalidPath, path);
-    }
-}
-
-// The older formats of this engine's family begin alike: a mark, then 0 for the format before the last.
-bool IsOlderFormat(QByteArrayView header) {
-    return header.size() > 20 && header.sliced(4).startsWith("Standard ") &&
-           header.sliced(16, 4) == QByteArrayView(" DB\0", 4) && header[20] == 0;
-}
-
-QByteArray ReadHeader(const QString& path) {
-    QFile file(path);
-    if (const std::error_code error = runtime::OpenAtOnce(file))
-        RaiseEngine(error == std::errc::no_such_file_or_directory ? FileNotFound : CannotOpenFile, path);
-    QByteArray header = file.read(headerSize);
-    if (header.isEmpty() && file.error() != QFileDevice::NoError)
-        RaiseEngine(DiskOrNetworkFailure);
-    return header;
-}
 
 constexpr auto TemporaryFiles = ".zavelik-%1.new";
 
@@ -113,64 +77,6 @@ QByteArray EmptyImage() {
 }
 
 } // namespace
-
-void CheckDatabaseFile(const QString& path) {
-    if (runtime::NamesDevice(path))
-        RaiseEngine(UnrecognisedFormat, path);
-    CheckFolder(path);
-    if (!runtime::IsPossiblePath(path))
-        RaiseEngine(InvalidPath, path);
-    std::error_code error;
-    const auto status = std::filesystem::status(FilePath(path), error);
-    switch (status.type()) {
-    case std::filesystem::file_type::regular:
-        break;
-    case std::filesystem::file_type::not_found:
-        RaiseEngine(error == std::errc::not_a_directory ? InvalidPath : FileNotFound, path);
-    case std::filesystem::file_type::directory:
-        RaiseEngine(InvalidPath, path);
-    case std::filesystem::file_type::none:
-    case std::filesystem::file_type::unknown:
-        RaiseEngine(error == std::errc::permission_denied ? CannotOpenFile : InvalidPath, path);
-    default:
-        RaiseEngine(UnrecognisedFormat, path);
-    }
-    const QByteArray header = ReadHeader(path);
-    if (IsOlderFormat(header))
-        RaiseEngine(OlderFormat);
-    if (!IsHeaderOfOurs(header))
-        RaiseEngine(UnrecognisedFormat, path);
-}
-
-bool IsHeaderOfOurs(QByteArrayView bytes) {
-    return bytes.size() == headerSize && bytes.startsWith(sqliteMagic) &&
-           qFromBigEndian<qint32>(bytes.data() + applicationIdOffset) == applicationId;
-}
-
-// The name stands at the end, followed by its length, the sum of its bytes and a mark. SQLite adds the bytes
-// as the machine's char has them, with a sign or without.
-bool JournalNamesAFile(const QString& journal) {
-    constexpr qint64 tailSize = 16;
-    constexpr qint64 longestName = 1 << 16; // SQLite itself passes over names that are much shorter
-    constexpr auto mark = QByteArrayView("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8);
-    QFile file(journal);
-    if (!QFileInfo(journal).isFile() || !file.open(QIODevice::ReadOnly) || !file.seek(file.size() - tailSize))
-        return false;
-    const QByteArray tail = file.read(tailSize);
-    if (tail.size() != tailSize || !tail.endsWith(mark))
-        return false;
-    const auto length = qFromBigEndian<quint32>(tail.constData());
-    const auto sum = qFromBigEndian<quint32>(tail.constData() + sizeof length);
-    if (length == 0 || length > longestName || !file.seek(file.size() - tailSize - length))
-        return false;
-    quint32 withSign = 0;
-    quint32 without = 0;
-    for (const char byte : file.read(length)) {
-        withSign += static_cast<quint32>(static_cast<signed char>(byte));
-        without += static_cast<unsigned char>(byte);
-    }
-    return sum == withSign || sum == without;
-}
 
 bool RemoveJournals(const QString& path, runtime::Disk& disk) {
     for (const char* suffix : {"-journal", "-wal", "-shm"}) {

@@ -2,29 +2,12 @@
 
 #include "platform/runtime/Files.h"
 
-#include <QByteArrayView>
 #include <QString>
 
 #include <memory>
 #include <system_error>
 
 namespace engine {
-
-/// Marks a file as ours in its header ("ZVTB").
-inline constexpr std::int32_t applicationId = 0x5a565442;
-
-/// Looks at a file before SQLite does, so that what is no database of ours is neither waited for nor written
-/// to. Failures: 3044, 3024, 3051, 3041, 3343. Not for a file that this process has open: closing a second
-/// handle would drop SQLite's locks.
-void CheckDatabaseFile(const QString& path);
-
-/// Whether the first bytes of a file, as many as a header has or less, are those of a database of ours.
-bool IsHeaderOfOurs(QByteArrayView bytes);
-inline constexpr int headerSize = 100;
-
-/// Whether the rollback journal of the file names another file, which SQLite would delete behind the
-/// rollback. Ours never do.
-bool JournalNamesAFile(const QString& journal);
 
 /// A database file in the making, under a hidden name, so that no dialog offers what a crash may leave.
 class HiddenFile {

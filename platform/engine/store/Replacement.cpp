@@ -1,13 +1,13 @@
-#include "platform/engine/jet4/Replacement.h"
+#include "platform/engine/store/Replacement.h"
 
 #include "platform/engine/EngineError.h"
-#include "platform/engine/store/DatabaseFile.h"
+#include "platform/engine/store/NewFile.h"
 #include "platform/runtime/FileIdentity.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-namespace engine::jet4 {
+namespace engine {
 
 namespace {
 
@@ -70,4 +70,4 @@ QString ReplaceKeeping(runtime::Disk& disk, const QString& finished, const QStri
     return kept;
 }
 
-} // namespace engine::jet4
+} // namespace engine

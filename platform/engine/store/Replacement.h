@@ -4,7 +4,7 @@
 
 #include <QString>
 
-namespace engine::jet4 {
+namespace engine {
 
 /// The names under which a replaced file is kept, in order: `Book.jet4.mdb`, `Book.jet4-2.mdb` and so on.
 /// Place counts from 1. Folder and name as `path` gives them.
@@ -21,4 +21,4 @@ QString FreeKeptName(const QString& path);
 /// half-done change fails too is the old file found under its second name.
 QString ReplaceKeeping(runtime::Disk& disk, const QString& finished, const QString& path);
 
-} // namespace engine::jet4
+} // namespace engine

@@ -1,4 +1,0 @@
-#pragma once
-
-#include "database/General.h"
-#include "tests/support/BoundBook.h"

@@ -1,5 +1,6 @@
 #include "platform/forms/MessageIcon.h"
 
+#include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -90,34 +91,49 @@ const std::vector<Sign>& Signs() {
     return signs;
 }
 
-QPixmap Drawn(const Sign& sign, int size) {
-    QPixmap picture(size, size);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(size / Units, size / Units);
-    painter.setPen(QPen(sign.ground, 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)); // round corners
-    painter.setBrush(sign.ground);
-    painter.drawPath(sign.outline);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(sign.mark, StrokeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPath(sign.strokes);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(sign.mark);
-    if (!sign.dot.isNull())
-        painter.drawEllipse(sign.dot, StrokeWidth * 0.6, StrokeWidth * 0.6);
-    return picture;
-}
+/// Draws a sign in the size that is asked for.
+class SignEngine final : public QIconEngine {
+public:
+    explicit SignEngine(const Sign& sign)
+        : m_sign(sign) {}
+
+    void paint(QPainter* painter, const QRect& place, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->translate(place.topLeft());
+        painter->scale(place.width() / Units, place.height() / Units);
+        painter->setPen(QPen(m_sign.ground, 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)); // round corners
+        painter->setBrush(m_sign.ground);
+        painter->drawPath(m_sign.outline);
+        painter->setBrush(Qt::NoBrush);
+        painter->setPen(QPen(m_sign.mark, StrokeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter->drawPath(m_sign.strokes);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(m_sign.mark);
+        if (!m_sign.dot.isNull())
+            painter->drawEllipse(m_sign.dot, StrokeWidth * 0.6, StrokeWidth * 0.6);
+        painter->restore();
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap picture(size);
+        picture.fill(Qt::transparent); // the toolkit's own starts with what the memory holds
+        QPainter painter(&picture);
+        paint(&painter, QRect(QPoint(), size), mode, state);
+        return picture;
+    }
+    QIconEngine* clone() const override { return new SignEngine(m_sign); }
+
+private:
+    const Sign& m_sign; ///< of the table
+};
 
 } // namespace
 
 QIcon MessageIcon(QStyle::StandardPixmap which) {
-    QIcon icon;
     for (const Sign& sign : Signs())
         if (sign.which == which && !QIcon::hasThemeIcon(sign.themeName))
-            for (const int size : {24, 32, 48, 64, 72, 96, 128, 192, 256}) // of the scales that screens have
-                icon.addPixmap(Drawn(sign, size));
-    return icon;
+            return QIcon(new SignEngine(sign));
+    return {};
 }
 
 } // namespace forms

@@ -40,6 +40,7 @@ TEST_F(MsgBoxTest, IconsAreDrawnWhereNoThemeHasThem) {
             QApplication::style()->standardIcon(which).pixmap(QSize(256, 256), 1.0).toImage();
         EXPECT_EQ(drawn.size(), QSize(256, 256)) << "sharp at every size";
         EXPECT_NE(drawn.pixelColor(128, 128).alpha(), 0) << which;
+        EXPECT_EQ(drawn.pixelColor(0, 0).alpha(), 0) << which;
     }
 }
 

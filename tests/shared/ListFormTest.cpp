@@ -158,6 +158,7 @@ TEST_F(ListFormTest, CriteriaTickColourAndClause) {
         << "the rule runs before Enter searches";
     EXPECT_EQ(Shown(), QStringLiteral("1/1:О^Нил"));
     ShowFilter();
+    Control(filter, "cmdCancel").setFocus();
     Name().setText(QStringLiteral("д'*"));
     Tick("chkLastName");
     Find();

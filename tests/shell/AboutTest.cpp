@@ -28,8 +28,11 @@ protected:
     static std::shared_ptr<forms::Form> Window() { return Last("frmAbout"); }
     static QString Texts() {
         QStringList texts;
-        for (const char* field : {"txtVersion", "txtVersionBase", "txtUseBase", "txtCompileDate"})
-            texts += Control<QLineEdit>(Window(), field).text();
+        for (const char* field : {"txtVersion", "txtVersionBase", "txtUseBase", "txtCompileDate"}) {
+            const auto& box = Control<QLineEdit>(Window(), field);
+            EXPECT_TRUE(box.isReadOnly()) << field;
+            texts += box.text();
+        }
         return texts.join(u'|');
     }
 };

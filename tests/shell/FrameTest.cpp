@@ -42,6 +42,7 @@ protected:
         (new QVBoxLayout(surface))->addWidget(field);
     }
     void Form_Activate() override { Tell(QStringLiteral("activate")); }
+    void Form_Terminate() override { Tell(QStringLiteral("terminate")); }
 
 private:
     void Tell(const QString& what) const { told += Name() + u'.' + what; }
@@ -202,4 +203,15 @@ TEST_F(FrameTest, BoxesStandOverTheChildThatAsks) {
         const QWidget& child = FrameOf(form);
         EXPECT_LE((centre - child.mapToGlobal(child.rect().center())).manhattanLength(), 4);
     }
+}
+
+TEST_F(FrameTest, ClosingItUnloadsEveryChildFirst) {
+    Open("a");
+    Open("b")->SetVisible(false);
+    Open("c");
+    Windows("a").front()->Show();
+    Take();
+    Window().close();
+    EXPECT_EQ(Take(), QStringLiteral("a.terminate b.terminate c.terminate"))
+        << "hidden ones too, and none is activated on the way";
 }

@@ -33,41 +33,28 @@ protected:
             Ok(dialog);
         };
     }
-    static QString Question(const QString& path) {
-        return QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(path);
-    }
 
-    /// Exports to the path; `dialog` handles that of the columns where it comes, boxes come before and behind
-    /// it.
-    void Run(const QString& target, const Dialog& dialog, const Boxes& behind = {}, const Boxes& before = {},
-             const QString& sql = AllCards) {
+    /// Exports to the path; these boxes and dialogs come behind that for the file.
+    void Run(const QString& target, const Boxes& boxes = {}, const QString& sql = AllCards) {
         test::Answers answers;
         answers.File(target, [](QFileDialog& files) {
             EXPECT_EQ(files.nameFilters(), QStringList{"Файл с разделителями (*.csv)"});
         });
-        if (before)
-            before(answers);
-        if (dialog)
-            answers.Modal("frmSelectDelimiter", dialog);
-        if (behind)
-            behind(answers);
+        if (boxes)
+            boxes(answers);
         exchange::ExtractToCSV(*list, sql);
         EXPECT_TRUE(answers.Done());
     }
-    static Boxes Done(int count) {
-        return [count](test::Answers& boxes) {
-            boxes.Box(
-                QStringLiteral("Экспорт данных в CSV файл успешно завершен. Экспортированно %1 записей.")
-                    .arg(count),
-                Icon::Information);
-        };
-    }
-    static Boxes Fails(int number) {
-        return [number](test::Answers& boxes) { boxes.Failure(Head, number); };
+    static test::Answers& Columns(test::Answers& answers, const Dialog& dialog) {
+        return answers.Modal("frmSelectDelimiter", dialog);
     }
     /// The bytes of a successful export of so many rows.
     QByteArray Export(const Dialog& dialog, int count, const QString& sql = AllCards) {
-        Run(path, dialog, Done(count), {}, sql);
+        const QString done = "Экспорт данных в CSV файл успешно завершен. Экспортированно %1 записей.";
+        const auto boxes = [&](test::Answers& answers) {
+            Columns(answers, dialog).Box(done.arg(count), Icon::Information);
+        };
+        Run(path, boxes, sql);
         QByteArray bytes = test::ReadBytes(path);
         QFile::remove(path);
         return bytes;
@@ -116,8 +103,8 @@ TEST_F(ExportTest, ChosenColumnsAndDelimiter) {
     for (const auto& c : cases)
         EXPECT_EQ(Export(OkWith(c.items, c.semicolon), c.count), runtime::To1251(c.text));
 
-    Run(path, OkWith({}), [](test::Answers& boxes) {
-        boxes.Box("Не выбран ни один параметр для экспорта.", Icon::Exclamation);
+    Run(path, [](test::Answers& answers) {
+        Columns(answers, OkWith({})).Box("Не выбран ни один параметр для экспорта.", Icon::Exclamation);
     });
     EXPECT_EQ(test::ReadBytes(path), QByteArray());
 }
@@ -126,28 +113,29 @@ TEST_F(ExportTest, ChosenColumnsAndDelimiter) {
 /// a program has open stays.
 TEST_F(ExportTest, FilesThatNobodyAgreedToLose) {
     AddCard(1, "Ааа");
-    Run({}, {});
-    const QString hidden = Path(".hidden.csv");
-    test::WriteBytes(hidden, "old");
-    Run(hidden, {}, [&](test::Answers& boxes) { boxes.Question(Question(hidden), false, false); });
-    EXPECT_EQ(test::ReadBytes(hidden), "old");
-    const auto yesTo = [](const QString& file) {
-        return [file](test::Answers& boxes) { boxes.Question(Question(file), true, false); };
+    Run({});
+    const auto ask = [](test::Answers& answers, const QString& file, bool yes) -> test::Answers& {
+        return answers.Question(QStringLiteral("Файл '%1' уже существует. Перезаписать его?").arg(file), yes,
+                                false);
     };
-    test::WriteBytes(path, "old");
-    Run(
-        path,
-        [&](QWidget& dialog) {
-            EXPECT_FALSE(QFileInfo::exists(path));
-            test::WriteBytes(path, "somebody's");
-            Ok(dialog);
-        },
-        Fails(58), yesTo(path));
+    const QString hidden = Path(".hidden.csv");
+    for (const QString& file : {hidden, path})
+        test::WriteBytes(file, "old");
+    Run(hidden, [&](test::Answers& answers) { ask(answers, hidden, false); });
+    EXPECT_EQ(test::ReadBytes(hidden), "old");
+    const auto replaceMeanwhile = [&](QWidget& dialog) {
+        EXPECT_FALSE(QFileInfo::exists(path));
+        test::WriteBytes(path, "somebody's");
+        Ok(dialog);
+    };
+    Run(path, [&](test::Answers& answers) {
+        Columns(ask(answers, path, true), replaceMeanwhile).Failure(Head, 58);
+    });
     EXPECT_EQ(test::ReadBytes(path), "somebody's");
     runtime::FileMark held;
     ASSERT_EQ(held.TakeShared(path), runtime::FileMark::Result::Taken);
     for (const QString& file : {path, bookPath})
-        Run(file, {}, Fails(70), yesTo(file));
+        Run(file, [&](test::Answers& answers) { ask(answers, file, true).Failure(Head, 70); });
     EXPECT_EQ(test::ReadBytes(path), "somebody's");
     EXPECT_EQ(Cards().size(), 1);
 }
@@ -166,19 +154,21 @@ TEST_F(ExportTest, TheDialogRemembersAConfirmedCancelOnly) {
         QTest::keyClick(&dialog, Qt::Key_Escape);
     };
     const QString giveUp = "Вы действительно хотите прервать процесс экспорта данных в файл CSV?";
-    Run(path, cancelTwice,
-        [&](test::Answers& boxes) { boxes.Question(giveUp, false, false).Question(giveUp, true, false); });
+    Run(path, [&](test::Answers& answers) {
+        Columns(answers, cancelTwice).Question(giveUp, false, false).Question(giveUp, true, false);
+    });
     // Its state came back; the close box then throws it away.
-    Run(path, [&](QWidget& dialog) {
+    const auto close = [&](QWidget& dialog) {
         shows(dialog, true, false);
         dialog.close();
-    });
+    };
+    Run(path, [&](test::Answers& answers) { Columns(answers, close); });
     EXPECT_FALSE(QFileInfo::exists(path));
     const auto confirm = [&](QWidget& dialog) {
         shows(dialog, false, true);
         QTest::keyClick(&Parameters(dialog), Qt::Key_Return); // the default button
     };
-    Run(path, confirm, Done(0));
+    Export(confirm, 0);
 }
 
 TEST_F(ExportTest, AFullDisk) {
@@ -187,20 +177,15 @@ TEST_F(ExportTest, AFullDisk) {
         AddCard(id, "Ц");
     gWorkspace->CommitTrans();
     const QByteArray whole = Export(Ok, 2000);
-    for (const qsizetype bytes : {qsizetype{512}, whole.size() - 1}) {
-        SCOPED_TRACE(bytes);
-        std::optional<test::SmallDisk> full;
-        const auto limited = [&](QWidget& dialog) {
-            full.emplace(bytes);
-            Ok(dialog);
-        };
-        Run(path, limited, Fails(61));
-        full.reset();
-        const QByteArray part = test::ReadBytes(path);
-        EXPECT_LE(part.size(), bytes);
-        EXPECT_TRUE(whole.startsWith(part)) << "what has been written stays";
-        ASSERT_TRUE(QFile::remove(path));
-    }
+    std::optional<test::SmallDisk> full;
+    const auto onFullDisk = [&](QWidget& dialog) {
+        full.emplace(whole.size() - 1);
+        Ok(dialog);
+    };
+    Run(path, [&](test::Answers& answers) { Columns(answers, onFullDisk).Failure(Head, 61); });
+    full.reset();
+    const QByteArray part = test::ReadBytes(path);
+    EXPECT_TRUE(whole.startsWith(part) && part.size() < whole.size()) << "what has been written stays";
 }
 
 } // namespace

@@ -28,15 +28,13 @@ protected:
     forms::MonthView& Month() { return Control<forms::MonthView>(calendar, "mnvCalendar"); }
     QAbstractItemView& Days() { return ControlOf<QAbstractItemView>(Month(), "qt_calendar_calendarview"); }
     forms::FlexGrid& Grid() { return Control<forms::FlexGrid>(calendar, "gridEvent"); }
-    /// The bold days, joined by blanks; one outside the shown month is written in full.
+    /// The bold days of whatever month, joined by blanks.
     QString BoldDays() {
         QStringList days;
         const auto formats = Month().dateTextFormat();
         for (auto day = formats.cbegin(); day != formats.cend(); ++day) {
-            const bool shown =
-                day.key().month() == Month().monthShown() && day.key().year() == Month().yearShown();
             if (day->fontWeight() == QFont::Bold)
-                days += shown ? QString::number(day.key().day()) : day.key().toString(Qt::ISODate);
+                days += QString::number(day.key().day());
         }
         return days.join(u' ');
     }

@@ -10,8 +10,6 @@ namespace runtime {
 
 namespace {
 
-int trapCount = 0;
-
 std::vector<std::function<void()>>& Routines() {
     static std::vector<std::function<void()>> routines;
     return routines;
@@ -29,21 +27,12 @@ void RunQuietly(const std::function<void()>& routine) {
 void End() {
     for (const std::function<void()>& routine : Routines())
         RunQuietly(routine);
-    if (trapCount > 0)
-        throw ProcessEnded();
-    std::_Exit(EXIT_SUCCESS);
+    leave();
+    std::abort();
 }
 
 void AtEnd(std::function<void()> routine) {
     Routines().push_back(std::move(routine));
-}
-
-EndTrap::EndTrap() {
-    ++trapCount;
-}
-
-EndTrap::~EndTrap() {
-    --trapCount;
 }
 
 } // namespace runtime

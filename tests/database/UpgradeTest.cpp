@@ -1,8 +1,8 @@
 #include "database/General.h"
 #include "platform/engine/EngineError.h"
-#include "platform/runtime/Process.h"
 #include "tests/database/OldVersion.h"
 #include "tests/support/BoundBook.h"
+#include "tests/support/EndTrap.h"
 
 #include <sqlite3.h>
 
@@ -23,14 +23,14 @@ protected:
 
     /// Starts on the book; these boxes come, and the process ends or goes on.
     static void Raise(const QStringList& boxes = {}, bool ends = false) {
-        const runtime::EndTrap trap;
+        const test::EndTrap trap;
         test::Answers answers;
         for (const QString& box : boxes)
             answers.BoxStarting(box, forms::Icon::Critical);
         bool ended = false;
         try {
             General::UpdateBaseIfNeed();
-        } catch (const runtime::ProcessEnded&) {
+        } catch (const test::ProcessEnded&) {
             ended = true;
         }
         EXPECT_EQ(ended, ends);

@@ -4,10 +4,10 @@
 #include "database/General.h"
 #include "database/Schema.h"
 #include "platform/runtime/Failure.h"
-#include "platform/runtime/Process.h"
 #include "shared/Declaration.h"
 #include "tests/fuzz/Changes.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/support/EndTrap.h"
 
 #include <QDir>
 #include <QEvent>
@@ -111,7 +111,7 @@ private:
 
     /// False if the file is refused.
     bool Use(std::uint8_t ways) const {
-        const runtime::EndTrap trap;
+        const test::EndTrap trap;
         try {
             gWorkspace = engine::DBEngine::Workspaces(0);
             gDatabase = gWorkspace->OpenDatabase(m_path);
@@ -122,7 +122,7 @@ private:
         if ((ways & raises) != 0) {
             try {
                 General::UpdateBaseIfNeed();
-            } catch (const runtime::ProcessEnded&) {
+            } catch (const test::ProcessEnded&) {
                 return false;
             }
         }

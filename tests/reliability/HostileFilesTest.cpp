@@ -2,13 +2,13 @@
 // what is wrong, and what it refuses stays as it was.
 
 #include "platform/runtime/Files.h"
-#include "platform/runtime/Process.h"
 #include "records/frmRecords.h"
 #include "shell/General.h"
 #include "shell/frmMain.h"
 #include "tests/database/OldVersion.h"
 #include "tests/exchange/ImportMaster.h"
 #include "tests/support/Answers.h"
+#include "tests/support/EndTrap.h"
 #include "tests/support/System.h"
 #include "tests/support/WindowTest.h"
 
@@ -60,9 +60,9 @@ protected:
     /// `started` tells whether the main window came.
     QStringList Use(bool& started) {
         try {
-            const runtime::EndTrap trap;
+            const test::EndTrap trap;
             General::Main();
-        } catch (const runtime::ProcessEnded&) {
+        } catch (const test::ProcessEnded&) {
         }
         started = forms::MdiForm::Current() != nullptr;
         if (started) {

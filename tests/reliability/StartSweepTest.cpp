@@ -3,12 +3,12 @@
 
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
-#include "platform/runtime/Process.h"
 #include "platform/runtime/Settings.h"
 #include "shared/Declaration.h"
 #include "shell/General.h"
 #include "tests/database/OldVersion.h"
 #include "tests/reliability/Sweep.h"
+#include "tests/support/EndTrap.h"
 #include "tests/support/TestBook.h"
 
 #include <QDir>
@@ -45,12 +45,12 @@ protected:
     }
     /// What the program does from its entry to the event loop.
     void Act() override {
-        const runtime::EndTrap trap;
+        const test::EndTrap trap;
         try {
             General::Main();
         } catch (const runtime::Failure& failure) {
             forms::ShowErrorBox({}, failure);
-        } catch (const runtime::ProcessEnded&) {
+        } catch (const test::ProcessEnded&) {
             // The process is gone: nothing is closed.
         }
     }

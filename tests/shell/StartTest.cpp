@@ -1,10 +1,10 @@
 // How the program starts and how it ends.
 
 #include "platform/engine/EngineError.h"
-#include "platform/runtime/Process.h"
 #include "platform/runtime/Settings.h"
 #include "shell/General.h"
 #include "shell/frmMain.h"
+#include "tests/support/EndTrap.h"
 #include "tests/support/WindowTest.h"
 
 #include <QDir>
@@ -86,11 +86,11 @@ TEST_F(StartTest, EveryBookHasItsEnd) {
         Store(Path());
         row.arrange();
         const QByteArray before = test::ReadBytes(Path());
-        const runtime::EndTrap trap;
+        const test::EndTrap trap;
         test::Answers answers;
         row.expect(answers);
         if (row.end == Ends) {
-            EXPECT_THROW(General::Main(), runtime::ProcessEnded);
+            EXPECT_THROW(General::Main(), test::ProcessEnded);
         } else {
             General::Main();
         }
@@ -155,11 +155,10 @@ TEST_F(StartTest, AnotherBaseIsStoredAndEndsTheProcess) {
     Choose("mnuBookNewBase");
     Choose("mnuBookNewBase");
     EXPECT_EQ(Stored(), Path());
-    const runtime::EndTrap trap;
+    const test::EndTrap trap;
     answers.Question(NewBase, true, false).File(other);
     // By its signal: the toolkit's own frames of a trigger are not made for exceptions.
-    EXPECT_THROW(Q_EMIT ControlOf<QAction>(Window(), "mnuBookNewBase").triggered(false),
-                 runtime::ProcessEnded);
+    EXPECT_THROW(Q_EMIT ControlOf<QAction>(Window(), "mnuBookNewBase").triggered(false), test::ProcessEnded);
     EXPECT_EQ(Stored(), other);
     EXPECT_TRUE(gDatabase->IsOpen());
     EXPECT_EQ(gDatabase->Name(), Path());
@@ -176,10 +175,10 @@ TEST_F(StartTest, AFailedDeletionOfASettingAsksWhetherToGoOn) {
             forms::ErrorText(QStringLiteral("Класс clsRegister функция %1:").arg(QLatin1String(routine)),
                              {runtime::InvalidCall, runtime::RuntimeText(runtime::InvalidCall)}) +
             QStringLiteral("\r\nПродолжить работу программы?");
-        const runtime::EndTrap trap;
+        const test::EndTrap trap;
         test::Answers answers;
         answers.Question(text, true, false, Icon::Critical).Question(text, false, false, Icon::Critical);
         EXPECT_NO_THROW(run()) << routine;
-        EXPECT_THROW(run(), runtime::ProcessEnded) << routine;
+        EXPECT_THROW(run(), test::ProcessEnded) << routine;
     }
 }

@@ -1,5 +1,5 @@
-// Cards and events are saved, cards imported and extracted through the windows, on disks that
-// fail, under locks of another program, in a process that is killed.
+// Cards and events are saved, cards imported, extracted and exported through the windows, on disks that fail,
+// under locks of another program.
 
 #include "organiser/frmEvent.h"
 #include "platform/forms/FlexGrid.h"
@@ -12,8 +12,6 @@
 #include <QFileDialog>
 
 #include <optional>
-
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -76,9 +74,8 @@ protected:
                test::ReadRows(path, phones).join(u' ');
     }
 
-    /// The bytes of a killed child's book are its own.
     void CheckUntouched() const {
-        EXPECT_TRUE(startsAnew || test::ReadBytes(Path()) == bytes);
+        EXPECT_TRUE(test::ReadBytes(Path()) == bytes);
         EXPECT_EQ(Content(Path()), QStringLiteral("1А 2Б 3В, 1-1-11 2-1-21 2-3-23"));
     }
 
@@ -231,15 +228,14 @@ private:
     mutable int errors = 0; ///< rows of the last report
 };
 
-/// The three cards go into a file of their own, perhaps in the place of another; the book is only read.
+/// The three cards go into the place of another file; the book is only read.
 class Extraction : public BookWork {
 protected:
     void Prepare() override {
         BookWork::Prepare();
         for (const QString& name : test::FilesOf(Target(), false))
             QFile::remove(QDir(Folder()).filePath(name));
-        if (!replaced.isEmpty())
-            test::WriteBytes(Target(), replaced);
+        test::WriteBytes(Target(), m_replaced);
     }
     void Act() override { list->ExtractToAnotherDB(); }
     void Answer(QWidget& window) override {
@@ -252,7 +248,7 @@ protected:
         CheckUntouched();
         if (!reported && !startsAnew) {
             EXPECT_EQ(test::FilesOf(Target(), startsAnew), QStringList());
-        } else if (reported || (QFile::exists(Target()) && test::ReadBytes(Target()) != replaced)) {
+        } else if (reported || (QFile::exists(Target()) && test::ReadBytes(Target()) != m_replaced)) {
             CheckEnd();
         }
     }
@@ -267,10 +263,10 @@ protected:
             QStringList{"4|1913|3"});
     }
 
-    QByteArray replaced;
-
 private:
     QString Target() const { return Beside("target.mdb"); }
+
+    const QByteArray m_replaced = "another file";
 };
 
 /// The three cards go into a text file.
@@ -335,11 +331,7 @@ TEST_P(Card, OnADiskThatFails) {
 }
 
 TEST_P(Card, UnderALock) {
-    test::SweepLocks(*this, Path());
-}
-
-TEST_P(Card, Killed) {
-    test::SweepKills(*this, GetParam().name, {2ms, 10ms});
+    test::SweepLocks(*this, GetParam().name, Path());
 }
 
 TEST_F(AddedEvent, OnADiskThatFails) {
@@ -351,29 +343,11 @@ TEST_F(Import, OnADiskThatFails) {
 }
 
 TEST_F(Import, UnderALock) {
-    test::SweepLocks(*this, Path());
-}
-
-TEST_F(Import, Killed) {
-    test::SweepKills(*this, "import", {2ms, 10ms});
+    test::SweepLocks(*this, "import", Path());
 }
 
 TEST_F(Extraction, OnADiskThatFails) {
     test::SweepDisk(*this, "extraction", 1, 0);
-}
-
-TEST_F(Extraction, OverAFileOnADiskThatFails) {
-    replaced = "another file";
-    test::SweepDisk(*this, "extraction over a file", 1, 0);
-}
-
-TEST_F(Extraction, Killed) {
-    replaced = "another file";
-    test::SweepKills(*this, "extraction", {20ms, 40ms});
-}
-
-TEST_F(Export, UnderALock) {
-    test::SweepLocks(*this, Path());
 }
 
 #ifdef Q_OS_UNIX

@@ -17,8 +17,6 @@
 #include <QSettings>
 #include <QTest>
 
-using namespace std::chrono_literals;
-
 namespace {
 
 const QString Key = QStringLiteral("DB_Path");
@@ -117,27 +115,23 @@ class Creation : public StartWork {
     }
 };
 
-/// A book of an older version, with one card.
+/// A book of the first version, with one card.
 class Upgrade : public StartWork {
-protected:
-    explicit Upgrade(int version)
-        : m_version(version) {}
-
     void Prepare() override {
         StartWork::Prepare();
-        test::MakeBook(Path(), m_version);
+        test::MakeBook(Path(), 1);
     }
     void CheckFiles(bool reported) override {
         const auto db = Open();
         EXPECT_EQ(Row("SELECT a01clid, a01last FROM a01"), QStringLiteral("7|Иванов"));
         const int version = Version().toInt();
-        EXPECT_TRUE(version >= (reported ? 3 : m_version) && version <= 3) << version;
+        EXPECT_TRUE(version >= (reported ? 3 : 1) && version <= 3) << version;
         const QStringList tables = db->TableNames();
         EXPECT_EQ(tables.contains(QStringLiteral("a03")), version == 3);
         EXPECT_EQ(tables.contains(QStringLiteral("t02")), version > 1);
         EXPECT_EQ(tables.contains(QStringLiteral("t03")), version > 1);
         EXPECT_EQ(db->TableDefs(QStringLiteral("a01")).FieldsCount(), version > 1 ? 6 : 5);
-        EXPECT_TRUE(version == 1 || Row("SELECT count(*) FROM t03") == (m_version == 1 ? u"1913" : u"0"));
+        EXPECT_TRUE(version == 1 || Row("SELECT count(*) FROM t03") == u"1913");
         db->Close();
     }
     void CheckEnd() override {
@@ -148,24 +142,8 @@ protected:
         db->Execute(QStringLiteral("UPDATE a01 SET a01bith = ''"), engine::dbFailOnError);
         db->Close();
     }
-
-private:
-    int m_version;
 };
 
-class UpgradeFrom1 : public Upgrade {
-protected:
-    UpgradeFrom1()
-        : Upgrade(1) {}
-};
-
-class UpgradeFrom2 : public Upgrade {
-protected:
-    UpgradeFrom2()
-        : Upgrade(2) {}
-};
-
-#ifdef Q_OS_UNIX
 /// A book of the old format: its bytes are there in any case.
 class Conversion : public StartWork {
     void Prepare() override {
@@ -193,6 +171,7 @@ class Conversion : public StartWork {
     const QByteArray m_old = test::ReadBytes(QStringLiteral(ZAVELIK_TEST_DATA "/jet/v1-old.mdb"));
 };
 
+#ifdef Q_OS_UNIX
 /// The path of the book is stored, where one stands already or as the first.
 class Setting : public FolderWork {
 protected:
@@ -228,18 +207,6 @@ protected:
     const QString After = QStringLiteral("/новая.mdb");
     QString before = QStringLiteral("/старая.mdb");
 };
-
-/// What cannot be read is told, and not taken for a setting that is not there.
-class SettingRead : public Setting {
-    void Act() override { m_value = gRegister().GetKeyVal(Key); }
-    void CheckFiles(bool reported) override {
-        EXPECT_TRUE(startsAnew || m_value == (reported ? before : QString())) << m_value.toStdString();
-        EXPECT_EQ(Stored(), before);
-    }
-    void CheckEnd() override { EXPECT_EQ(m_value, before); }
-
-    QString m_value;
-};
 #endif
 
 } // namespace
@@ -248,27 +215,15 @@ TEST_F(Creation, OnADiskThatFails) {
     test::SweepDisk(*this, "creation", 1, 0);
 }
 
-TEST_F(Creation, Killed) {
-    test::SweepKills(*this, "creation", {5ms, 20ms, 40ms});
+TEST_F(Upgrade, OnADiskThatFails) {
+    test::SweepDisk(*this, "upgrade", 1);
 }
 
-TEST_F(UpgradeFrom1, OnADiskThatFails) {
-    test::SweepDisk(*this, "upgrade from version 1", 1, 0);
-}
-
-TEST_F(UpgradeFrom1, Killed) {
-    test::SweepKills(*this, "upgrade", {5ms, 20ms, 40ms});
-}
-
-TEST_F(UpgradeFrom2, OnADiskThatFails) {
-    test::SweepDisk(*this, "upgrade from version 2", 1);
+TEST_F(Conversion, OnADiskThatFails) {
+    test::SweepDisk(*this, "conversion", 1, 0);
 }
 
 #ifdef Q_OS_UNIX
-TEST_F(Conversion, OnASystemThatFails) {
-    test::SweepCalls(*this, "conversion", 1);
-}
-
 TEST_F(Setting, OnASystemThatFails) {
     test::SweepCalls(*this, "setting", 10);
 }
@@ -276,9 +231,5 @@ TEST_F(Setting, OnASystemThatFails) {
 TEST_F(Setting, TheFirstOnASystemThatFails) {
     before.clear();
     test::SweepCalls(*this, "first setting", 10);
-}
-
-TEST_F(SettingRead, OnASystemThatFails) {
-    test::SweepCalls(*this, "reading the setting", 10);
 }
 #endif

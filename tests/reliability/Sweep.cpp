@@ -1,7 +1,6 @@
 #include "tests/reliability/Sweep.h"
 
 #include "platform/engine/GroupClock.h"
-#include "tests/support/KilledChild.h"
 #include "tests/support/ShortLockWait.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QWidget>
 #include <sqlite3.h>
 
@@ -25,22 +23,13 @@ void CheckBoxes(const Fault& fault, const QStringList& boxes, bool reported) {
     const QStringList failures = Boxes::Failures(boxes);
     EXPECT_LE(failures.size(), 1);
     EXPECT_TRUE(reported || !failures.isEmpty()) << "neither success nor failure was told";
-    if (!fault.WasHit() || fault.Kind().code == 0) {
-        EXPECT_TRUE(reported && failures.isEmpty());
-    }
+    EXPECT_TRUE(fault.WasHit() || (reported && failures.isEmpty()));
     static const QRegularExpression form(QStringLiteral("^[^\r]+:\r\nпроизошла ошибка №(\\d+) (\\S.+)$"));
     for (const QString& failure : failures) {
         const QRegularExpressionMatch parts = form.match(failure);
         EXPECT_TRUE(parts.hasMatch());
         EXPECT_TRUE(fault.Kind().number == 0 || parts.captured(1).toInt() == fault.Kind().number);
     }
-}
-
-/// Behind the work: what it has left, and that it can be done at last.
-void StartAnew(Work& work, bool reported) {
-    work.CheckFiles(reported);
-    work.StartAgain();
-    work.Leave();
 }
 
 void Survive(Work& work, Fault& fault, const std::function<std::unique_ptr<Layer>(Fault&)>& install) {
@@ -53,7 +42,9 @@ void Survive(Work& work, Fault& fault, const std::function<std::unique_ptr<Layer
         const auto layer = install(fault);
         work.Begin();
         work.diskFails = true;
+        layer->Begin();
         work.Act();
+        layer->End();
         work.diskFails = false;
         const QStringList told = boxes.Take();
         reported = work.WasReported(told);
@@ -68,9 +59,11 @@ void Survive(Work& work, Fault& fault, const std::function<std::unique_ptr<Layer
         if (work.startsAnew)
             layer->StartAnew(fault);
     }
-    const bool wasKilled = fault.Kind().code == 0 && fault.WasHit();
-    if (work.startsAnew)
-        StartAnew(work, reported && !wasKilled);
+    if (work.startsAnew) {
+        work.CheckFiles(reported);
+        work.StartAgain();
+        work.Leave();
+    }
     EXPECT_EQ(Boxes::Failures(boxes.Take()), QStringList());
     work.CheckEnd();
 }
@@ -87,33 +80,40 @@ public:
                 engine::GroupClock::Advance(std::chrono::milliseconds(52));
             return fault.Judge(call);
         }) {}
-    void StartAnew(const Fault& fault) override { FaultyFiles::PowerOn(*fault.Kind().remains); }
+    void StartAnew(const Fault& fault) override {
+        if (fault.CutsPower())
+            FaultyFiles::PowerOn();
+    }
 
 private:
     int m_slowOpens;
     FaultyFiles m_files;
 };
 
-/// In the process that is to be killed.
-[[noreturn]] void WorkUntilKilled(Work& work) {
-    work.Prepare();
-    Boxes boxes([&work](QWidget& window) { work.Answer(window); });
-    work.Begin();
-    TellParent("folder " + work.Folder().toUtf8());
-    TellParent("working");
-    work.Act();
-    TellParent(work.WasReported(boxes.Take()) ? "reported" : "failed");
-    WaitForTheKill();
-}
+/// Another program, which begins a transaction on the book; the name of the fault is its statement.
+class Lock final : public Layer {
+public:
+    Lock(const QString& book, Fault& fault)
+        : m_fault(fault) {
+        EXPECT_EQ(sqlite3_open(QFile::encodeName(book).constData(), &m_other), SQLITE_OK);
+    }
+    ~Lock() override { sqlite3_close(m_other); }
+    void Begin() override {
+        if (m_fault.Judge(FaultyFiles::Call::Open) != SQLITE_OK)
+            Run(m_fault.Kind().name);
+    }
+    void End() override {
+        if (m_fault.WasHit())
+            Run("ROLLBACK");
+    }
 
-void TakeOver(const QString& from, const QString& to) {
-    const QDir left(from);
-    const QDir folder(to);
-    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden))
-        QFile::remove(folder.filePath(name));
-    for (const QString& name : left.entryList(QDir::Files | QDir::Hidden))
-        EXPECT_TRUE(QFile::copy(left.filePath(name), folder.filePath(name)));
-}
+private:
+    void Run(const char* sql) { EXPECT_EQ(sqlite3_exec(m_other, sql, nullptr, nullptr, nullptr), SQLITE_OK); }
+
+    Fault& m_fault;
+    sqlite3* m_other = nullptr;
+    const ShortLockWait m_wait{std::chrono::milliseconds(10)};
+};
 
 } // namespace
 
@@ -144,53 +144,14 @@ void SweepDisk(Work& work, const std::string& name, int samples, int slowSamples
     SweepLayer(work, name + ", slow disk", slowSamples, DiskFaults(), install(SlowOpens));
 }
 
-void SweepLocks(Work& work, const QString& book) {
-    const ShortLockWait wait(std::chrono::milliseconds(10));
-    work.startsAnew = false;
-    for (const char* lock :
-         {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE", "BEGIN; SELECT count(*) FROM sqlite_schema"}) {
-        SCOPED_TRACE(lock);
-        work.Prepare();
-        Boxes boxes([&work](QWidget& window) { work.Answer(window); });
-        work.Begin();
-        sqlite3* opened = nullptr;
-        ASSERT_EQ(sqlite3_open(QFile::encodeName(book).constData(), &opened), SQLITE_OK);
-        std::unique_ptr<sqlite3, decltype(&sqlite3_close)> other(opened, &sqlite3_close);
-        ASSERT_EQ(sqlite3_exec(opened, lock, nullptr, nullptr, nullptr), SQLITE_OK);
-        work.Act();
-        other.reset();
-        const QStringList told = boxes.Take();
-        SCOPED_TRACE(told.join(u'\n').toStdString());
-        const QStringList failures = Boxes::Failures(told);
-        static const QRegularExpression locked(QStringLiteral("ошибка №(3045|3211|3218) "));
-        EXPECT_EQ(failures, failures.filter(locked));
-        EXPECT_EQ(failures.size(), work.WasReported(told) ? 0 : 1);
-        work.CheckFiles(work.WasReported(told));
-        work.ActAgain();
-        work.Leave();
-        EXPECT_EQ(Boxes::Failures(boxes.Take()), QStringList());
-        work.CheckEnd();
-    }
-}
-
-void SweepKills(Work& work, const std::string& name,
-                std::initializer_list<std::chrono::microseconds> moments) {
-    if (IsKilledChild())
-        WorkUntilKilled(work);
-    work.startsAnew = true;
-    for (const auto moment : Moments(name, moments, 80)) {
-        SCOPED_TRACE(moment.count());
-        work.Prepare();
-        const QTemporaryDir temporary;
-        const QByteArray said = KillWhileRunning(temporary.path(), moment);
-        static const QRegularExpression told(QStringLiteral("folder (.*)\n"));
-        TakeOver(told.match(QString::fromUtf8(said)).captured(1), work.Folder());
-        EXPECT_FALSE(said.contains("failed\n"));
-        Boxes boxes([&work](QWidget& window) { work.Answer(window); });
-        StartAnew(work, said.contains("reported\n"));
-        EXPECT_EQ(Boxes::Failures(boxes.Take()), QStringList());
-        work.CheckEnd();
-    }
+void SweepLocks(Work& work, const std::string& name, const QString& book) {
+    constexpr int RowLocked = 3218;
+    const std::vector<FaultyFiles::Call> lock{FaultyFiles::Call::Open};
+    const FaultKind locks[] = {{"BEGIN EXCLUSIVE", lock, SQLITE_BUSY}, // met by a query or by a statement
+                               {"BEGIN IMMEDIATE", lock, SQLITE_BUSY, RowLocked},
+                               {"BEGIN; SELECT count(*) FROM sqlite_schema", lock, SQLITE_BUSY, RowLocked}};
+    SweepLayer(work, name + " under a lock", 1, locks,
+               [&book](Fault& fault) { return std::make_unique<Lock>(book, fault); });
 }
 
 } // namespace test

@@ -5,9 +5,7 @@
 
 #include <QStringList>
 
-#include <chrono>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -55,10 +53,13 @@ public:
 class Layer {
 public:
     virtual ~Layer() = default;
+    /// Right before the work, and right behind it.
+    virtual void Begin() {}
+    virtual void End() {}
     /// Behind a report of success.
     virtual void CheckSynced(bool afterFault) const { (void)afterFault; }
     /// Behind a fault that only the next start goes on from: gives the files what is left of them.
-    virtual void StartAnew(const Fault& fault) = 0;
+    virtual void StartAnew(const Fault& fault) { (void)fault; }
 };
 
 /// Does the work under one fault after another, once on each layer that `install` makes for it; see
@@ -70,18 +71,12 @@ void SweepLayer(Work& work, const std::string& name, int samples, std::span<cons
 /// commit.
 void SweepDisk(Work& work, const std::string& name, int samples, int slowSamples = 1);
 
-/// While the system's calls that concern files of the folder fail, whoever makes them: SQLite, the toolkit or
-/// the program itself. Then with the program killed at each place. Only on Unix.
+/// While the system's calls that concern files of the folder fail, whoever makes them: the toolkit or the
+/// program itself. Only on Unix.
 void SweepCalls(Work& work, const std::string& name, int samples);
 
-/// While another program keeps the book locked: for itself, against writers, by reading. When it has gone,
-/// the work succeeds.
-void SweepLocks(Work& work, const QString& book);
-
-/// In a process that is killed hard, so long after the work began, and right behind its report; in the full
-/// run at many more moments.
-void SweepKills(Work& work, const std::string& name,
-                std::initializer_list<std::chrono::microseconds> moments);
+/// While another program keeps the book locked: for itself, against writers, by reading.
+void SweepLocks(Work& work, const std::string& name, const QString& book);
 
 /// The names of a file, of what belongs to it, and of what is hidden beside it, which may lie there for a day
 /// when the program starts anew.

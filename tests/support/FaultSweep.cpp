@@ -14,7 +14,6 @@ namespace test {
 namespace {
 
 using Call = FaultyFiles::Call;
-using Remains = FaultyFiles::Remains;
 
 constexpr int DiskFull = 3026;
 constexpr int DiskFailure = 3043;
@@ -29,10 +28,8 @@ const FaultKind diskFaults[] = {
     {"sync of the folder", {Call::SyncFolder}, SQLITE_IOERR_DIR_FSYNC, DiskFailure},
     {"open", {Call::Open}, SQLITE_CANTOPEN, CannotOpenFile},
     {"read", {Call::Read}, SQLITE_IOERR_READ, DiskFailure},
-    {"power off, nothing unsynced left", Writing, FaultyFiles::PowerOff, DiskFailure, true, Remains::Nothing},
-    {"power off, first sectors left", Writing, FaultyFiles::PowerOff, DiskFailure, true,
-     Remains::FirstSectors},
-    {"power off, every second left", Writing, FaultyFiles::PowerOff, DiskFailure, true, Remains::EverySecond},
+    {"power off", Writing, FaultyFiles::PowerOff, DiskFailure, true},
+    {"killed", Writing, FaultyFiles::Killed, DiskFailure, true},
 };
 
 /// The places of a kind in a quick run.
@@ -42,7 +39,7 @@ std::set<int> Sample(const FaultKind& kind, int calls, int samples, int turn) {
         places = {1, std::min(2, calls), calls};
     for (int sample = 0; sample < samples; ++sample)
         places.insert(1 + (calls * sample + turn * calls / 7) / samples % calls);
-    if (kind.remains) // right behind the work: what it has reported is on the disk
+    if (kind.EndsAll()) // right behind the work: what it has reported is on the disk
         places.insert(calls + 1);
     return places;
 }

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <functional>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -15,14 +14,13 @@ namespace test {
 struct FaultKind {
     const char* name;
     std::vector<FaultyFiles::Call> calls; ///< that fail
-    int code;                             ///< of the layer's; 0: the call goes well, and is the last one
+    int code;                             ///< of the layer's
     int number = 0;                       ///< of the failure that the user is told; 0: any
     bool startsAnew = false;              ///< what it leaves is put right by the next start of the program
-    std::optional<FaultyFiles::Remains> remains = std::nullopt; ///< set if the power fails
 
     bool Concerns(FaultyFiles::Call call) const;
     /// Nothing is done behind such a fault.
-    bool EndsAll() const { return code == 0 || remains; }
+    bool EndsAll() const { return code < 0; }
 };
 
 /// A fault of one kind at one place: the judge of the calls of one run.
@@ -37,7 +35,7 @@ public:
     int Judge(FaultyFiles::Call call);
     const FaultKind& Kind() const { return m_kind; }
     bool IsLasting() const { return m_lasting; }
-    bool CutsPower() const { return m_kind.remains.has_value(); }
+    bool CutsPower() const { return m_kind.code == FaultyFiles::PowerOff; }
     bool WasHit() const { return m_hit; }
     /// How many calls there were that the kind concerns.
     int CallsOf(const FaultKind& kind) const;

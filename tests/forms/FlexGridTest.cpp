@@ -197,12 +197,13 @@ TEST_F(FlexGridTest, Copy) {
 TEST_F(FlexGridTest, TheMenuComesByKeysToo) {
     Fill(100);
     QContextMenuEvent byKey(QContextMenuEvent::Keyboard, {}, {}); // all that some systems send
-    const std::function<void()> asks[] = {[&] { Key(Qt::Key_Menu); },
-                                          [&] { Key(Qt::Key_F10, Qt::ShiftModifier); },
-                                          [&] {
-                                              Key(Qt::Key_End);
-                                              QApplication::sendEvent(&grid, &byKey);
-                                          }};
+    const std::function<void()> asks[] = {
+        [&] { Key(Qt::Key_F10, Qt::ShiftModifier); },
+        [&] {
+            Key(Qt::Key_End);
+            QApplication::sendEvent(&grid, &byKey);
+        },
+    };
     for (const auto& ask : asks) {
         const int before = menus;
         Key(Qt::Key_End);

@@ -89,24 +89,13 @@ TEST_F(FlexGridTest, WidthsAreKeptInTwips) {
     EXPECT_EQ(grid.columnWidth(1), 200);
     grid.horizontalHeader()->resizeSection(1, 123); // as a drag of the user does
     EXPECT_EQ(grid.ColWidth(1), forms::ToTwips(123));
-
-    QFont large = grid.font();
-    large.setPixelSize(40);
-    grid.setFont(large);
-    EXPECT_EQ(grid.columnWidth(1), 123);
-    EXPECT_GE(grid.columnWidth(3), grid.fontMetrics().horizontalAdvance(QStringLiteral("12345")))
-        << "a width that nobody has chosen grows with the letters";
-    EXPECT_EQ(grid.ColWidth(3), 960);
 }
 
 TEST_F(FlexGridTest, ColumnsAreResizedByKeys) {
     grid.SetTextMatrix(1, 0, QString(60, u'x'));
     const int before = grid.columnWidth(0);
-    const auto change = [this](Qt::Key key) { Key(key, Qt::ControlModifier | Qt::ShiftModifier); };
-    change(Qt::Key_Right);
+    Key(Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_GT(grid.columnWidth(0), before);
-    change(Qt::Key_Left);
-    EXPECT_EQ(grid.columnWidth(0), before);
     Key(Qt::Key_Plus, Qt::ControlModifier);
     EXPECT_GE(grid.columnWidth(0), grid.fontMetrics().horizontalAdvance(QString(60, u'x')));
 }

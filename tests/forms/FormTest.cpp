@@ -115,13 +115,6 @@ void LoseAndRegainTheFocus(const QWidget& frame) {
     QTest::qWait(1);
 }
 
-void ShowBox() {
-    test::Answers answers;
-    answers.Box(QStringLiteral("Текст"), forms::Icon::Information);
-    forms::MsgBox(QStringLiteral("Текст"), forms::Icon::Information);
-    QTest::qWait(1);
-}
-
 } // namespace
 
 class FormTest : public testing::Test {
@@ -203,7 +196,6 @@ TEST_F(FormTest, ActivationFollowsTheChangeOfTheActiveChild) {
         {"showing another", [&] { a->Show(); }, "a.activate", a},
         {"a click into another", [&] { QTest::mouseClick(b->txtFirst, Qt::LeftButton); }, "b.activate", b},
         {"another program", [&] { LoseAndRegainTheFocus(*frame->Window()); }, "", b},
-        {"a message box over it", ShowBox, "", b},
         {"hiding the active child: the next in the z order", [&] { b->SetVisible(false); }, "a.activate", a},
         {"showing the one behind", [&] { c->SetVisible(true); }, "c.activate", c},
         {"unloading the active child", [&] { c->Unload(); }, "c.unload a.activate", a},
@@ -351,7 +343,6 @@ TEST_F(FormTest, LeavingAndEnteringAFieldAreMovesInsideTheProgram) {
     EXPECT_EQ(Heard(true), "a.left a.got");
 
     const std::pair<const char*, std::function<void()>> rows[] = {
-        {"a message box", ShowBox},
         {"a menu",
          [&] {
              test::Answers answers;

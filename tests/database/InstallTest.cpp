@@ -43,7 +43,7 @@ protected:
     static QLineEdit& Field(const QWidget& window) { return *window.findChild<QLineEdit*>("txtDBPath"); }
     static void Press(const QWidget& window, const char* button) {
         EXPECT_TRUE(window.isVisible());
-        EXPECT_EQ(gDatabase, nullptr);
+        EXPECT_EQ(gWorkspace, nullptr);
         QTest::mouseClick(window.findChild<QPushButton*>(button), Qt::LeftButton);
     }
     /// Types the paths one by one and presses the button that creates.

@@ -152,7 +152,7 @@ TEST_F(frmCalendarTest, BoldDaysShowInLightAndDark) {
 TEST_F(frmCalendarTest, EventsAreAddedChangedAndDeletedOnTheSelectedDate) {
     AddCard(1, "Маев", "31.12.1950");
     for (const char* name : {"Б", "В"})
-        AddEvent(name, "31.12.2006", 0);
+        AddEvent(name, "31.12.2006", 1);
     // Numbers of events are no counters of 16 bits.
     Run("INSERT INTO a03 (a03evid, a03evnm, a03evdt, a03evpr) VALUES (70000, 'x', '01.01.2001', 0)");
     Run("DELETE FROM a03 WHERE a03evid = 70000");
@@ -175,8 +175,8 @@ TEST_F(frmCalendarTest, EventsAreAddedChangedAndDeletedOnTheSelectedDate) {
     Grid().SetRow(3);
     edit("mnuCalendarAddEvent", "", "А", 31);
     EXPECT_EQ(Month().Value(), QDate(2006, 12, 31)) << "the date is kept over the dialog";
-    EXPECT_EQ(Listed(), QStringList({"-1|Маев Иван |День рожденья", "70001|А|Периодическое", "1|Б|Разовое",
-                                     "2|В|Разовое"}));
+    EXPECT_EQ(Listed(), QStringList({"-1|Маев Иван |День рожденья", "70001|А|Периодическое",
+                                     "1|Б|Периодическое", "2|В|Периодическое"}));
     EXPECT_EQ(Grid().Row(), 2) << "the new event";
     edit("mnuCalendarEditEvent", "А", "Я", 31);
     EXPECT_EQ(Grid().Row(), 4) << "the same event";

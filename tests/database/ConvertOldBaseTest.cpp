@@ -3,10 +3,12 @@
 #include "database/General.h"
 #include "database/frmInstall.h"
 #include "platform/engine/EngineError.h"
+#include "platform/runtime/Files.h"
 #include "tests/engine/jet4/OldFiles.h"
 #include "tests/support/BoundBook.h"
 
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QPushButton>
 #include <QtTest>
@@ -138,25 +140,35 @@ TEST_F(OldBase, WhatIsRefusedStaysAsItIs) {
     }
 }
 
-// In the master No leaves the window open, and a file that is converted is the chosen one.
-TEST_F(OldBase, TheMasterTakesAnOldFile) {
-    const QByteArray before = Copy("v1-old.mdb");
+// In the master a refusal and a No leave the window open, and a file that is converted is the chosen one.
+TEST_F(OldBase, TheMasterTakesAFileUnlooked) {
+    const QString text = Path("text.mdb");
+    test::WriteBytes(text, "this is no database at all, whatever its name says");
+    Copy("v1-old.mdb");
     test::Answers answers;
     answers.Modal("frmInstall", [&](QWidget& window) {
-        for (const bool yes : {false, true}) {
-            EXPECT_EQ(gDatabase, nullptr);
-            EXPECT_EQ(test::ReadBytes(Path()), before);
+        for (int tries = 1; tries <= 4; ++tries) {
+            EXPECT_EQ(gWorkspace, nullptr) << tries;
             QTest::mouseClick(window.findChild<QPushButton*>("cmdSelect"), Qt::LeftButton);
-            EXPECT_EQ(window.isVisible(), !yes);
+            EXPECT_EQ(window.isVisible(), tries < 4);
         }
     });
-    answers.File(Path());
+    const auto look = [](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.nameFilters(), QStringList("База данных Access (*.mdb)"));
+        EXPECT_EQ(dialog.directory(), QDir(runtime::ProgramFolder()));
+    };
+    answers
+        .File({}, look) // cancelled
+        .File(text)
+        .Failure("frmInstall функция cmdSelect_Click:", engine::UnrecognisedFormat)
+        .File(Path());
     Expect(answers, false).File(Path());
     Expect(answers, true);
     const std::shared_ptr<frmInstall> master = forms::Form::Default<frmInstall>();
     master->Show(true);
     EXPECT_EQ(master->Tag(), "1");
-    master->Unload();
     EXPECT_EQ(Stored(), Path());
-    EXPECT_EQ(Row("SELECT count(*) FROM a01"), "11");
+    EXPECT_EQ(gDatabase->Name(), Path());
+    EXPECT_EQ(Row("SELECT v00vrid FROM v00"), "1");
+    EXPECT_TRUE(test::ReadBytes(text).startsWith("this is no database"));
 }

@@ -2,7 +2,6 @@
 #include "platform/engine/EngineError.h"
 #include "platform/runtime/Files.h"
 #include "tests/support/BoundBook.h"
-#include "tests/support/Keys.h"
 
 #include <QDir>
 #include <QLabel>
@@ -26,7 +25,7 @@ protected:
         EXPECT_EQ(gWorkspace, nullptr);
         Field(window).setFocus();
         Field(window).selectAll();
-        test::Type(&Field(window), path);
+        Field(window).insert(path);
         QTest::mouseClick(window.findChild<QPushButton*>("cmdCreate"), Qt::LeftButton);
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     }

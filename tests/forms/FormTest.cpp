@@ -5,7 +5,6 @@
 #include "platform/forms/MsgBox.h"
 #include "platform/forms/Twips.h"
 #include "tests/support/Answers.h"
-#include "tests/support/Keys.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -255,7 +254,7 @@ TEST_F(FormTest, ModalShowEndsWhenTheWindowIsHiddenAndKeepsWhatItHolds) {
         answers.Modal(QStringLiteral("d"), [&, key = key](QWidget& window) {
             const QPoint middle = frame->Window()->frameGeometry().center();
             EXPECT_LT((window.frameGeometry().center() - middle).manhattanLength(), 8) << "of its owner";
-            test::Type(dialog->txtFirst, QStringLiteral("x"));
+            QTest::keyClicks(dialog->txtFirst, QStringLiteral("x"));
             QTest::keyClick(dialog->txtFirst, key);
         });
         dialog->Show(true);

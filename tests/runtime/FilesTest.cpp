@@ -35,13 +35,15 @@ TEST_F(Files, EveryUseNamesWhatIsWrong) {
     constexpr int notAsked = -1;
     QDir().mkdir(Path(QStringLiteral("folder.mdb")));
     const QString plain = Make(QStringLiteral("plain.mdb"));
-    const QString odd = Make(test::OddName());
+    const QString odd = Make(QStringLiteral("строка вторая 📒 'x' %TEMP%^&.mdb"));
     const QString link = Path(QStringLiteral("link.mdb"));
     const QString dangling = Path(QStringLiteral("dangling.mdb"));
     const bool links =
         test::LinkByName(plain, link) && test::LinkByName(Path(QStringLiteral("gone")), dangling);
     const QString locked = Make(QStringLiteral("locked"), "a");
-    const test::Unreadable nobody(locked);
+    QFile::setPermissions(locked, {});
+    const test::PlainUser owner({Path({}), locked});
+    const bool barred = !QFile(locked).open(QFile::ReadOnly);
     const struct {
         QString path;
         bool found;
@@ -55,11 +57,11 @@ TEST_F(Files, EveryUseNamesWhatIsWrong) {
         {dangling, false, notAsked, links ? PathFileAccess : 0, notAsked},
         {Path(QStringLiteral("folder.mdb")), false, PathFileAccess, PathFileAccess, PathFileAccess},
         {Make(QStringLiteral(".hidden.mdb")), false, notAsked, notAsked, notAsked},
-        {locked, true, PathFileAccess, notAsked, notAsked},
+        {locked, true, barred ? PathFileAccess : 0, notAsked, notAsked},
         {Path(QStringLiteral("missing")), false, FileNotFound, notAsked, FileNotFound},
         {Path(QStringLiteral("no/such")), false, notAsked, PathNotFound, FileNotFound},
         {QString(), false, BadFileName, BadFileName, BadFileName},
-        {test::TooLongPath(), false, BadFileName, BadFileName, BadFileName},
+        {Path(QString(40000, u'x')), false, BadFileName, BadFileName, BadFileName},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.path.toStdString());
@@ -93,7 +95,7 @@ TEST_F(Files, AnOpenDatabaseIsNeitherDeletedNorReadAsTextUnderAnyName) {
 }
 
 TEST_F(Files, OutputIsWrittenInTheCodePageWithBothLineEnds) {
-    const QString path = Path(test::OddName());
+    const QString path = Path(QStringLiteral("строка вторая 📒 'x' %TEMP%^&.mdb"));
     OutputFile file(path);
     file.Print(QStringLiteral("Имя;№"));
     file.Print(QStringLiteral("日\nx"));

@@ -1,17 +1,20 @@
 #pragma once
 
-#include <QPoint>
-#include <QString>
-
-class QWidget;
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QWidget>
 
 namespace test {
 
-/// Types the text into the widget by key events, letters of any script (QTest's own typing knows Latin-1
-/// only).
-void Type(QWidget* widget, const QString& text);
-
 /// Drags the text onto a place of the widget and lets it go there.
-void Drop(QWidget& widget, QPoint place, const QString& text);
+inline void Drop(QWidget& widget, QPoint place, const QString& text) {
+    QMimeData data;
+    data.setText(text);
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &enter);
+    QDropEvent drop(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &drop);
+}
 
 } // namespace test

@@ -11,34 +11,6 @@
 
 namespace test {
 
-namespace {
-
-struct Closer {
-    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-using Connection = std::unique_ptr<sqlite3, Closer>;
-using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
-
-Connection Open(const QString& path) {
-    sqlite3* connection = nullptr;
-    const int result = sqlite3_open_v2(path.toUtf8().constData(), &connection, SQLITE_OPEN_READONLY, nullptr);
-    Connection opened(connection);
-    if (result != SQLITE_OK)
-        throw std::runtime_error("cannot open " + path.toStdString() + ": " + sqlite3_errmsg(connection));
-    sqlite3_busy_timeout(connection, 5000);
-    engine::functions::RegisterCollations(connection); // the indexes of the file need them
-    return opened;
-}
-
-QString Text(sqlite3_stmt* statement, int column) {
-    if (sqlite3_column_type(statement, column) == SQLITE_NULL)
-        return QStringLiteral("NULL");
-    return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, column)));
-}
-
-} // namespace
-
 TestFolder::TestFolder() {
     if (!m_folder.isValid())
         throw std::runtime_error("no temporary folder");
@@ -54,22 +26,24 @@ QString TestFolder::Path(const QString& name) const {
 }
 
 QStringList ReadRows(const QString& path, const QString& sql) {
-    const Connection connection = Open(path);
-    sqlite3_stmt* prepared = nullptr;
-    const int result = sqlite3_prepare_v2(connection.get(), sql.toUtf8().constData(), -1, &prepared, nullptr);
-    const Statement statement(prepared);
-    if (result != SQLITE_OK)
-        throw std::runtime_error(sqlite3_errmsg(connection.get()));
+    sqlite3* connection = nullptr;
+    int result = sqlite3_open_v2(path.toUtf8().constData(), &connection, SQLITE_OPEN_READONLY, nullptr);
+    const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> closer(connection, &sqlite3_close);
     QStringList rows;
-    int step = SQLITE_ROW;
-    while ((step = sqlite3_step(statement.get())) == SQLITE_ROW) {
-        QStringList values;
-        for (int column = 0; column < sqlite3_column_count(statement.get()); ++column)
-            values.append(Text(statement.get(), column));
-        rows.append(values.join(u'|'));
+    const auto add = [](void* to, int count, char** values, char**) {
+        QStringList row;
+        for (int column = 0; column < count; ++column)
+            row += values[column] ? QString::fromUtf8(values[column]) : QStringLiteral("NULL");
+        static_cast<QStringList*>(to)->append(row.join(u'|'));
+        return 0;
+    };
+    if (result == SQLITE_OK) {
+        sqlite3_busy_timeout(connection, 5000);
+        engine::functions::RegisterCollations(connection); // the indexes of the file need them
+        result = sqlite3_exec(connection, sql.toUtf8().constData(), add, &rows, nullptr);
     }
-    if (step != SQLITE_DONE)
-        throw std::runtime_error(sqlite3_errmsg(connection.get()));
+    if (result != SQLITE_OK)
+        throw std::runtime_error("cannot read " + path.toStdString() + ": " + sqlite3_errmsg(connection));
     return rows;
 }
 

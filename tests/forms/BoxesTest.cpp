@@ -53,8 +53,7 @@ TEST_F(MsgBoxTest, KeysAndTheCloseBox) {
     for (const auto& [name, leave, yesIfPreselected, yesElse] : rows) {
         SCOPED_TRACE(name);
         for (int i = 0; i < 3; ++i)
-            answers.Modal(QStringLiteral("MsgBox"), [&](QWidget& box) {
-                EXPECT_TRUE(box.windowFlags() & Qt::WindowCloseButtonHint);
+            answers.Modal(QStringLiteral("MsgBox"), [leave = leave](QWidget& box) {
                 leave(box);
                 EXPECT_FALSE(box.isVisible());
             });

@@ -2,6 +2,7 @@
 
 #include "tests/support/Expect.h"
 
+#include <QApplication>
 #include <QLineEdit>
 #include <QTest>
 
@@ -30,32 +31,43 @@ protected:
 TEST_F(DTPickerTest, TypedPartsTakeThePlaceOfTheOldOnes) {
     QLineEdit next(&window);
     next.show();
-    const struct {
-        QDate before;
-        QString keys;
-        QDate after;
-    } cases[] = {
-        {{2006, 5, 15}, QStringLiteral("09121999"), {1999, 12, 9}},
+    const std::tuple<QDate, QString, QDate> cases[] = {
         {{2006, 5, 15}, QStringLiteral("9.12.1999"), {1999, 12, 9}},
         {{2001, 2, 28}, QStringLiteral("31122006"), {2006, 12, 31}},  // the day waits for its month
         {{2001, 2, 28}, QStringLiteral("29.02.2004"), {2004, 2, 29}}, // and for its year
         {{2001, 2, 28}, QStringLiteral("31"), {2001, 2, 28}},         // February has no such day
         {{2006, 5, 31}, QStringLiteral(">06"), {2006, 6, 30}},
-        {{2006, 5, 15}, QStringLiteral("1.1.29"), {2029, 1, 1}},
         {{2006, 5, 15}, QStringLiteral("1.1.30"), {1930, 1, 1}},
         {{2006, 5, 15}, QStringLiteral(">13"), {2006, 5, 15}},
         {{2006, 5, 15}, QStringLiteral(">>1700"), {2006, 5, 15}},
         {{2006, 5, 15}, QStringLiteral("2<1."), {2006, 5, 1}},
         {{2006, 5, 15}, QStringLiteral("3>1|"), {2006, 1, 3}}, // leaving takes over what was typed
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.keys.toStdString());
+    for (const auto& [before, keys, after] : cases) {
+        SCOPED_TRACE(keys.toStdString());
         picker.setFocus(Qt::TabFocusReason);
-        picker.SetValue(c.before);
-        Type(u'!' + c.keys);
-        EXPECT_EQ(picker.Value(), c.after);
+        picker.SetValue(before);
+        Type(u'!' + keys);
+        EXPECT_EQ(picker.Value(), after);
         EXPECT_EQ(picker.text(), picker.date().toString(QStringLiteral("dd.MM.yyyy")));
-        EXPECT_EQ(next.hasFocus(), c.keys.endsWith(u'|')) << "Tab leaves the field at once";
+        EXPECT_EQ(next.hasFocus(), keys.endsWith(u'|')) << "Tab leaves the field at once";
+    }
+}
+
+TEST_F(DTPickerTest, KeysOpenTheCalendar) {
+    const std::tuple<Qt::Key, Qt::KeyboardModifiers, Qt::Key, int> rows[] = {
+        {Qt::Key_F4, {}, Qt::Key_Escape, 15},
+        {Qt::Key_Down, Qt::AltModifier, Qt::Key_Return, 16},
+    };
+    for (const auto& [opening, modifiers, ending, day] : rows) {
+        picker.SetValue(QDate(2006, 5, 15));
+        QTest::keyClick(&picker, opening, modifiers);
+        QWidget* popup = QApplication::activePopupWidget();
+        ASSERT_NE(popup, nullptr);
+        QTest::keyClick(popup->focusWidget(), Qt::Key_Right);
+        QTest::keyClick(popup->focusWidget(), ending);
+        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+        EXPECT_EQ(picker.Value(), QDate(2006, 5, day)) << day;
     }
 }
 

@@ -158,9 +158,6 @@ TEST_F(FlexGridTest, WhatIsCutOffIsToldByATip) {
     EXPECT_EQ(tip(grid.viewport(), 3), QString());
     EXPECT_EQ(tip(header, 2), text);
     EXPECT_EQ(tip(header, 1), QString());
-    QTest::mouseDClick(header, Qt::LeftButton, {}, {grid.columnViewportPosition(1) + grid.columnWidth(1), 5});
-    EXPECT_EQ(tip(grid.viewport(), 1), QString()) << "the column fits its texts";
-    EXPECT_EQ(doubleClicks, 0);
 }
 
 TEST_F(FlexGridTest, Copy) {

@@ -12,32 +12,23 @@
 
 #include <span>
 
-class ListBoxTest : public testing::Test {
-protected:
-    ListBoxTest() {
-        for (const char* text : {"Адыгея", "Алтай", "Москва"})
-            list.AddItem(QString::fromUtf8(text));
-        QObject::connect(&list, &forms::ListBox::Click, [this] { ++clicks; });
-        list.show();
-    }
-
-    void Click(int row, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, modifiers,
-                          list.visualItemRect(list.item(row)).center());
-    }
-
+TEST(ListBoxTest, Selection) {
     forms::ListBox list;
+    for (const char* text : {"Адыгея", "Алтай", "Москва"})
+        list.AddItem(QString::fromUtf8(text));
+    list.show();
     int clicks = 0;
-};
-
-TEST_F(ListBoxTest, Selection) {
+    QObject::connect(&list, &forms::ListBox::Click, [&] { ++clicks; });
+    const auto click = [&](Qt::KeyboardModifiers modifiers) {
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, modifiers,
+                          list.visualItemRect(list.item(2)).center());
+    };
     QFocusEvent focus(QEvent::FocusIn, Qt::TabFocusReason);
     const std::tuple<const char*, std::function<void()>, int, int> steps[] = {
         {"focus", [&] { QApplication::sendEvent(&list, &focus); }, -1, 0},
         {"first arrow", [&] { QTest::keyClick(&list, Qt::Key_Down); }, 0, 1},
-        {"program", [&] { list.SetListIndex(1); }, 1, 1},
-        {"click", [&] { Click(2); }, 2, 1},
-        {"click with Ctrl", [&] { Click(2, Qt::ControlModifier); }, 2, 1},
+        {"click", [&] { click({}); }, 2, 1},
+        {"click with Ctrl", [&] { click(Qt::ControlModifier); }, 2, 1},
         {"none", [&] { list.SetListIndex(-1); }, -1, 1},
         {"a letter searches",
          [&] {

@@ -74,8 +74,6 @@ TEST_F(FlexGridTest, RefillKeepsThePlaceOnTheScreen) {
         return QPoint(grid.horizontalScrollBar()->value(), grid.verticalScrollBar()->value());
     };
     const QPoint before = place();
-    ASSERT_GT(before.x(), 0);
-    ASSERT_GT(before.y(), 0);
     for (const std::vector<int>& keyColumns : {std::vector<int>(), {0}}) {
         Fill(200, keyColumns);
         EXPECT_EQ(place(), before) << keyColumns.size() << " key columns";

@@ -204,33 +204,6 @@ TEST_F(FormTest, ActivationFollowsTheChangeOfTheActiveChild) {
     }
 }
 
-TEST_F(FormTest, FormMayUnloadItselfInAnyHandler) {
-    const std::pair<const char*, std::function<void(SampleForm&)>> rows[] = {
-        {"load", {}},
-        {"activate", {}},
-        {"find()", [](SampleForm& form) { QTest::mouseClick(form.cmdFind, Qt::LeftButton); }},
-        {"cancel", [](SampleForm& form) { QTest::keyClick(form.txtFirst, Qt::Key_Escape); }},
-        {"unload", [](SampleForm& form) { form.Unload(); }},
-    };
-    for (const Kind kind : {Kind::Child, Kind::Dialog}) {
-        for (const auto& [event, act] : rows) {
-            auto form = Make("a", kind);
-            SampleForm& bare = *form;
-            const std::weak_ptr<Form> weak = form;
-            bare.inEvent = [&bare, event = event](const QString& what) {
-                if (what == QLatin1String(event))
-                    bare.Unload();
-            };
-            form->Show();
-            form.reset();
-            if (act)
-                act(bare);
-            EXPECT_TRUE(weak.expired()) << event;
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        }
-    }
-}
-
 TEST_F(FormTest, ModalShowEndsWhenTheWindowIsHiddenAndKeepsWhatItHolds) {
     const auto child = Open("a");
     const auto dialog = Make("d", Kind::Dialog);

@@ -119,36 +119,11 @@ namespace {
 
 class CommonDialogTest : public test::FolderTest {
 protected:
-    /// The path that the user gets who types this; nothing cancels.
-    QString Choose(const QString& path, bool save, const std::function<void(QFileDialog&)>& look = {}) {
-        answers.File(path, look);
-        dialog.FileName = QStringLiteral("before");
-        if (save)
-            dialog.ShowSave(nullptr);
-        else
-            dialog.ShowOpen(nullptr);
-        EXPECT_TRUE(answers.Done());
-        return dialog.FileName;
-    }
-
     forms::CommonDialog dialog{QStringLiteral("cdlTest")};
     test::Answers answers;
 };
 
 } // namespace
-
-TEST_F(CommonDialogTest, SaveAddsTheExtensionAndNeverAsks) {
-    test::WriteBytes(Path(QStringLiteral("old.csv")), {});
-    dialog.Flags = forms::cdlOFNPathMustExist;
-    dialog.Filter = QStringLiteral("Файл с разделителями (*.csv)|*.csv");
-    const auto look = [](const QFileDialog& window) {
-        EXPECT_EQ(window.nameFilters(), QStringList(QStringLiteral("Файл с разделителями (*.csv)")));
-    };
-    for (const auto& [typed, result] :
-         {std::pair<QString, QString>("new", "new.csv"), {"new.txt", "new.txt"}, {"old", "old.csv"}})
-        EXPECT_EQ(Choose(Path(typed), true, look), Path(result));
-    EXPECT_EQ(Choose({}, true), QString()) << "cancelled";
-}
 
 TEST_F(CommonDialogTest, LeadsInRussianToTheFoldersOfTheUser) {
     EXPECT_EQ(QLocale::system().toString(QDate(2006, 12, 5), QStringLiteral("MMMM")),
@@ -159,29 +134,42 @@ TEST_F(CommonDialogTest, LeadsInRussianToTheFoldersOfTheUser) {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
     ASSERT_TRUE(QDir().mkpath(folder));
     dialog.InitDir = QFileInfo(folder).path();
-    Choose({}, false, [&](const QFileDialog& window) {
+    answers.File({}, [&](const QFileDialog& window) {
         EXPECT_TRUE(window.sidebarUrls().contains(QUrl::fromLocalFile(folder)));
         const auto* files = window.findChild<QTreeView*>(QStringLiteral("treeView"));
         const QAbstractItemModel& model = *files->model();
         ASSERT_TRUE(QTest::qWaitFor([&] { return model.rowCount(files->rootIndex()) > 0; }));
         EXPECT_EQ(model.index(0, 2, files->rootIndex()).data(), QStringLiteral("Папка"));
     });
+    dialog.ShowOpen(nullptr);
+    EXPECT_EQ(dialog.FileName, QString()) << "cancelled";
     qputenv("HOME", home);
 }
 
-TEST_F(CommonDialogTest, WhatMustExistIsAskedForAgain) {
+TEST_F(CommonDialogTest, SaveAddsTheExtensionAndWhatMustExistIsAskedForAgain) {
     const QString noFolder = QStringLiteral("\r\nТакой папки нет. Проверьте правильность пути.");
     const QString noFile = QStringLiteral("\r\nФайл не найден. Проверьте правильность имени файла.");
-    constexpr int Folder = forms::cdlOFNPathMustExist;
-    test::WriteBytes(Path(QStringLiteral("book.mdb")), {});
-    const std::tuple<int, bool, QString, QString, QString> rows[] = {
-        {Folder | forms::cdlOFNFileMustExist, false, "none.mdb", noFile, "book.mdb"},
-        {Folder | forms::cdlOFNFileMustExist, false, "nofolder/book.mdb", noFolder, "book.mdb"},
-        {Folder, true, "nofolder/new.mdb", noFolder, "new.mdb"},
+    test::WriteBytes(Path(QStringLiteral("old.csv")), {});
+    dialog.Filter = QStringLiteral("Файл с разделителями (*.csv)|*.csv");
+    const std::tuple<bool, QString, QString, QString, QString> rows[] = {
+        {true, {}, {}, "new", "new.csv"},
+        {true, {}, {}, "new.txt", "new.txt"},
+        {true, {}, {}, "old", "old.csv"}, // and no question
+        {true, "nofolder/new.mdb", noFolder, "new", "new.csv"},
+        {false, "none.mdb", noFile, "old.csv", "old.csv"},
+        {false, "nofolder/old.csv", noFolder, "old.csv", "old.csv"},
     };
-    for (const auto& [flags, save, refused, told, taken] : rows) {
-        answers.File(Path(refused)).Box(Path(refused) + told, Icon::Exclamation);
-        dialog.Flags = flags;
-        EXPECT_EQ(Choose(Path(taken), save), Path(taken)) << refused.toStdString();
+    for (const auto& [save, refused, told, typed, taken] : rows) {
+        if (!refused.isNull())
+            answers.File(Path(refused)).Box(Path(refused) + told, Icon::Exclamation);
+        answers.File(Path(typed));
+        dialog.Flags = forms::cdlOFNPathMustExist | (save ? 0 : forms::cdlOFNFileMustExist);
+        dialog.FileName.clear();
+        if (save)
+            dialog.ShowSave(nullptr);
+        else
+            dialog.ShowOpen(nullptr);
+        EXPECT_EQ(dialog.FileName, Path(taken)) << refused.toStdString() << typed.toStdString();
+        EXPECT_TRUE(answers.Done());
     }
 }

@@ -91,10 +91,8 @@ private:
             for (const char* statement :
                  {"INSERT INTO a01 (a01clid, a01last) VALUES (900, 'Новая')", "UPDATE a01 SET a01memo = 'x'",
                   "DELETE FROM a02 WHERE a02clid = 1", "DELETE FROM notes"})
-                Try([&] {
-                    book.Execute(QString::fromUtf8(statement), engine::dbFailOnError);
-                    engine::DBEngine::Commit();
-                });
+                Try([&] { book.Execute(QString::fromUtf8(statement), engine::dbFailOnError); });
+            Try(engine::DBEngine::Commit);
         }
         if (!Try([&] { book.Close(); }))
             book.Close();

@@ -32,17 +32,11 @@ void CountGiven(const volatile void* memory) {
 }
 
 QByteArray SoundFile(std::uint8_t choice) {
-    static const std::array<QByteArray, 4> files = [] {
-        std::array<QByteArray, 4> read;
-        const std::array<const char*, 4> names{"v1-old", "v3-upgraded", "foreign", "v1-encoded"};
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            QFile file(QStringLiteral(ZAVELIK_TEST_DATA "/jet/%1.mdb").arg(QLatin1String(names[i])));
-            Require(file.open(QIODevice::ReadOnly));
-            read[i] = file.readAll();
-        }
-        return read;
-    }();
-    return files[choice % files.size()];
+    static const std::array<const char*, 4> names{"v1-old", "v3-upgraded", "foreign", "v1-encoded"};
+    QFile file(
+        QStringLiteral(ZAVELIK_TEST_DATA "/jet/%1.mdb").arg(QLatin1String(names[choice % names.size()])));
+    Require(file.open(QIODevice::ReadOnly));
+    return file.readAll();
 }
 
 void ReadAll(QByteArray bytes) {

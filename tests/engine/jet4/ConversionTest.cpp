@@ -143,17 +143,6 @@ TEST_F(OldFormatConversion, TablesThatNobodyKnowsKeepTheirRowsAndTypes) {
         }
         database->Close();
     }
-    const auto database = engine::DBEngine::Workspaces(0)->OpenDatabase(Path(QStringLiteral("v3-small.mdb")));
-    for (const char* column :
-         {"a01.a01memo:10:100", "A02.a02rcid:5:0", "a02.a02code:3:0", "t01.t01type:2:0"}) {
-        const QString text = QString::fromUtf8(column);
-        const auto field =
-            database->TableDefs(text.section(u'.', 0, 0)).Fields(text.section(u'.', 1).section(u':', 0, 0));
-        EXPECT_EQ(text.section(u':', 1),
-                  QStringLiteral("%1:%2").arg(static_cast<int>(field.Type())).arg(field.Size()))
-            << column;
-    }
-    database->Close();
 }
 
 // What the format allows and the new file has no like of comes over all the same; money is exact, and

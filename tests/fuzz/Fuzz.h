@@ -1,10 +1,13 @@
 #pragma once
 
+#include "platform/runtime/Failure.h"
+
 #include <QString>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 
 namespace fuzz {
 
@@ -12,6 +15,17 @@ namespace fuzz {
 inline void Require(bool holds) {
     if (!holds)
         std::abort();
+}
+
+/// The number of the failure that the work ends in; 0 if it ends well.
+inline int FailureOf(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const runtime::Failure& failure) {
+        Require(!failure.description().isEmpty());
+        return failure.number();
+    }
+    return 0;
 }
 
 inline QByteArrayView Bytes(const std::uint8_t* data, std::size_t size) {

@@ -2,7 +2,6 @@
 #include "platform/engine/EngineError.h"
 #include "platform/engine/dao/DBEngine.h"
 #include "platform/runtime/Dates.h"
-#include "platform/runtime/Failure.h"
 #include "platform/runtime/Numbers.h"
 #include "tests/fuzz/Fuzz.h"
 
@@ -10,22 +9,11 @@
 #include <QTemporaryDir>
 
 #include <cmath>
-#include <functional>
 
 namespace {
 
+using fuzz::FailureOf;
 using fuzz::Require;
-
-/// The number of the failure that the action ends in; 0 if it ends well.
-int FailureOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const runtime::Failure& failure) {
-        Require(!failure.description().isEmpty());
-        return failure.number();
-    }
-    return 0;
-}
 
 /// What is recognised lies in the range, and comes back from the text that it is written as.
 void CheckDate(const QString& text) {

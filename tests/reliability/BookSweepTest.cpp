@@ -327,7 +327,7 @@ class AddedEvent : public BookWork {
 INSTANTIATE_TEST_SUITE_P(Deeds, Card, testing::Values(Add, Change, Remove));
 
 TEST_P(Card, OnADiskThatFails) {
-    test::SweepDisk(*this, GetParam().name, 1);
+    test::SweepDisk(*this, GetParam().name);
 }
 
 TEST_P(Card, UnderALock) {
@@ -335,11 +335,11 @@ TEST_P(Card, UnderALock) {
 }
 
 TEST_F(AddedEvent, OnADiskThatFails) {
-    test::SweepDisk(*this, "added event", 1);
+    test::SweepDisk(*this, "added event");
 }
 
 TEST_F(Import, OnADiskThatFails) {
-    test::SweepDisk(*this, "import of 50 rows", 1);
+    test::SweepDisk(*this, "import of 50 rows");
 }
 
 TEST_F(Import, UnderALock) {
@@ -347,11 +347,11 @@ TEST_F(Import, UnderALock) {
 }
 
 TEST_F(Extraction, OnADiskThatFails) {
-    test::SweepDisk(*this, "extraction", 1, 0);
+    test::SweepDisk(*this, "extraction", test::Places::None);
 }
 
 #ifdef Q_OS_UNIX
 TEST_F(Export, OnASystemThatFails) {
-    test::SweepCalls(*this, "export", 1);
+    test::SweepCalls(*this, "export", test::Places::Some);
 }
 #endif

@@ -198,8 +198,8 @@ private:
 
 } // namespace
 
-void SweepCalls(Work& work, const std::string& name, int samples) {
-    SweepLayer(work, "calls of " + name, samples, callFaults,
+void SweepCalls(Work& work, const std::string& name, Places places) {
+    SweepLayer(work, "calls of " + name, places, callFaults,
                [&work](Fault& fault) { return std::make_unique<System>(work, fault); });
 }
 

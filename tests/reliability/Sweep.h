@@ -1,17 +1,59 @@
 #pragma once
 
 #include "tests/support/Answers.h"
-#include "tests/support/FaultSweep.h"
+#include "tests/support/FaultyFiles.h"
 
 #include <QStringList>
 
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
+#include <vector>
 
 class QWidget;
 
 namespace test {
+
+/// One way in which calls to the file system fail.
+struct FaultKind {
+    const char* name;
+    std::vector<FaultyFiles::Call> calls; ///< that fail
+    int code;                             ///< of the layer's
+    int number = 0;                       ///< of the failure that the user is told; 0: any
+    bool startsAnew = false;              ///< what it leaves is put right by the next start of the program
+
+    bool Concerns(FaultyFiles::Call call) const { return std::ranges::find(calls, call) != calls.end(); }
+    /// Nothing is done behind such a fault.
+    bool EndsAll() const { return code < 0; }
+};
+
+/// A fault of one kind at one place: the judge of the calls of one run.
+class Fault {
+public:
+    /// The place counts the calls that the kind concerns, from 1; with a lasting fault those behind fail too.
+    Fault(const FaultKind& kind, int place, bool lasting)
+        : m_kind(kind)
+        , m_place(place)
+        , m_lasting(lasting) {}
+
+    int Judge(FaultyFiles::Call call);
+    const FaultKind& Kind() const { return m_kind; }
+    bool IsLasting() const { return m_lasting; }
+    bool WasHit() const { return m_hit; }
+    /// How many calls there were that the kind concerns.
+    int CallsOf(const FaultKind& kind) const;
+
+private:
+    const FaultKind& m_kind;
+    int m_place;
+    bool m_lasting;
+    int m_concerned = 0;
+    bool m_hit = false;
+    std::array<int, 9> m_calls = {};
+};
 
 /// One piece of the user's work, done on a disk that fails. The order of the calls is that of the functions.
 class Work {
@@ -62,18 +104,22 @@ public:
     virtual void StartAnew(const Fault& fault) { (void)fault; }
 };
 
-/// Does the work under one fault after another, once on each layer that `install` makes for it; see
-/// SweepFaults.
-void SweepLayer(Work& work, const std::string& name, int samples, std::span<const FaultKind> kinds,
+/// The places of a sweep where not all are taken, as in the full run.
+enum class Places { None, Some, All };
+
+/// Does the work once without a fault, then with a fault of each kind at its places, once and from then on,
+/// each time on a layer that `install` makes for it. Of some places each kind has another one, once and from
+/// then on by turns. Ends early behind a failed expectation. Writes to stdout how many faults were hit.
+void SweepLayer(Work& work, const std::string& name, Places places, std::span<const FaultKind> kinds,
                 const std::function<std::unique_ptr<Layer>(Fault&)>& install);
 
 /// Under SQLite and the program's own writing; then the same on a slow disk, where each statement is a
 /// commit.
-void SweepDisk(Work& work, const std::string& name, int samples, int slowSamples = 1);
+void SweepDisk(Work& work, const std::string& name, Places onASlowDisk = Places::Some);
 
 /// While the system's calls that concern files of the folder fail, whoever makes them: the toolkit or the
 /// program itself. Only on Unix.
-void SweepCalls(Work& work, const std::string& name, int samples);
+void SweepCalls(Work& work, const std::string& name, Places places);
 
 /// While another program keeps the book locked: for itself, against writers, by reading.
 void SweepLocks(Work& work, const std::string& name, const QString& book);

@@ -151,16 +151,11 @@ int Delete(sqlite3_vfs*, const char* name, int syncFolder) {
 }
 
 std::error_code ErrorOf(int code) {
-    switch (code) {
-    case SQLITE_OK:
+    if (code == SQLITE_OK)
         return {};
-    case SQLITE_FULL:
-        return std::make_error_code(std::errc::no_space_on_device);
-    case SQLITE_CANTOPEN:
-        return std::make_error_code(std::errc::permission_denied);
-    default:
-        return std::make_error_code(std::errc::io_error);
-    }
+    return std::make_error_code(code == SQLITE_FULL       ? std::errc::no_space_on_device
+                                : code == SQLITE_CANTOPEN ? std::errc::permission_denied
+                                                          : std::errc::io_error);
 }
 
 /// As SQLite names the file.

@@ -16,11 +16,10 @@
 
 namespace test {
 
-void Program::MakeBook(const QStringList& versions) const {
+void Program::MakeBook() const {
     const auto book = Create(Path());
     book->Execute(QStringLiteral("CREATE TABLE v00 (v00vrid BYTE NOT NULL PRIMARY KEY)"));
-    for (const QString& version : versions)
-        book->Execute(QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (") + version + u')');
+    book->Execute(QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (3)"));
     book->Close();
 }
 
@@ -42,7 +41,8 @@ void Program::ChooseInMenu(const std::shared_ptr<forms::Form>& window, const cha
     answers.Menu(ControlOf<QAction>(Window(), entry).parent()->objectName(), QString::fromLatin1(entry));
     if (expect)
         expect(answers);
-    OpenMenu(*window->Surface()->findChild<forms::FlexGrid*>());
+    QTest::mouseClick(window->Surface()->findChild<forms::FlexGrid*>()->viewport(), Qt::RightButton,
+                      Qt::NoModifier, QPoint(50, 5));
 }
 
 std::vector<std::shared_ptr<forms::Form>> Program::Windows(const char* name) {
@@ -61,14 +61,10 @@ std::shared_ptr<forms::Form> Program::Last(const char* name) {
 QStringList Program::Children() {
     QStringList names;
     for (const auto& form : forms::Form::Loaded()) {
-        if (form.get() != forms::MdiForm::Current() && IsShown(form))
+        if (form.get() != forms::MdiForm::Current() && form->Surface()->isVisible())
             names += form->Name();
     }
     return names;
-}
-
-void Program::OpenMenu(QAbstractScrollArea& grid) {
-    QTest::mouseClick(grid.viewport(), Qt::RightButton, Qt::NoModifier, QPoint(50, 5));
 }
 
 QStringList Program::Listed(const forms::FlexGrid& grid, QList<int> columns) {

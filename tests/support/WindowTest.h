@@ -16,8 +16,8 @@ namespace test {
 /// The program, which has not run yet, and its windows as the user uses them.
 class Program : public Unbound {
 protected:
-    /// A file of the current version without reference data; `versions` are the rows of v00.
-    void MakeBook(const QStringList& versions = {QStringLiteral("3")}) const;
+    /// A file of the current version without reference data.
+    void MakeBook() const;
     /// Starts the program on such a book.
     void Start() const;
 
@@ -34,9 +34,6 @@ protected:
     static std::vector<std::shared_ptr<forms::Form>> Windows(const char* name);
     static std::shared_ptr<forms::Form> Last(const char* name);
     static bool IsOpen(const char* name) { return !Windows(name).empty(); }
-    static bool IsShown(const std::shared_ptr<forms::Form>& window) {
-        return window->IsLoaded() && window->Surface()->isVisible();
-    }
     /// Names of the visible child windows.
     static QStringList Children();
 
@@ -51,8 +48,6 @@ protected:
             throw std::runtime_error(std::string("no control ") + name);
         return *widget;
     }
-    /// Right mouse button on a grid, whose menu the test answers.
-    static void OpenMenu(QAbstractScrollArea& grid);
     /// The rows of a grid below its header, the cells of some columns or of all joined by '|'.
     static QStringList Listed(const forms::FlexGrid& grid, QList<int> columns = {});
 

@@ -103,22 +103,6 @@ TEST_F(Files, OutputIsWrittenInTheCodePageWithBothLineEnds) {
     EXPECT_EQ(test::ReadBytes(path), QByteArrayLiteral("\xC8\xEC\xFF;\xB9\r\n?\nx\r\n"));
 }
 
-TEST_F(Files, AFullDiskIsReportedAtTheLatestOnClosing) {
-    // The greatest size of a file stands in for the end of the disk.
-    const QString line(99, u'x');
-    for (const qint64 room : {0, 512, 100'000}) {
-        QFile::remove(Path(QStringLiteral("full.csv")));
-        OutputFile file(Path(QStringLiteral("full.csv")));
-        const test::SmallDisk full(room);
-        const int failure = test::FailureOf([&] {
-            for (qint64 written = 0; written <= room; written += 101)
-                file.Print(line);
-            file.Close();
-        });
-        EXPECT_EQ(failure, runtime::DiskFull) << room;
-    }
-}
-
 TEST_F(Files, InputSplitsLinesAtCarriageReturns) {
     const QByteArray large(70'000, 'y');
     const struct {

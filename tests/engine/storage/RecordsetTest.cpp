@@ -1,8 +1,6 @@
 #include "platform/engine/GroupClock.h"
 #include "tests/engine/EngineTest.h"
 
-#include <stdexcept>
-
 using test::FailureOf;
 
 namespace {
@@ -99,17 +97,4 @@ TEST_F(Rowset, KeepsEveryValue) {
             QStringLiteral("-%1|-0,25|05.12.2006 10:30:00|-1|255|%2").arg(QString::number(length), text);
     }
     EXPECT_EQ(test::Rows(Cards("v")), expected);
-}
-
-TEST_F(Rowset, AStatementIsStopped) {
-    const QString text =
-        QStringLiteral("SELECT a.a01last FROM a01 AS a, a01 AS b, a01 AS c, a01 AS d, a01 AS e, "
-                       "a01 AS f, a01 AS g, a01 AS h, a01 AS i, a01 AS j ORDER BY b.a01last");
-    int asked = 0;
-    const auto stop = [&] { return ++asked >= 100; };
-    EXPECT_EQ(FailureOf([&] { database->OpenRecordset(text, engine::dbOpenDynaset, stop); }), 32001);
-    // What is thrown goes on behind the step, never through SQLite.
-    const auto broken = []() -> bool { throw std::logic_error("stop"); };
-    EXPECT_THROW(database->OpenRecordset(text, engine::dbOpenDynaset, broken), std::logic_error);
-    EXPECT_EQ(test::Rows(Cards()).size(), 5); // nobody is asked any more
 }

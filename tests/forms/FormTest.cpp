@@ -11,7 +11,6 @@
 #include <QCheckBox>
 #include <QKeyEvent>
 #include <QMainWindow>
-#include <QMdiSubWindow>
 #include <QMenu>
 #include <QRegularExpression>
 #include <QTest>
@@ -47,8 +46,6 @@ public:
     /// Runs inside each event with its name.
     std::function<void(const QString&)> inEvent = [](const QString&) {};
 
-    int resized = 0;
-
     QLineEdit* txtFirst = nullptr;
     QLineEdit* txtSecond = nullptr;
     QPushButton* cmdFind = nullptr;
@@ -76,9 +73,7 @@ protected:
     }
     void Form_Load() override { Tell(QStringLiteral("load")); }
     void Form_Activate() override { Tell(QStringLiteral("activate")); }
-    void Form_Resize() override { ++resized; }
     void Form_Unload() override { Tell(QStringLiteral("unload")); }
-    void Form_Terminate() override { Tell(QStringLiteral("terminate")); }
 
 private:
     void Tell(const QString& what) {
@@ -135,41 +130,12 @@ protected:
         return form;
     }
 
-    static QMdiSubWindow* FrameOf(const Form& form) {
-        return qobject_cast<QMdiSubWindow*>(form.Surface()->parentWidget());
-    }
-
     std::shared_ptr<SampleFrame> frame;
 };
 
-TEST_F(FormTest, LoadedStateAndObjectAreTwoThings) {
-    auto form = Make("a");
-    EXPECT_EQ(form->Tag(), QStringLiteral("0")) << "reading a property loads";
-    EXPECT_FALSE(form->Surface()->isVisible());
-    EXPECT_EQ(Heard(), "a.load");
-    form->SetTag(QStringLiteral("1"));
-    form->Show();
-    form->txtFirst->setText(QStringLiteral("x"));
-    EXPECT_GT(form->resized, 0) << "the Resize event comes before the first activation";
-    EXPECT_EQ(Heard(), "a.activate");
-
-    form->Unload();
-    EXPECT_EQ(Heard(true), "a.unload");
-    form->Show();
-    EXPECT_EQ(form->Tag() + form->txtFirst->text(), QStringLiteral("0")) << "loaded again, blank";
-    EXPECT_EQ(Heard(true), "a.load a.activate");
-
-    const std::weak_ptr<Form> weak = form;
-    form.reset();
-    ASSERT_FALSE(weak.expired()) << "the table of loaded forms holds it";
-    FrameOf(*weak.lock())->close();
-    EXPECT_TRUE(weak.expired());
-    EXPECT_EQ(Heard(true), "a.unload a.terminate");
-}
-
 TEST_F(FormTest, AFixedWindowKeepsItsSize) {
     const auto fixed = Open("frmFixed");
-    QMdiSubWindow* window = FrameOf(*fixed);
+    QWidget* window = fixed->Surface()->parentWidget();
     EXPECT_FALSE(window->windowFlags() & Qt::WindowMinMaxButtonsHint);
     const QSize size = window->size();
     window->resize(size * 2);
@@ -332,7 +298,7 @@ TEST_F(FormTest, LeavingAndEnteringAFieldAreMovesInsideTheProgram) {
 
 TEST_F(FormTest, FailureThatEscapesAHandlerIsShownAndTheProgramGoesOn) {
     test::Answers answers;
-    for (int i = 0; i < 6; ++i)
+    for (int i = 0; i < 5; ++i)
         answers.Box(QStringLiteral("произошла ошибка №11 Деление на 0"), forms::Icon::Critical);
     const auto form = Make("a");
     form->inEvent = [](const QString&) { runtime::Raise(runtime::DivisionByZero); };

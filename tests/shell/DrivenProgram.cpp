@@ -20,8 +20,9 @@ void WorkAndLeave() {
         delete boxes;
     });
     gDatabase->Execute(QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (1)"), engine::dbFailOnError);
-    if (qEnvironmentVariableIsSet("ZAVELIK_FULL_DISK"))
-        new test::SmallDisk(1);
+    if (qEnvironmentVariableIsSet("ZAVELIK_FULL_DISK")) {
+        [[maybe_unused]] static const auto* const disk = new test::SmallDisk(1); // to the very end
+    }
     forms::MdiForm::Current()->Window()->close();
 }
 

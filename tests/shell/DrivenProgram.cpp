@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include <iostream>
+#include <optional>
 
 namespace {
 
@@ -20,9 +21,9 @@ void WorkAndLeave() {
         delete boxes;
     });
     gDatabase->Execute(QStringLiteral("INSERT INTO v00 (v00vrid) VALUES (1)"), engine::dbFailOnError);
-    if (qEnvironmentVariableIsSet("ZAVELIK_FULL_DISK")) {
-        [[maybe_unused]] static const auto* const disk = new test::SmallDisk(1); // to the very end
-    }
+    static std::optional<test::SmallDisk> disk; // to the end
+    if (qEnvironmentVariableIsSet("ZAVELIK_FULL_DISK"))
+        disk.emplace(1);
     forms::MdiForm::Current()->Window()->close();
 }
 

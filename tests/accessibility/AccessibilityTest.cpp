@@ -81,6 +81,11 @@ TEST_F(AccessibilityTest, GridsAreReadByRowAndColumn) {
         said += table->columnDescription(column) + u' ' + cell->text(QAccessible::Name);
     }
     EXPECT_EQ(said.join(u','), QStringLiteral("Название Я,Событие Разовое")) << "no hidden column";
+    said.clear();
+    for (int i = 0; i < Of(grid).childCount(); ++i)
+        said += Of(grid).child(i)->text(QAccessible::Name);
+    said.removeAll(QString());
+    EXPECT_EQ(said.join(u','), QStringLiteral("Название,Событие,Юбилей,Периодическое,Я,Разовое"));
 }
 
 TEST_F(AccessibilityTest, TheTitlesOfTheMenuBarAreMenus) {

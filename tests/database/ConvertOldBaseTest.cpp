@@ -26,22 +26,22 @@ protected:
         return bytes;
     }
     /// The question, and what is told behind a yes.
-    test::Answers& Expect(test::Answers& answers, bool yes) const {
+    test::Answers& Expect(test::Answers& answers, bool yes, const QString& further = {}) const {
         answers.Question(QStringLiteral("Файл %1 создан прежней версией программы. Преобразовать его в новый "
                                         "формат? Прежний файл сохранится рядом под именем book.jet4.mdb.")
                              .arg(Path()),
                          yes, true);
         if (yes)
             answers.Box(QStringLiteral("Файл %1 преобразован в новый формат. Прежний файл сохранён под "
-                                       "именем book.jet4.mdb.")
-                            .arg(Path()),
+                                       "именем book.jet4.mdb.%2")
+                            .arg(Path(), further),
                         Icon::Information);
         return answers;
     }
     /// Converts the book; the user agrees.
-    void Convert() const {
+    void Convert(const QString& further = {}) const {
         test::Answers answers;
-        Expect(answers, true);
+        Expect(answers, true, further);
         EXPECT_TRUE(OfferConversion(Path()));
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
         gWorkspace = engine::DBEngine::Workspaces(0);
@@ -75,6 +75,15 @@ TEST_F(OldBase, EverySoundFileBecomesABookOfItsVersion) {
         gDatabase.reset();
         QFile::remove(Path("book.jet4.mdb"));
     }
+}
+
+TEST_F(OldBase, WhatDoesNotComeOverIsTold) {
+    test::OldBytes old("v2-old.mdb");
+    old.Put<std::uint8_t>(old.Row(u"v00", 0) + 2, 1);          // a version that needs neither of the two
+    old.Put<std::uint16_t>(old.CatalogRow(u"t02") + 2 + 8, 5); // a query
+    old.Replace(old.CatalogRow(u"t03"), "t03", "x03");
+    test::WriteBytes(Path(), old.Bytes());
+    Convert("\r\n\r\nНе перенесено: t02.\r\n\r\nБез ключей и индексов перенесены таблицы: x03.");
 }
 
 // A converted book of the current version is a new one in everything but its rows.

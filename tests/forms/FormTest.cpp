@@ -236,6 +236,9 @@ TEST_F(FormTest, EnterAndEscPressTheButtons) {
         for (const auto& [focus, key, heard] : rows)
             EXPECT_EQ(press(focus, key), heard) << focus->objectName().toStdString() << " " << key;
         EXPECT_FALSE(box->isChecked());
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
+        QApplication::sendEvent(form->txtFirst, &held);
+        EXPECT_EQ(Heard(), "") << "a key held down presses once";
         form->cmdFind->setEnabled(false);
         EXPECT_EQ(press(form->txtFirst, Qt::Key_Return), "");
         form->Unload();

@@ -93,6 +93,10 @@ TEST_F(About, TheLinkHandsNameAndAddressToTheMailProgram) {
     EXPECT_EQ(mailer.opened.path(QUrl::FullyDecoded),
               QStringLiteral("\"Orlenta+\" <%1>").arg(QString::fromUtf16(product::AuthorMail)));
     EXPECT_FALSE(mailer.opened.toEncoded().contains('+'));
+    runtime::MapiMessage quoted;
+    quoted.RecipDisplayName = QStringLiteral("a\"b");
+    quoted.Send(true);
+    EXPECT_EQ(mailer.opened.path(QUrl::FullyDecoded), QStringLiteral("\"a\\\"b\" <>"));
     QDesktopServices::unsetUrlHandler(QStringLiteral("mailto"));
 }
 

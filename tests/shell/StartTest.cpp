@@ -113,14 +113,20 @@ TEST_F(StartTest, ExitUnloadsTheChildrenEndsTheLoopAndLeavesTheFileOpen) {
 
 TEST_F(StartTest, AnotherBaseIsStoredAndEndsTheProcess) {
     Start();
+    const test::EndTrap trap;
     const QString other = Path(QStringLiteral("other.mdb"));
     test::WriteBytes(other, {});
     test::Answers answers;
-    answers.Question(NewBase, false, false).Question(NewBase, true, false).File({});
+    answers.Question(NewBase, false, false);
     Choose("mnuBookNewBase");
-    Choose("mnuBookNewBase");
+    const QString hidden = Path(QStringLiteral(".hidden.mdb"));
+    test::WriteBytes(hidden, {});
+    const bool hides = QFileInfo(hidden).isHidden(); // the dot, on this system
+    for (const QString& refused : {QString(), hides ? hidden : QString()}) {
+        answers.Question(NewBase, true, false).File(refused);
+        Choose("mnuBookNewBase");
+    }
     EXPECT_EQ(Stored(), Path());
-    const test::EndTrap trap;
     answers.Question(NewBase, true, false).File(other);
     // By its signal: the toolkit's own frames of a trigger are not made for exceptions.
     EXPECT_THROW(Q_EMIT ControlOf<QAction>(Window(), "mnuBookNewBase").triggered(false), test::ProcessEnded);

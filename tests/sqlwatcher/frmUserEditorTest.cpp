@@ -100,6 +100,9 @@ TEST_F(frmUserEditorTest, EscStopsARunningStatement) {
     };
     post(field, Qt::Key_Z, QStringLiteral("z"));
     post(field, Qt::Key_F9);
+    QCoreApplication::postEvent(
+        Editor().viewport(),
+        new QMouseEvent(QEvent::MouseButtonPress, {}, {}, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
     QCoreApplication::postEvent(&FrameOf(window), new QCloseEvent);
     bool ranMeanwhile = false;
     QTimer::singleShot(1, &Editor(), [&] { ranMeanwhile = QApplication::activeModalWidget() == nullptr; });
@@ -110,6 +113,7 @@ TEST_F(frmUserEditorTest, EscStopsARunningStatement) {
                         forms::Icon::Exclamation);
     QTest::keyClick(field, Qt::Key_F9);
     EXPECT_FALSE(ranMeanwhile);
+    EXPECT_TRUE(Editor().textCursor().atEnd()) << "where no click has moved it";
     ASSERT_TRUE(window->IsLoaded());
     EXPECT_EQ(Result(), old);
     EXPECT_EQ(Editor().toPlainText(), text);

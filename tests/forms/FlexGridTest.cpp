@@ -2,7 +2,6 @@
 
 #include "platform/forms/FlexGrid.h"
 
-#include "platform/forms/Texts.h"
 #include "platform/forms/Twips.h"
 #include "tests/support/Expect.h"
 
@@ -54,16 +53,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(FlexGridTest, LongTextsAreCut) {
-    const QString text = QString(forms::MostShown - 1, u'ж');
-    for (const auto& [more, shown] : {std::pair(QString(10'000'000, u'x'), QStringLiteral("x…")),
-                                      {QStringLiteral("😀"), QStringLiteral("…")}, // no half of a pair
-                                      {QString(), QString()}}) {
-        grid.SetTextMatrix(1, 3, text + more);
-        EXPECT_EQ(grid.TextMatrix(1, 3), text + shown);
-    }
-}
 
 TEST_F(FlexGridTest, RefillKeepsThePlaceOnTheScreen) {
     grid.SetColWidth(3, 15000);

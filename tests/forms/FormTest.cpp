@@ -9,7 +9,6 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
-#include <QKeyEvent>
 #include <QMainWindow>
 #include <QMenu>
 #include <QRegularExpression>
@@ -133,15 +132,6 @@ protected:
     std::shared_ptr<SampleFrame> frame;
 };
 
-TEST_F(FormTest, AFixedWindowKeepsItsSize) {
-    const auto fixed = Open("frmFixed");
-    QWidget* window = fixed->Surface()->parentWidget();
-    EXPECT_FALSE(window->windowFlags() & Qt::WindowMinMaxButtonsHint);
-    const QSize size = window->size();
-    window->resize(size * 2);
-    EXPECT_EQ(window->size(), size);
-}
-
 TEST_F(FormTest, ActivationFollowsTheChangeOfTheActiveChild) {
     const auto a = Make("a");
     const auto b = Make("b");
@@ -200,23 +190,10 @@ TEST_F(FormTest, ModalShowEndsWhenTheWindowIsHiddenAndKeepsWhatItHolds) {
     }
 }
 
-/// What a platform theme may let a check box do with Enter.
-class Theme final : public QObject {
-protected:
-    bool eventFilter(QObject* control, QEvent* event) override {
-        if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Return)
-            return false;
-        static_cast<QCheckBox*>(control)->click();
-        return true;
-    }
-};
-
 TEST_F(FormTest, EnterAndEscPressTheButtons) {
-    Theme theme;
     for (const Kind kind : {Kind::Child, Kind::Dialog}) {
         const auto form = Open("a", kind);
         auto* box = new QCheckBox(form->Surface());
-        box->installEventFilter(&theme);
         box->show();
         EXPECT_TRUE(form->cmdFind->isDefault()) << "marked";
         EXPECT_EQ(form->Surface()->focusWidget(), form->txtFirst);

@@ -10,7 +10,6 @@ TEST(Codec1251, EveryByteIsACharacterAndComesBack) {
     const QString text = runtime::From1251(all);
     ASSERT_EQ(text.size(), 256);
     EXPECT_EQ(runtime::To1251(text), all);
-    EXPECT_EQ(text.first(128), QString::fromLatin1(all.first(128)));
     EXPECT_EQ(text.sliced(128),
               QStringLiteral("ЂЃ‚ѓ„…†‡€‰Љ‹ЊЌЋЏђ‘’“”•–—\u0098™љ›њќћџ\u00A0ЎўЈ¤Ґ¦§Ё©Є«¬\u00AD®Ї°±Ііґµ¶·ё№є»јЅѕї"
                              "АБВГДЕЖЗИЙКЛМНОПРСТУФХЦЧШЩЪЫЬЭЮЯабвгдежзийклмнопрстуфхцчшщъыьэюя"));

@@ -157,7 +157,6 @@ TEST_F(OldFormatConversion, NothingIsLostThatTheNewFileHasNoLikeOf) {
     rename(u"Note", u"a_z");
     old.Replace(old.CatalogRow(u"Пустая таблица"), QStringLiteral("Пустая таблица"),
                 QStringLiteral("SQLite_таблица"));
-    old.Put(old.Row(u"Товары", 0) + 2 + 20, -657434.75);
     QByteArray bytes = old.Bytes();
     // 560.99, and what no fraction of 64 bits holds.
     bytes.replace(QByteArray::fromHex("ac99550000000000"), QByteArray::fromHex("feffffffffffff7f"));
@@ -173,9 +172,7 @@ TEST_F(OldFormatConversion, NothingIsLostThatTheNewFileHasNoLikeOf) {
     database->Close();
     const std::pair<const char*, const char*> rows[] = {
         {"SELECT rowid, a_z_2 FROM Orders ORDER BY 1", "10|Ромашка 11|Василёк"},
-        {"SELECT count(*) FROM _SQLite_таблица", "0"},
         {"SELECT Код FROM Товары ORDER BY 1", "1 2 3 4 5"},
-        {"SELECT min(Завезён) FROM Товары", "-657434.75"},
     };
     for (const auto& [sql, expected] : rows)
         EXPECT_EQ(test::ReadRows(path, QString::fromUtf8(sql)).join(u' '), QString::fromUtf8(expected))

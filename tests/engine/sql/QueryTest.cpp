@@ -128,8 +128,6 @@ TEST_F(Query, Money) {
         SELECT c FROM m ORDER BY c DESC -> 922337203685477,5807 / 922337203685477,5806 / 0,75 / -922337203685477,5808 / NULL
         SELECT SUM(c), MIN(c), MAX(c), FIRST(c) FROM m WHERE k > 1 AND k < 5 -> 0,7498|-922337203685477,5808|922337203685477,5806|922337203685477,5806
         SELECT c + 0.0001, c - 1, -c, c * 2, c / 3, c * 0.5, c \ 1, c ^ 2, c & '!' FROM m WHERE k = 4 -> 0,7501|-0,25|-0,75|1,5|0,25|0,375|1|0,5625|0,75!
-        SELECT FORMAT(c, '#,##0.000'), ABS(c), ROUND(c, 2), INT(c) FROM m WHERE k = 2 -> 922{00A0}337{00A0}203{00A0}685{00A0}477,581|922337203685477,5806|922337203685477,58|922337203685477
-        SELECT c FROM m WHERE k = 1 UNION SELECT 5 UNION SELECT NULL -> NULL / 5 / 922337203685477,5807
         SELECT SUM(c) FROM m WHERE k < 3 ; SELECT c + 1 FROM m WHERE k = 1 -> #6
     )");
     Check(R"(
@@ -175,19 +173,14 @@ TEST_F(Query, NoStatementIsTakenForAnother) {
         SELECT a01clid FROM a01 WHERE a01clid > 2 ORDER BY 1, a01last -> 3 / 4 / 5
         SELECT a01clid, a01last FROM a01 WHERE a01clid > 2 ORDER BY 1 -> 3|Сидорова / 4|Ёлкин / 5|иванов
         SELECT a01clid, a01last FROM a01 WHERE a01clid > 2 ORDER BY 2 -> 4|Ёлкин / 5|иванов / 3|Сидорова
-        SELECT a01clid, a01last FROM a01 WHERE a01clid > 3 ORDER BY 2 DESC -> 5|иванов / 4|Ёлкин
         SELECT TOP 1 a01clid FROM a01 -> 1
         SELECT TOP 2 a01clid FROM a01 -> 1 / 2
         SELECT a01clid FROM a01 WHERE a01last LIKE 'иванов' -> 1 / 5
-        SELECT a01clid FROM a01 WHERE a01last LIKE 'п?т*' -> 2
         SELECT a01clid FROM a01 WHERE a01last LIKE '[' -> #93
         SELECT FORMAT(a01clid, '00') FROM a01 WHERE a01clid IN (1, 7) -> 01
         SELECT FORMAT(a01clid, 'yyyy') FROM a01 WHERE a01clid IN (2, 7) -> 1900
         types SELECT 1, '1', 1.5 -> 4|10|7
         types SELECT '1', 1.5, 1 -> 10|7|4
-        types SELECT 1, '1', 3000000000 -> 4|10|7
-        SELECT COUNT(*), 1 FROM a01 GROUP BY 1 HAVING 2 > 1 -> 5|1
-        SELECT COUNT(*), 2 FROM a01 GROUP BY 2 HAVING 1 > 1 ->
         names TRANSFORM COUNT(*) SELECT 1 FROM a01 GROUP BY 1 PIVOT a01clid IN (1, 7) -> Expr1000|1|7
         names TRANSFORM COUNT(*) SELECT 1 FROM a01 GROUP BY 1 PIVOT a01clid IN (2, 7) -> Expr1000|2|7
         SELECT a01clid FROM a01 WHERE a01clid = 1 -> 1

@@ -53,22 +53,6 @@ TEST_F(LookUps, LeaveTheOrderOfRows) {
     }
 }
 
-TEST_F(LookUps, FollowEveryDefinition) {
-    for (const auto& [statement, kept] : test::Lines(R"(
-        CREATE INDEX a01last ON a01 (a01last) -> both
-        ALTER TABLE a02 ALTER COLUMN a02code INTEGER -> both
-        ALTER TABLE a01 DROP COLUMN a01frst -> a02..a02clid
-        ALTER TABLE a01 ADD COLUMN A01FRST TEXT(50) -> both
-    )")) {
-        Run(statement);
-        EXPECT_EQ(Kept(), kept == u"both" ? both : kept) << statement.toStdString();
-    }
-    workspace->BeginTrans();
-    Run(QStringLiteral("DROP TABLE a02"));
-    workspace->Rollback();
-    EXPECT_EQ(Kept(), both);
-}
-
 // A file without them is given them by the first statement that writes, and by no other; where that cannot
 // be, no statement fails.
 TEST_F(LookUps, ComeToAFileOfBefore) {

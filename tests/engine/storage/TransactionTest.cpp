@@ -191,17 +191,6 @@ TEST_F(Transaction, ClosingTheWorkspaceTakesBackWhatIsPending) {
     standard->OpenDatabase(path)->Close();
 }
 
-TEST_F(Transaction, ATableThatAnotherMakesIsFoundAtOnce) {
-    const auto other = workspace->OpenDatabase(path);
-    Check("SELECT * FROM a01 ->");
-    other->Execute(QStringLiteral("ALTER TABLE a01 ADD COLUMN a01bith TEXT(20)"), engine::dbFailOnError);
-    DBEngine::Commit();
-    Check(R"(
-        INSERT INTO a01 (a01clid, a01bith) VALUES (1, '05.12.2006') -> 1
-        SELECT * FROM a01 -> 1|NULL|NULL|05.12.2006
-    )");
-}
-
 // Somebody who reads for long does not stop a run; the group is made durable when the reader has gone.
 TEST_F(Transaction, AReaderDelaysTheCommitAndNothingElse) {
     sqlite3* reader = nullptr;

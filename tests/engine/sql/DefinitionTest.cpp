@@ -110,22 +110,6 @@ TEST_F(Definition, KeysAndIndexesHold) {
     )");
 }
 
-TEST_F(Definition, EmptyTextIsSwitchedAtRunTime) {
-    MakeCards();
-    auto field = database->TableDefs(QStringLiteral("A01")).Fields(QStringLiteral("A01LAST"));
-    EXPECT_FALSE(field.AllowZeroLength());
-    field.SetAllowZeroLength(true);
-    EXPECT_TRUE(field.AllowZeroLength());
-    Check("INSERT INTO a01 (a01clid, a01last) VALUES (5, '') -> 1");
-    // Rows that are there stay when the rule comes back, in the open file and in one opened anew.
-    field.SetAllowZeroLength(false);
-    Check("INSERT INTO a01 (a01clid, a01last) VALUES (6, '') -> #3315");
-    Reopen();
-    Check("SELECT a01clid FROM a01 WHERE a01last = '' -> 5");
-    EXPECT_FALSE(database->TableDefs(QStringLiteral("a01")).Fields(1).AllowZeroLength());
-    EXPECT_EQ(test::FailureOf([&] { database->TableDefs(QStringLiteral("нет")); }), 3265);
-}
-
 TEST_F(Definition, SelectIntoMakesATable) {
     MakeCards();
     Check(R"(

@@ -2,7 +2,6 @@
 #include "platform/engine/EngineError.h"
 #include "tests/database/OldVersion.h"
 #include "tests/support/BoundBook.h"
-#include "tests/support/EndTrap.h"
 
 #include <sqlite3.h>
 
@@ -23,7 +22,6 @@ protected:
 
     /// Starts on the book; these boxes come, and the process ends or goes on.
     static void Raise(const QStringList& boxes = {}, bool ends = false) {
-        const test::EndTrap trap;
         test::Answers answers;
         for (const QString& box : boxes)
             answers.BoxStarting(box, forms::Icon::Critical);

@@ -9,7 +9,6 @@
 #include "tests/database/OldVersion.h"
 #include "tests/reliability/Sweep.h"
 #include "tests/support/BoundBook.h"
-#include "tests/support/EndTrap.h"
 
 #include <QDir>
 #include <QLineEdit>
@@ -38,7 +37,6 @@ protected:
     }
     /// What the program does from its entry to the event loop.
     void Act() override {
-        const test::EndTrap trap;
         try {
             General::Main();
         } catch (const runtime::Failure& failure) {

@@ -4,7 +4,6 @@
 #include "platform/runtime/Settings.h"
 #include "shell/General.h"
 #include "shell/frmMain.h"
-#include "tests/support/EndTrap.h"
 #include "tests/support/WindowTest.h"
 
 #include <QDir>
@@ -44,7 +43,6 @@ TEST_F(StartTest, WithoutABookNothingIsLeftOfIt) {
         SCOPED_TRACE(name);
         if (!bytes.isNull())
             test::WriteBytes(Path(), bytes);
-        const test::EndTrap trap;
         test::Answers answers;
         expect(answers);
         if (ends) {
@@ -113,7 +111,6 @@ TEST_F(StartTest, ExitUnloadsTheChildrenEndsTheLoopAndLeavesTheFileOpen) {
 
 TEST_F(StartTest, AnotherBaseIsStoredAndEndsTheProcess) {
     Start();
-    const test::EndTrap trap;
     const QString other = Path(QStringLiteral("other.mdb"));
     test::WriteBytes(other, {});
     test::Answers answers;
@@ -140,7 +137,6 @@ TEST_F(StartTest, AFailedDeletionOfASettingAsksWhetherToGoOn) {
         forms::ErrorText(QStringLiteral("Класс clsRegister функция DeleteKey:"),
                          {runtime::InvalidCall, runtime::RuntimeText(runtime::InvalidCall)}) +
         QStringLiteral("\r\nПродолжить работу программы?");
-    const test::EndTrap trap;
     test::Answers answers;
     answers.Question(text, true, false, Icon::Critical).Question(text, false, false, Icon::Critical);
     gRegister().DeleteKey(QStringLiteral("none"));

@@ -3,11 +3,13 @@
 #include "platform/forms/Form.h"
 #include "shared/Declaration.h"
 #include "tests/support/Answers.h"
+#include "tests/support/EndTrap.h"
 #include "tests/support/TestBook.h"
 
 namespace test {
 
-/// Something is bound to the process-wide objects while the test runs, and nothing afterwards.
+/// Something is bound to the process-wide objects while the test runs, and nothing afterwards. An end of the
+/// process that nobody expects fails the test.
 class Unbound : public FolderTest {
 protected:
     ~Unbound() override { Unbind(); }
@@ -25,6 +27,9 @@ protected:
     static void Run(const QString& sql) { gDatabase->Execute(sql, engine::dbFailOnError); }
     static void Store(const QString& path) { gRegister().SaveKeyVal(QStringLiteral("DB_Path"), path); }
     static QString Stored() { return gRegister().GetKeyVal(QStringLiteral("DB_Path")); }
+
+private:
+    EndTrap m_trap;
 };
 
 /// An empty file is bound.

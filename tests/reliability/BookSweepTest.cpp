@@ -1,10 +1,9 @@
-// Cards and events are saved, cards imported, extracted and exported through the windows, on disks that fail,
-// under locks of another program.
+// Cards and events are saved, cards imported and extracted through the windows, on disks that fail, under
+// locks of another program.
 
 #include "organiser/frmEvent.h"
 #include "platform/forms/FlexGrid.h"
 #include "platform/forms/ListBox.h"
-#include "platform/runtime/Codec1251.h"
 #include "tests/exchange/ImportMaster.h"
 #include "tests/reliability/Sweep.h"
 
@@ -269,31 +268,6 @@ private:
     const QByteArray m_replaced = "another file";
 };
 
-/// The three cards go into a text file.
-class Export : public BookWork {
-    void Prepare() override {
-        BookWork::Prepare();
-        QFile::remove(Beside("target.csv"));
-    }
-    void Act() override { list->ExtractToCSV(); }
-    void Answer(QWidget& window) override {
-        if (auto* dialog = qobject_cast<QFileDialog*>(&window))
-            test::TypeIntoFileDialog(*dialog, Beside("target.csv"));
-        else
-            QTest::mouseClick(&ControlOf<QPushButton>(window, "cmdOk"), Qt::LeftButton);
-    }
-    void CheckFiles(bool reported) override {
-        CheckUntouched();
-        if (reported)
-            CheckEnd();
-    }
-    void CheckEnd() override {
-        EXPECT_EQ(test::ReadBytes(Beside("target.csv")),
-                  runtime::To1251(u"First Name,Last Name,Middle Name,Name,Home Phone,Mobile Phone,Business "
-                                  u"Phone,Notes\r\n,А,,А  ,11,,,\r\n,Б,,Б  ,21,,23,\r\n,В,,В  ,,,,\r\n"));
-    }
-};
-
 /// The dialog stays behind a failure, and its second try makes the same event, not another one.
 class AddedEvent : public BookWork {
     void Act() override {
@@ -349,9 +323,3 @@ TEST_F(Import, UnderALock) {
 TEST_F(Extraction, OnADiskThatFails) {
     test::SweepDisk(*this, "extraction", test::Places::None);
 }
-
-#ifdef Q_OS_UNIX
-TEST_F(Export, OnASystemThatFails) {
-    test::SweepCalls(*this, "export", test::Places::Some);
-}
-#endif

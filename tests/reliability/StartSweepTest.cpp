@@ -1,9 +1,8 @@
 // The program is started on disks that fail: it creates its book, raises one of an older version, converts
-// one of the old format. It stores and reads its setting.
+// one of the old format.
 
 #include "platform/forms/Form.h"
 #include "platform/forms/MsgBox.h"
-#include "platform/runtime/Settings.h"
 #include "shared/Declaration.h"
 #include "shell/General.h"
 #include "tests/database/OldVersion.h"
@@ -13,28 +12,20 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSettings>
 #include <QTest>
 
 namespace {
 
-class FolderWork : public test::Unbound, public test::Work {
+class StartWork : public test::Unbound, public test::Work {
 protected:
     QString Folder() const override { return Unbound::Path(QStringLiteral("books")); }
     QString Path() const { return Folder() + QStringLiteral("/book.mdb"); }
     void Prepare() override {
         QDir(Folder()).removeRecursively();
         QDir().mkpath(Folder());
-    }
-    bool WasReported(const QStringList& boxes) const override { return boxes.isEmpty(); }
-};
-
-class StartWork : public FolderWork {
-protected:
-    void Prepare() override {
-        FolderWork::Prepare();
         Store(Path());
     }
+    bool WasReported(const QStringList& boxes) const override { return boxes.isEmpty(); }
     /// What the program does from its entry to the event loop.
     void Act() override {
         try {
@@ -158,44 +149,6 @@ class Conversion : public StartWork {
     const QByteArray m_old = test::ReadBytes(QStringLiteral(ZAVELIK_TEST_DATA "/jet/v1-old.mdb"));
 };
 
-#ifdef Q_OS_UNIX
-/// The path of the book is stored, where one stands already or as the first.
-class Setting : public FolderWork {
-protected:
-    void Prepare() override {
-        FolderWork::Prepare();
-        if (!before.isEmpty()) {
-            QSettings store(File(), QSettings::IniFormat);
-            store.setValue(QStringLiteral("Zavelik/General/DB_Path"), before);
-            store.setValue(QStringLiteral("Zavelik/General/other"), 1);
-        }
-        runtime::UseSettingsFile(File());
-    }
-    void Act() override { Unbound::Store(After); }
-    void CheckFiles(bool reported) override {
-        // Without any sync the old file cannot be put back either.
-        EXPECT_TRUE(Stored() == After || (!reported && Stored() == before)) << Stored().toStdString();
-        EXPECT_TRUE(reported || startsAnew || noSyncAtAll || Stored() == before);
-        EXPECT_TRUE(startsAnew || QDir(Folder()).entryList(QDir::Files | QDir::Hidden).size() <= 1);
-    }
-    void CheckEnd() override { EXPECT_EQ(Stored(), After); }
-
-    QString File() const { return Folder() + QStringLiteral("/settings.ini"); }
-    /// As the toolkit reads it: from a copy, since it keeps in mind what it has read under a name.
-    QString Stored() {
-        const QTemporaryDir folder;
-        const QString copy = folder.filePath(QStringLiteral("settings.ini"));
-        QFile::copy(File(), copy);
-        const QSettings store(copy, QSettings::IniFormat);
-        EXPECT_TRUE(before.isEmpty() || store.value(QStringLiteral("Zavelik/General/other")) == 1);
-        return store.value(QStringLiteral("Zavelik/General/DB_Path")).toString();
-    }
-
-    const QString After = QStringLiteral("/новая.mdb");
-    QString before = QStringLiteral("/старая.mdb");
-};
-#endif
-
 } // namespace
 
 TEST_F(Creation, OnADiskThatFails) {
@@ -209,14 +162,3 @@ TEST_F(Upgrade, OnADiskThatFails) {
 TEST_F(Conversion, OnADiskThatFails) {
     test::SweepDisk(*this, "conversion", test::Places::None);
 }
-
-#ifdef Q_OS_UNIX
-TEST_F(Setting, OnASystemThatFails) {
-    test::SweepCalls(*this, "setting", test::Places::All);
-}
-
-TEST_F(Setting, TheFirstOnASystemThatFails) {
-    before.clear();
-    test::SweepCalls(*this, "first setting", test::Places::All);
-}
-#endif

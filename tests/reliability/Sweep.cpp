@@ -56,7 +56,6 @@ void CheckBoxes(const Fault& fault, const QStringList& boxes, bool reported) {
 
 void Survive(Work& work, Fault& fault, const std::function<std::unique_ptr<Layer>(Fault&)>& install) {
     work.startsAnew = fault.Kind().startsAnew;
-    work.noSyncAtAll = fault.IsLasting() && fault.Kind().Concerns(Call::Sync);
     work.Prepare();
     Boxes boxes([&work](QWidget& window) { work.Answer(window); });
     bool reported = false;
@@ -71,8 +70,6 @@ void Survive(Work& work, Fault& fault, const std::function<std::unique_ptr<Layer
         const QStringList told = boxes.Take();
         reported = work.WasReported(told);
         CheckBoxes(fault, told, reported);
-        if (reported && Boxes::Failures(told).isEmpty())
-            layer->CheckSynced(fault.WasHit());
         if (!work.startsAnew) {
             work.CheckFiles(reported);
             work.ActAgain();
@@ -173,7 +170,7 @@ void SweepLayer(Work& work, const std::string& name, Places places, std::span<co
                 const std::function<std::unique_ptr<Layer>(Fault&)>& install) {
     if (places == Places::None && !IsFullRun())
         return;
-    const bool everywhere = places == Places::All || IsFullRun();
+    const bool everywhere = IsFullRun();
     Fault none(kinds.front(), std::numeric_limits<int>::max(), false);
     Survive(work, none, install);
     int all = 0;

@@ -41,7 +41,6 @@ public:
 
     int Judge(FaultyFiles::Call call);
     const FaultKind& Kind() const { return m_kind; }
-    bool IsLasting() const { return m_lasting; }
     bool WasHit() const { return m_hit; }
     /// How many calls there were that the kind concerns.
     int CallsOf(const FaultKind& kind) const;
@@ -52,7 +51,7 @@ private:
     bool m_lasting;
     int m_concerned = 0;
     bool m_hit = false;
-    std::array<int, 9> m_calls = {};
+    std::array<int, 7> m_calls = {};
 };
 
 /// One piece of the user's work, done on a disk that fails. The order of the calls is that of the functions.
@@ -60,9 +59,8 @@ class Work {
 public:
     virtual ~Work() = default;
 
-    bool diskFails = false;   ///< set while the disk may fail
-    bool startsAnew = false;  ///< whether only the next start of the program goes on behind the fault
-    bool noSyncAtAll = false; ///< whether the disk can confirm nothing any more
+    bool diskFails = false;  ///< set while the disk may fail
+    bool startsAnew = false; ///< whether only the next start of the program goes on behind the fault
 
     /// Where its files are.
     virtual QString Folder() const = 0;
@@ -98,14 +96,12 @@ public:
     /// Right before the work, and right behind it.
     virtual void Begin() {}
     virtual void End() {}
-    /// Behind a report of success.
-    virtual void CheckSynced(bool afterFault) const { (void)afterFault; }
     /// Behind a fault that only the next start goes on from: gives the files what is left of them.
     virtual void StartAnew(const Fault& fault) { (void)fault; }
 };
 
-/// The places of a sweep where not all are taken, as in the full run.
-enum class Places { None, Some, All };
+/// The places of a sweep, but for the full run, which takes all.
+enum class Places { None, Some };
 
 /// Does the work once without a fault, then with a fault of each kind at its places, once and from then on,
 /// each time on a layer that `install` makes for it. Of some places each kind has another one, once and from
@@ -116,10 +112,6 @@ void SweepLayer(Work& work, const std::string& name, Places places, std::span<co
 /// Under SQLite and the program's own writing; then the same on a slow disk, where each statement is a
 /// commit.
 void SweepDisk(Work& work, const std::string& name, Places onASlowDisk = Places::Some);
-
-/// While the system's calls that concern files of the folder fail, whoever makes them: the toolkit or the
-/// program itself. Only on Unix.
-void SweepCalls(Work& work, const std::string& name, Places places);
 
 /// While another program keeps the book locked: for itself, against writers, by reading.
 void SweepLocks(Work& work, const std::string& name, const QString& book);

@@ -10,7 +10,7 @@ namespace test {
 /// file system fail, or the power of the machine. While it lives it is the default for new connections.
 class FaultyFiles {
 public:
-    enum class Call { Open, Read, Write, Truncate, Sync, Delete, SyncFolder, Rename, Link };
+    enum class Call { Open, Read, Write, Truncate, Sync, Delete, SyncFolder };
 
     /// The judge's answers that end the world with this call: nothing reaches the files any more, and every
     /// call fails. Of a killed program everything stays that it has written.

@@ -92,27 +92,4 @@ TEST_F(ExtractionTest, TheFileQuestions) {
     EXPECT_EQ(Cards().size(), 1);
 }
 
-/// What stands at the target is replaced when the new file is complete; a failure leaves neither.
-TEST_F(ExtractionTest, AFailureOverAnotherFile) {
-    AddCard(1, "О''Нил"); // another program's data can hold what the joined text does not bear
-    const struct {
-        std::function<void()> meanwhile; ///< while the error box is up
-        QByteArray left;
-    } rows[] = {
-        {[&] { EXPECT_EQ(test::ReadBytes(target), "old"); }, "no file"},
-        {[&] { QFile::remove(target); }, "no file"},
-        {[&] { QFile::remove(target), test::WriteBytes(target, "somebody's"); }, "somebody's"},
-    };
-    for (const auto& row : rows) {
-        test::WriteBytes(target, "old");
-        Extract(target, [&](test::Answers& boxes) {
-            Ask(boxes, target, true)
-                .BoxStarting(test::ErrorStart(Head, 3075), Icon::Critical,
-                             [&](const QString&) { row.meanwhile(); });
-        });
-        EXPECT_EQ(test::ReadBytes(target), row.left);
-        QFile::remove(target);
-    }
-}
-
 } // namespace

@@ -32,6 +32,18 @@ protected:
 
 } // namespace
 
+TEST_F(MsgBoxTest, IconsAreDrawnWhereNoThemeHasThem) {
+    QIcon::setThemeName(QStringLiteral("none"));
+    for (const auto which : {QStyle::SP_MessageBoxCritical, QStyle::SP_MessageBoxQuestion,
+                             QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxInformation}) {
+        const QImage drawn =
+            QApplication::style()->standardIcon(which).pixmap(QSize(256, 256), 1.0).toImage();
+        EXPECT_EQ(drawn.size(), QSize(256, 256)) << "sharp at every size";
+        EXPECT_NE(drawn.pixelColor(128, 128).alpha(), 0) << which;
+        EXPECT_EQ(drawn.pixelColor(0, 0).alpha(), 0) << which;
+    }
+}
+
 TEST_F(MsgBoxTest, KeysAndTheCloseBox) {
     const std::tuple<const char*, std::function<void(QWidget&)>, bool, bool> rows[] = {
         {"Esc", [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); }, false, false},

@@ -44,7 +44,7 @@ void AddFurtherColumns(TableInfo& made, const Table& table) {
     for (const Column& column : table.columns) {
         if (column.type == DataType::Unknown || made.Find(column.name) >= 0)
             continue;
-        ColumnInfo further{column, column.name};
+        ColumnInfo further{static_cast<const SizedType&>(column), column.name};
         further.allowZeroLength = IsText(column.type);
         if (known && column.type == DataType::Counter)
             further.type = DataType::Long;

@@ -52,8 +52,7 @@ public:
                                                  QString::fromUtf16(engine::dbLangGeneral))) {
         for (const char* statement :
              {"CREATE TABLE a01 (a01clid INTEGER NOT NULL PRIMARY KEY, a01last TEXT(50), a01bith TEXT(20))",
-              "CREATE TABLE b (n COUNTER NOT NULL PRIMARY KEY, d DATETIME, f DOUBLE, t BIT, u TEXT(5) "
-              "UNIQUE)",
+              "CREATE TABLE b (n COUNTER PRIMARY KEY, d DATETIME, f DOUBLE, t BIT, u TEXT(5) UNIQUE)",
               "INSERT INTO a01 VALUES (1, 'Иванов', '05.12.1980')",
               "INSERT INTO a01 VALUES (2, 'Петров', NULL)",
               "INSERT INTO b (d, f, t, u) VALUES (#12/5/2006#, 1.5, TRUE, 'x')",

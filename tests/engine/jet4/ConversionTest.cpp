@@ -185,7 +185,7 @@ TEST_F(OldFormatConversion, ACopyThatDiffersIsTold) {
     const engine::jet4::Reader reader(old.Bytes(), QString());
     engine::jet4::CopiedTable table{*reader.Find(u"a02"), {.name = QStringLiteral("a02")}};
     for (const engine::jet4::Column& column : table.source.columns)
-        table.made.columns.push_back({column, column.name});
+        table.made.columns.push_back({static_cast<const engine::SizedType&>(column), column.name});
     for (const char* change :
          {"", "UPDATE a02 SET a02cval = 'x' WHERE a02rcid = 2", "INSERT INTO a02 (a02clid) VALUES (1)"}) {
         const engine::HiddenFile file(Path(QString()), QString());
